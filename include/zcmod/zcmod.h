@@ -1,0 +1,11 @@
+// ZCMOD: the shared user-interface and phone-access library of the Desk Hub suite. Include this header to
+// get the whole interface.
+#pragma once
+
+#include "zcmod/CommonModuleState.h"
+#include "zcmod/DKHLInfoReader.h"
+#include "zcmod/FaultReporting.h"
+#include "zcmod/ResHandler.h"
+#include "zcmod/ResourceIds.h"
+#include "zcmod/Utils.h"
+#include "zcmod/VuikLib.h"
