@@ -26,7 +26,7 @@ configure_file(cmake/zcmod_version.h.in ${CMAKE_BINARY_DIR}/generated/zcmod_vers
 # --- The library ---------------------------------------------------------------------------------------------
 file(GLOB ZCMOD_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*/*.cpp)
 add_library(zcmod_core OBJECT ${ZCMOD_CORE_SOURCES})
-target_include_directories(zcmod_core PRIVATE ${PROJECT_SOURCE_DIR}/src)
+target_include_directories(zcmod_core PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(zcmod_core PRIVATE zcmod_png)
 
 add_library(zcmod SHARED ${ZCMOD_SOURCES} $<TARGET_OBJECTS:zcmod_core> src/zcmod.rc)

@@ -1,0 +1,52 @@
+// Pixel arithmetic of the image toolkit: the byte blend, colour helpers, and the dithering resize.
+// Pixels are 24-bit blue, green, red. A colour assembled from a pixel is 0x00RRGGBB.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace zcmod {
+
+// result = (image * (255 - alpha) + background * alpha) >> 8 for each byte, in unsigned 32-bit arithmetic.
+// The shift divides by 256, so a byte of 255 comes out 254 for every alpha.
+void AlphaBlendBytes(const uint8_t* image, const uint8_t* alpha, const uint8_t* background, uint8_t* result,
+                     size_t count);
+
+// Each of three bytes (b * (100 - percent) + a * percent) / 100; top byte zero.
+uint32_t MixColors(uint32_t a, uint32_t b, int percent);
+// Each of three bytes min(255, (c * factor) >> 8), keeping the low 8 bits; top byte zero.
+uint32_t FadeColor(uint32_t color, int factor);
+// The truncated mean of the three absolute byte differences.
+int GetColorDifRatio(uint32_t a, uint32_t b);
+// A zero tolerance asks for equality of all 32 bits. Otherwise each of the three low bytes must be within
+// its limit, a negative difference d counting as |d| - 1 (one level wider below the colour than above).
+int TestColorMatch(uint32_t pixel, uint32_t color, uint32_t tolerance);
+
+// A pixel buffer as the toolkit's working descriptions hold it: rows `stride` bytes apart, top-down.
+struct PixelView {
+    int width = 0;
+    int height = 0;
+    uint8_t* buffer = nullptr;
+    int stride = 0;
+    size_t size = 0;  // bytes in `buffer`; no access goes past it
+};
+
+// blue | green << 8 | red << 16 at (x, y); 0 outside the view or the buffer.
+uint32_t ReadPixel(const PixelView& view, int x, int y);
+// Stores the colour as a 32-bit value (top byte zero) at stride * y + 3 * x when (x, y) is inside the view
+// and the four bytes lie in the buffer; returns 1, else 0.
+int WritePixel(PixelView& view, int x, int y, uint32_t color);
+
+// The noise of the dithering resize: 131,072 bytes, each random() / 128.
+constexpr size_t kNoiseTableSize = 131072;
+void FillNoiseTable(uint8_t* table, int (*random)());
+
+// Scales the rectangle (srcX, srcY, srcW, srcH) of `source` to dstW x dstH into `destination` with bilinear
+// mixing at hundredths, and, when both edgeDivisor and noiseBase are non-zero, a fade by noise weighted by
+// the local edge strength. The arithmetic (single-precision steps and fractions, integer mixes, the
+// 255/256 fades) is the toolkit's defined result. Source reads past the image's right or bottom edge take
+// the edge pixel; writes outside the destination are dropped.
+void ResizeDitherPixels(const PixelView& source, PixelView& destination, int srcX, int srcY, int srcW, int srcH,
+                        int dstW, int dstH, int edgeDivisor, int noiseBase, const uint8_t* noiseTable);
+
+}  // namespace zcmod
