@@ -38,11 +38,18 @@ public:
     // True when the user's "Theme" value can be read and equals the loaded theme exactly, with case.
     bool IsCurrentTheme();
 
+    // The files of the loaded modules, and the loaded theme's name; empty strings when none is loaded.
+    const wchar_t* GetLanguageModulePath() const { return m_szLanguagePath; }
+    const wchar_t* GetGraphicsModulePath() const { return m_szGraphicsPath; }
+    const wchar_t* GetThemeName() const { return m_szTheme; }
+
 protected:
     HMODULE m_hLanguage;
     HMODULE m_hGraphics;
     wchar_t* m_pszLanguage;
     wchar_t m_szTheme[256];
+    wchar_t m_szLanguagePath[MAX_PATH];
+    wchar_t m_szGraphicsPath[MAX_PATH];
 };
 
 // Caches colours read from string resources "r,g,b", keyed by module and id.

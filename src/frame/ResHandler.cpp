@@ -18,7 +18,11 @@ CResHandler* ResHandler() { return CCommonModuleState::Get().m_pResHandler; }
 
 }  // namespace
 
-CResHandler::CResHandler() : m_hLanguage(nullptr), m_hGraphics(nullptr), m_pszLanguage(nullptr), m_szTheme() {}
+CResHandler::CResHandler()
+    : m_hLanguage(nullptr), m_hGraphics(nullptr), m_pszLanguage(nullptr), m_szTheme(), m_szLanguagePath(),
+      m_szGraphicsPath()
+{
+}
 
 CResHandler::~CResHandler()
 {
@@ -87,6 +91,8 @@ HMODULE CResHandler::GetLanguageModule()
     }
     wchar_t path[MAX_PATH];
     m_hLanguage = LoadResourceModule(L"\\Lang\\", code, L"zlr", path, MAX_PATH);
+    if (m_hLanguage)
+        zcmod::CopyString(m_szLanguagePath, MAX_PATH, path);
     return m_hLanguage;
 }
 
@@ -104,12 +110,15 @@ HMODULE CResHandler::GetGraphicsModule()
     if (m_hGraphics) {
         FreeLibrary(m_hGraphics);
         m_hGraphics = nullptr;
+        m_szGraphicsPath[0] = 0;
     }
     CCommonModuleState::Get().ResetColorLoader();
     wchar_t path[MAX_PATH];
     m_hGraphics = LoadResourceModule(L"\\Resource\\", theme, L"zgr", path, MAX_PATH);
-    if (m_hGraphics)
+    if (m_hGraphics) {
         zcmod::CopyString(m_szTheme, sizeof(m_szTheme) / sizeof(m_szTheme[0]), theme);
+        zcmod::CopyString(m_szGraphicsPath, MAX_PATH, path);
+    }
     return m_hGraphics;
 }
 

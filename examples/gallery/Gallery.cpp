@@ -1,0 +1,251 @@
+// The ZCMOD gallery: one page per family of what the library offers, drawn with the library itself.
+//
+//   gallery.exe                      interactive: pick a page from the list
+//   gallery.exe --screenshots DIR    headless: writes DIR\NN-<page>.png for every page, then exits;
+//                                    exits 1 if a page fails its own checks (see GalleryPage::Verify)
+//   gallery.exe --rtl                right-to-left layout
+//
+// It starts the library the way a client of the suite must: CVuikLib::Init with its instances, the layout
+// and auto scale before any skin loads, fault reporting, and ZCMOD_Finalize at the end.
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <zcmod/zcmod.h>
+
+#include "GalleryPage.h"
+#include "Screenshot.h"
+
+namespace {
+
+const wchar_t kMainClass[] = L"ZcmodGallery";
+const wchar_t kHostClass[] = L"ZcmodGalleryPage";
+const int kListWidth = 200;
+const UINT_PTR kTickTimer = 1;
+
+struct Gallery {
+    std::vector<std::unique_ptr<GalleryPage>> pages;
+    size_t current = 0;
+    HWND main = nullptr;
+    HWND list = nullptr;
+    HWND host = nullptr;
+};
+
+Gallery g_gallery;
+
+GalleryPage* CurrentPage()
+{
+    return g_gallery.current < g_gallery.pages.size() ? g_gallery.pages[g_gallery.current].get() : nullptr;
+}
+
+void ShowPage(size_t index)
+{
+    if (index >= g_gallery.pages.size())
+        return;
+    if (GalleryPage* old = CurrentPage())
+        old->Leave();
+    g_gallery.current = index;
+    SendMessageW(g_gallery.list, LB_SETCURSEL, index, 0);
+    g_gallery.pages[index]->Enter(g_gallery.host);
+    InvalidateRect(g_gallery.host, nullptr, FALSE);
+}
+
+LRESULT CALLBACK HostProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case WM_ERASEBKGND:
+        return 1;
+    case WM_PAINT: {
+        PAINTSTRUCT ps;
+        HDC dc = BeginPaint(hwnd, &ps);
+        RECT area;
+        GetClientRect(hwnd, &area);
+        // Drawn into a buffer first, so that a page never flickers.
+        HDC buffer = CreateCompatibleDC(dc);
+        HBITMAP bitmap = CreateCompatibleBitmap(dc, area.right, area.bottom);
+        HGDIOBJ old = SelectObject(buffer, bitmap);
+        if (GalleryPage* page = CurrentPage())
+            page->Paint(buffer, area);
+        BitBlt(dc, 0, 0, area.right, area.bottom, buffer, 0, 0, SRCCOPY);
+        SelectObject(buffer, old);
+        DeleteObject(bitmap);
+        DeleteDC(buffer);
+        EndPaint(hwnd, &ps);
+        return 0;
+    }
+    case WM_TIMER:
+        if (wParam == kTickTimer) {
+            if (GalleryPage* page = CurrentPage())
+                if (page->Tick())
+                    InvalidateRect(hwnd, nullptr, FALSE);
+            return 0;
+        }
+        break;
+    default:
+        break;
+    }
+    return DefWindowProcW(hwnd, message, wParam, lParam);
+}
+
+LRESULT CALLBACK MainProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case WM_CREATE: {
+        HINSTANCE instance = reinterpret_cast<CREATESTRUCTW*>(lParam)->hInstance;
+        g_gallery.list = CreateWindowExW(WS_EX_CLIENTEDGE, L"LISTBOX", nullptr,
+                                         WS_CHILD | WS_VISIBLE | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, 0, 0,
+                                         kListWidth, 100, hwnd, nullptr, instance, nullptr);
+        SendMessageW(g_gallery.list, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
+        for (const auto& page : g_gallery.pages)
+            SendMessageW(g_gallery.list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(page->Title()));
+        g_gallery.host = CreateWindowExW(0, kHostClass, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, kListWidth,
+                                         0, 100, 100, hwnd, nullptr, instance, nullptr);
+        SetTimer(g_gallery.host, kTickTimer, 50, nullptr);
+        return 0;
+    }
+    case WM_SIZE:
+        MoveWindow(g_gallery.list, 0, 0, kListWidth, HIWORD(lParam), TRUE);
+        MoveWindow(g_gallery.host, kListWidth, 0, LOWORD(lParam) - kListWidth, HIWORD(lParam), TRUE);
+        return 0;
+    case WM_COMMAND:
+        if (reinterpret_cast<HWND>(lParam) == g_gallery.list && HIWORD(wParam) == LBN_SELCHANGE) {
+            const LRESULT index = SendMessageW(g_gallery.list, LB_GETCURSEL, 0, 0);
+            if (index >= 0)
+                ShowPage(static_cast<size_t>(index));
+            return 0;
+        }
+        break;
+    case WM_DESTROY:
+        if (GalleryPage* page = CurrentPage())
+            page->Leave();
+        PostQuitMessage(0);
+        return 0;
+    default:
+        break;
+    }
+    return DefWindowProcW(hwnd, message, wParam, lParam);
+}
+
+// Lets the window system and the page's timer run for `milliseconds`.
+void Pump(DWORD milliseconds)
+{
+    const DWORD end = GetTickCount() + milliseconds;
+    MSG msg;
+    while (static_cast<LONG>(end - GetTickCount()) > 0) {
+        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
+        Sleep(10);
+    }
+}
+
+std::wstring FileNameFor(size_t index, const wchar_t* title)
+{
+    std::wstring name;
+    for (const wchar_t* p = title; *p; ++p) {
+        if ((*p >= L'a' && *p <= L'z') || (*p >= L'0' && *p <= L'9'))
+            name.push_back(*p);
+        else if (*p >= L'A' && *p <= L'Z')
+            name.push_back(static_cast<wchar_t>(*p - L'A' + L'a'));
+        else if (!name.empty() && name.back() != L'-')
+            name.push_back(L'-');
+    }
+    wchar_t prefix[8];
+    swprintf(prefix, 8, L"%02u-", static_cast<unsigned>(index + 1));
+    return prefix + name + L".png";
+}
+
+int TakeScreenshots(const std::wstring& folder)
+{
+    CreateDirectoryW(folder.c_str(), nullptr);
+    int failures = 0;
+    for (size_t i = 0; i < g_gallery.pages.size(); ++i) {
+        ShowPage(i);
+        UpdateWindow(g_gallery.main);
+        Pump(400);
+        RedrawWindow(g_gallery.main, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        Pump(100);
+        const std::wstring path = folder + L"\\" + FileNameFor(i, g_gallery.pages[i]->Title());
+        std::wstring error;
+        if (!gallery::SaveWindowPng(g_gallery.main, path, error)) {
+            std::fprintf(stderr, "gallery: %ls\n", error.c_str());
+            ++failures;
+            continue;
+        }
+        const std::wstring problem = g_gallery.pages[i]->Verify();
+        if (!problem.empty()) {
+            std::fprintf(stderr, "gallery: page \"%ls\": %ls\n", g_gallery.pages[i]->Title(), problem.c_str());
+            ++failures;
+        } else {
+            std::printf("gallery: %ls\n", path.c_str());
+        }
+    }
+    std::fflush(stdout);
+    return failures ? 1 : 0;
+}
+
+}  // namespace
+
+int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
+{
+    std::wstring screenshots;
+    bool rtl = false;
+    int argc = 0;
+    wchar_t** argv = CommandLineToArgvW(GetCommandLineW(), &argc);
+    for (int i = 1; argv && i < argc; ++i) {
+        const std::wstring arg = argv[i];
+        if (arg == L"--screenshots" && i + 1 < argc)
+            screenshots = argv[++i];
+        else if (arg == L"--rtl")
+            rtl = true;
+    }
+    LocalFree(argv);
+
+    // The client's side of the library's start.
+    CVuikLib::Init(instance, instance);
+    CVuikLib::SetLayout(rtl ? LAYOUT_RTL : 0);
+    CVuikLib::SetAutoScale(false);
+    DkhInitializeWER();
+
+    WNDCLASSEXW wc = {};
+    wc.cbSize = sizeof(wc);
+    wc.lpfnWndProc = HostProc;
+    wc.hInstance = instance;
+    wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    wc.lpszClassName = kHostClass;
+    RegisterClassExW(&wc);
+    wc.lpfnWndProc = MainProc;
+    wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
+    wc.lpszClassName = kMainClass;
+    wc.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+    RegisterClassExW(&wc);
+
+    g_gallery.pages = MakeGalleryPages();
+    g_gallery.main = CreateWindowExW(0, kMainClass, L"ZCMOD gallery", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
+                                     CW_USEDEFAULT, CW_USEDEFAULT, 1180, 760, nullptr, nullptr, instance, nullptr);
+    if (!g_gallery.main)
+        return 1;
+    ShowWindow(g_gallery.main, screenshots.empty() ? show : SW_SHOWNORMAL);
+    ShowPage(0);
+
+    int result = 0;
+    if (!screenshots.empty()) {
+        result = TakeScreenshots(screenshots);
+        DestroyWindow(g_gallery.main);
+    } else {
+        MSG msg;
+        while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
+    }
+    g_gallery.pages.clear();
+    ZCMOD_Finalize();
+    return result;
+}

@@ -1,0 +1,34 @@
+// One page of the gallery: a title and what it draws, with child windows of its own if it needs them.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class GalleryPage {
+public:
+    virtual ~GalleryPage() = default;
+
+    // Shown in the page list and used for the screenshot's file name.
+    virtual const wchar_t* Title() const = 0;
+
+    // The page becomes visible in `host` (its client area is the page) or is left.
+    virtual void Enter(HWND /*host*/) {}
+    virtual void Leave() {}
+
+    // Draws the page into a buffer of the host's size.
+    virtual void Paint(HDC dc, const RECT& area) = 0;
+
+    // Called every 50 ms while the page is visible; returns true when the page must be drawn again.
+    virtual bool Tick() { return false; }
+
+    // Checks of the screenshot run: an empty string when the page drew what it must, else what is wrong.
+    virtual std::wstring Verify() { return L""; }
+};
+
+std::unique_ptr<GalleryPage> MakeFramePage();
+
+// Every page, in the order of the list.
+std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

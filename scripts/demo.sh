@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# Builds ZCMOD and runs its gallery under Wine.
+#   scripts/demo.sh                      interactive (needs a display: DISPLAY must be set)
+#   scripts/demo.sh --screenshots DIR    headless: one PNG per page in DIR, exit 0 when every page passes
+# Options: --lang eng|heb (default eng), --theme Default|Graphite (default Default), --rtl.
+set -euo pipefail
+
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+. "$here/env.sh"
+cd "$ZCMOD_ROOT"
+
+screenshots="" lang=eng theme=Default rtl=""
+while [ $# -gt 0 ]; do
+  case "$1" in
+    --screenshots) screenshots=${2:?--screenshots needs a folder}; shift 2 ;;
+    --lang) lang=${2:?}; shift 2 ;;
+    --theme) theme=${2:?}; shift 2 ;;
+    --rtl) rtl=--rtl; shift ;;
+    -h|--help) sed -n '2,6p' "$0"; exit 0 ;;
+    *) echo "demo: unknown option $1" >&2; exit 2 ;;
+  esac
+done
+if [ -z "$screenshots" ] && [ -z "${DISPLAY:-}" ]; then
+  echo "demo: no display; use --screenshots DIR to run headless" >&2
+  exit 2
+fi
+
+"$here/bootstrap.sh"
+cmake --preset mingw >/dev/null
+cmake --build --preset mingw --target gallery zcmod_resources dkhl64
+
+# The runtime folder: the application, the library with its Lang and Resource folders, and the stand-ins
+# for the closed libraries of a user's machine.
+bin=build/mingw/bin
+run=build/mingw/demo
+rm -rf "$run"
+mkdir -p "$run/Lang" "$run/Resource"
+cp "$bin/gallery.exe" "$bin/zcmod.dll" "$bin/DKHL64.dll" "$run/"
+cp "$bin/Lang/ZCMOD_eng.zlr" "$bin/Lang/ZCMOD_heb.zlr" "$run/Lang/"
+cp "$bin/Resource/ZCMOD_Default.zgr" "$bin/Resource/ZCMOD_Graphite.zgr" "$run/Resource/"
+
+# The settings the library reads, for the stand-in settings library's manufacturer "Zelvo".
+export WINEPREFIX="$ZCMOD_WINE_DEMO" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+reg="$run/settings.reg"
+cat > "$reg" <<REG
+REGEDIT4
+
+[HKEY_LOCAL_MACHINE\\Software\\Wow6432Node\\Zelvo\\DeskHub]
+"Current Language"="$lang"
+"Current Resource"="$theme"
+
+[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432node\\Zelvo]
+"DeskHubBuildNumber"="1.0.42"
+
+[HKEY_CURRENT_USER\\Software\\Zelvo\\DeskHub]
+"Theme"="$theme"
+REG
+
+winpath() { printf 'Z:%s' "$(realpath "$1")" | tr '/' '\\'; }
+
+if [ -n "$screenshots" ]; then
+  mkdir -p "$screenshots"
+  out=$(winpath "$screenshots")
+  xvfb-run -a -s "-screen 0 1280x1024x24" sh -c '
+    wine regedit /S "$1" >/dev/null 2>&1
+    wine "$2" --screenshots "$3" $4
+    rc=$?
+    wineserver -w
+    exit $rc' sh "$(winpath "$reg")" "$run/gallery.exe" "$out" "$rtl"
+  echo "demo: screenshots in $screenshots"
+else
+  wine regedit /S "$(winpath "$reg")" >/dev/null 2>&1
+  wine "$run/gallery.exe" $rtl
+fi
