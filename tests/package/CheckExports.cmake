@@ -1,0 +1,25 @@
+# zcmod.dll exports the frame's functions under their plain names and the members of CVuikLib, and imports
+# no DLL of the mingw runtime (libgcc, libstdc++, winpthread): it must run beside nothing but itself.
+execute_process(COMMAND ${OBJDUMP} -p ${DLL} RESULT_VARIABLE rc OUTPUT_VARIABLE table)
+if(NOT rc EQUAL 0)
+  message(FATAL_ERROR "objdump failed on ${DLL}")
+endif()
+foreach(name ZCMOD_Finalize ZCMOD_GetCommonZGR ZCMOD_GetCommonZLR ZCMOD_LoadString ZCMOD_CreateFontIndirect
+             DkhLoadColor DkhLoadFont DkhInitializeWER)
+  if(NOT table MATCHES "\\] ${name}\n")
+    message(FATAL_ERROR "${name} is not exported")
+  endif()
+endforeach()
+foreach(member Init GetInstance SetInstance GetResourceInstance SetResourceInstance IsWindows9x IsWindowsXP
+               SetAutoScale GetAutoScale GetScaleX GetScaleY SetLayout GetLayout IsLayoutRTL CheckOS)
+  if(NOT table MATCHES "_ZN8CVuikLib[0-9]+${member}E")
+    message(FATAL_ERROR "CVuikLib::${member} is not exported")
+  endif()
+endforeach()
+string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${table}")
+foreach(import IN LISTS imports)
+  if(import MATCHES "libgcc|libstdc|winpthread")
+    message(FATAL_ERROR "zcmod.dll depends on a runtime DLL: ${import}")
+  endif()
+endforeach()
+message(STATUS "${imports}")
