@@ -20,8 +20,15 @@ if(BUILD_TESTING)
   file(GLOB ZCMOD_NATIVE_TESTS CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/native/*.cpp)
   add_executable(zcmod_core_tests ${ZCMOD_NATIVE_TESTS})
   target_link_libraries(zcmod_core_tests PRIVATE zcmod_core GTest::gtest GTest::gtest_main)
+  # libpng's PNG suite, copied out of the libpng source tree by scripts/bootstrap.sh.
+  if(DEFINED ENV{ZCMOD_CACHE})
+    set(ZCMOD_PNGSUITE_DIR "$ENV{ZCMOD_CACHE}/mingw-deps/share/pngsuite")
+  else()
+    set(ZCMOD_PNGSUITE_DIR "$ENV{HOME}/.cache/zcmod/mingw-deps/share/pngsuite")
+  endif()
   target_compile_definitions(zcmod_core_tests PRIVATE
-    ZCMOD_SOURCE_DIR="${PROJECT_SOURCE_DIR}" ZCMOD_FUZZ_DIR="${PROJECT_SOURCE_DIR}/fuzz")
+    ZCMOD_SOURCE_DIR="${PROJECT_SOURCE_DIR}" ZCMOD_FUZZ_DIR="${PROJECT_SOURCE_DIR}/fuzz"
+    ZCMOD_PNGSUITE_DIR="${ZCMOD_PNGSUITE_DIR}")
   gtest_discover_tests(zcmod_core_tests TEST_PREFIX "native." DISCOVERY_MODE PRE_TEST)
 endif()
 

@@ -15,8 +15,9 @@ constexpr unsigned kGifMaxImages = 511;
 // Zeroes the record, with every transparent colour 0xFFFFFFFF.
 void ClearGifFileStruct(ZBUGIFFileStruct& info);
 
-// Walks the blocks of a GIF file and fills `info`. `background` gets the global table's background entry as
-// 0x00BBGGRR; `loopCount` is set to 1 and then to n + 1 by a looping application block that says n.
+// Walks the blocks of a GIF file and fills `info`, which it clears first (ClearGifFileStruct). `background`
+// gets the global table's background entry as 0x00BBGGRR (0 when that entry lies past the end of the data);
+// `loopCount` is set to 1 and then to n + 1 by a looping application block that says n.
 // Returns the number of images found (at most 511). The walk never reads outside [data, data + size): a
 // truncated or hostile file ends the walk, keeping the images complete so far.
 unsigned WalkGifStructure(const uint8_t* data, size_t size, ZBUGIFFileStruct& info, uint32_t& background,

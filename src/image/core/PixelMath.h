@@ -45,7 +45,7 @@ void FillNoiseTable(uint8_t* table, int (*random)());
 // mixing at hundredths, and, when both edgeDivisor and noiseBase are non-zero, a fade by noise weighted by
 // the local edge strength. The arithmetic (single-precision steps and fractions, integer mixes, the
 // 255/256 fades) is the toolkit's defined result. Source reads past the image's right or bottom edge take
-// the edge pixel; writes outside the destination are dropped.
+// the edge pixel; writes outside the destination are dropped. A null noise table turns the fade off.
 void ResizeDitherPixels(const PixelView& source, PixelView& destination, int srcX, int srcY, int srcW, int srcH,
                         int dstW, int dstH, int edgeDivisor, int noiseBase, const uint8_t* noiseTable);
 

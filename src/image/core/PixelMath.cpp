@@ -1,0 +1,279 @@
+#include "image/core/PixelMath.h"
+
+#include <cmath>
+#include <cstdint>
+
+namespace zcmod {
+
+namespace {
+
+constexpr uint32_t kNoiseIndexWrap = 131072;  // the index runs over even entries 0 to 131,070
+
+// Float to int the way the x86 conversion instruction does it: truncation toward zero, and the "integer
+// indefinite" value INT32_MIN for NaN and for values outside the int range. The result is then the same in
+// every build, and a hostile rectangle or factor never reaches an undefined conversion.
+int32_t TruncToInt(float v)
+{
+    if (!(v >= -2147483648.0f && v < 2147483648.0f))
+        return INT32_MIN;
+    return static_cast<int32_t>(v);
+}
+
+// Arithmetic shift right by 8 (rounds toward minus infinity), written out so that it does not depend on how
+// the compiler shifts negative values.
+int64_t ShiftRight8(int64_t v)
+{
+    return v >= 0 ? v >> 8 : -((-v + 255) >> 8);
+}
+
+// One byte faded: min(255, (c * factor) >> 8), of which the low 8 bits are kept.
+uint8_t FadeByte(uint8_t c, int32_t factor)
+{
+    int64_t v = ShiftRight8(static_cast<int64_t>(c) * factor);
+    if (v > 255)
+        v = 255;
+    return static_cast<uint8_t>(static_cast<uint64_t>(v) & 0xFFu);
+}
+
+// (a * wa + b * wb) / 100 with truncating division, cut to 8 bits.
+uint8_t MixByte(uint8_t a, int64_t wa, uint8_t b, int64_t wb)
+{
+    const int64_t v = (static_cast<int64_t>(a) * wa + static_cast<int64_t>(b) * wb) / 100;
+    return static_cast<uint8_t>(static_cast<uint64_t>(v) & 0xFFu);
+}
+
+struct Bgr {
+    uint8_t c[3];  // blue, green, red
+};
+
+// Truncating mean of the three absolute byte differences.
+int MeanDifference(const Bgr& a, const Bgr& b)
+{
+    int sum = 0;
+    for (int k = 0; k < 3; ++k)
+        sum += a.c[k] > b.c[k] ? a.c[k] - b.c[k] : b.c[k] - a.c[k];
+    return sum / 3;
+}
+
+int Clamp(int64_t v, int hi)
+{
+    if (v < 0)
+        return 0;
+    return v > hi ? hi : static_cast<int>(v);
+}
+
+// The source pixel at (x, y), with the coordinates clamped into the image so that an edge pixel stands for
+// the ones past it. A view without pixels reads as black.
+Bgr SourcePixel(const PixelView& view, int64_t x, int64_t y)
+{
+    Bgr p{{0, 0, 0}};
+    if (view.width < 1 || view.height < 1)
+        return p;
+    const uint32_t v = ReadPixel(view, Clamp(x, view.width - 1), Clamp(y, view.height - 1));
+    p.c[0] = static_cast<uint8_t>(v);
+    p.c[1] = static_cast<uint8_t>(v >> 8);
+    p.c[2] = static_cast<uint8_t>(v >> 16);
+    return p;
+}
+
+// The fade factor of one direction: trunc(255 - (d / edgeDivisor) * sin(fraction * 3.14159) * (noiseBase -
+// noise)), multiplied left to right in single precision; only the sine is taken in double. Each product is a
+// statement of its own so that no compiler fuses a multiply and an add.
+int32_t EdgeFactor(int d, int edgeDivisor, float fraction, int noiseBase, uint8_t noise)
+{
+    const float ratio = static_cast<float>(d) / static_cast<float>(edgeDivisor);
+    const float wave = static_cast<float>(std::sin(static_cast<double>(fraction) * 3.14159));
+    const float noiseSpan = static_cast<float>(static_cast<int64_t>(noiseBase) - noise);
+    float product = ratio * wave;
+    product = product * noiseSpan;
+    const float factor = 255.0f - product;
+    return TruncToInt(factor);
+}
+
+}  // namespace
+
+void AlphaBlendBytes(const uint8_t* image, const uint8_t* alpha, const uint8_t* background, uint8_t* result,
+                     size_t count)
+{
+    if (!image || !alpha || !background || !result)
+        return;
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t a = alpha[i];
+        result[i] = static_cast<uint8_t>((image[i] * (255u - a) + background[i] * a) >> 8);
+    }
+}
+
+uint32_t MixColors(uint32_t a, uint32_t b, int percent)
+{
+    uint32_t out = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const uint8_t ca = static_cast<uint8_t>(a >> shift);
+        const uint8_t cb = static_cast<uint8_t>(b >> shift);
+        out |= static_cast<uint32_t>(MixByte(cb, 100 - static_cast<int64_t>(percent), ca, percent)) << shift;
+    }
+    return out;
+}
+
+uint32_t FadeColor(uint32_t color, int factor)
+{
+    uint32_t out = 0;
+    for (int shift = 0; shift < 24; shift += 8)
+        out |= static_cast<uint32_t>(FadeByte(static_cast<uint8_t>(color >> shift), factor)) << shift;
+    return out;
+}
+
+int GetColorDifRatio(uint32_t a, uint32_t b)
+{
+    int sum = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const int ca = static_cast<int>((a >> shift) & 0xFFu);
+        const int cb = static_cast<int>((b >> shift) & 0xFFu);
+        sum += ca > cb ? ca - cb : cb - ca;
+    }
+    return sum / 3;
+}
+
+int TestColorMatch(uint32_t pixel, uint32_t color, uint32_t tolerance)
+{
+    if (tolerance == 0)
+        return pixel == color ? 1 : 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        int32_t d = static_cast<int32_t>((pixel >> shift) & 0xFFu) - static_cast<int32_t>((color >> shift) & 0xFFu);
+        if (d & (1 << 27))  // set exactly for a negative difference: the complement is |d| - 1
+            d = ~d;
+        if (d > static_cast<int32_t>((tolerance >> shift) & 0xFFu))
+            return 0;
+    }
+    return 1;
+}
+
+namespace {
+
+// Offset of the pixel (x, y) in the view's buffer when `bytes` bytes from there lie inside it, else -1.
+int64_t PixelOffset(const PixelView& view, int x, int y, int64_t bytes)
+{
+    if (!view.buffer || x < 0 || y < 0 || x >= view.width || y >= view.height)
+        return -1;
+    const int64_t offset = static_cast<int64_t>(view.stride) * y + 3 * static_cast<int64_t>(x);
+    if (offset < 0 || static_cast<uint64_t>(offset) + static_cast<uint64_t>(bytes) > view.size)
+        return -1;
+    return offset;
+}
+
+}  // namespace
+
+uint32_t ReadPixel(const PixelView& view, int x, int y)
+{
+    const int64_t offset = PixelOffset(view, x, y, 3);
+    if (offset < 0)
+        return 0;
+    const uint8_t* p = view.buffer + offset;
+    return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 | static_cast<uint32_t>(p[2]) << 16;
+}
+
+int WritePixel(PixelView& view, int x, int y, uint32_t color)
+{
+    const int64_t offset = PixelOffset(view, x, y, 4);
+    if (offset < 0)
+        return 0;
+    // A 32-bit little-endian store: the fourth byte, zero, is overwritten by the next pixel of the row.
+    uint8_t* p = view.buffer + offset;
+    p[0] = static_cast<uint8_t>(color);
+    p[1] = static_cast<uint8_t>(color >> 8);
+    p[2] = static_cast<uint8_t>(color >> 16);
+    p[3] = 0;
+    return 1;
+}
+
+void FillNoiseTable(uint8_t* table, int (*random)())
+{
+    if (!table || !random)
+        return;
+    for (size_t i = 0; i < kNoiseTableSize; ++i)
+        table[i] = static_cast<uint8_t>(random() / 128);
+}
+
+void ResizeDitherPixels(const PixelView& source, PixelView& destination, int srcX, int srcY, int srcW, int srcH,
+                        int dstW, int dstH, int edgeDivisor, int noiseBase, const uint8_t* noiseTable)
+{
+    // Without a table there is no noise to fade by: the scale is then a plain bilinear one.
+    const bool dither = edgeDivisor != 0 && noiseBase != 0 && noiseTable != nullptr;
+
+    if (destination.width > 0 && destination.height > 0)
+        WritePixel(destination, 0, 0, 0);
+    if (dstW < 1 || dstH < 1)
+        return;
+
+    const float stepX = static_cast<float>(srcW) / static_cast<float>(dstW);
+    const float stepY = static_cast<float>(srcH) / static_cast<float>(dstH);
+    uint32_t n = 0;
+
+    float fy = static_cast<float>(srcY);
+    for (int y = 0; y < dstH; ++y) {
+        // Rows below the destination would all be dropped, and nothing they compute is carried on.
+        if (y >= destination.height)
+            break;
+        const int32_t iy = TruncToInt(fy);
+        const float fracY = fy - static_cast<float>(iy);
+        const int32_t wy = TruncToInt((1.0f - fracY) * 100.0f);
+
+        float fx = static_cast<float>(srcX);
+        for (int x = 0; x < dstW; ++x) {
+            if (x >= destination.width) {
+                // The rest of the row is dropped; only the noise index moves on, 2 per pixel, as it would.
+                if (dither)
+                    n = static_cast<uint32_t>((n + 2ull * static_cast<uint64_t>(dstW - x)) % kNoiseIndexWrap);
+                break;
+            }
+            const int32_t ix = TruncToInt(fx);
+            const float fracX = fx - static_cast<float>(ix);
+            const int32_t wx = TruncToInt((1.0f - fracX) * 100.0f);
+
+            const Bgr p00 = SourcePixel(source, ix, iy);
+            const Bgr p10 = SourcePixel(source, static_cast<int64_t>(ix) + 1, iy);
+            const Bgr p01 = SourcePixel(source, ix, static_cast<int64_t>(iy) + 1);
+            const Bgr p11 = SourcePixel(source, static_cast<int64_t>(ix) + 1, static_cast<int64_t>(iy) + 1);
+
+            const int64_t wx64 = wx;
+            const int64_t wy64 = wy;
+            Bgr top;
+            Bgr bottom;
+            Bgr colour;
+            for (int k = 0; k < 3; ++k) {
+                top.c[k] = MixByte(p00.c[k], wx64, p10.c[k], 100 - wx64);
+                bottom.c[k] = MixByte(p01.c[k], wx64, p11.c[k], 100 - wx64);
+                colour.c[k] = MixByte(top.c[k], wy64, bottom.c[k], 100 - wy64);
+            }
+
+            if (dither) {
+                const int d1 = MeanDifference(top, bottom);
+                const int32_t f1 = EdgeFactor(d1, edgeDivisor, fracY, noiseBase, noiseTable[n]);
+                for (int k = 0; k < 3; ++k)
+                    colour.c[k] = FadeByte(colour.c[k], f1);
+
+                Bgr left;
+                Bgr right;
+                for (int k = 0; k < 3; ++k) {
+                    left.c[k] = MixByte(p01.c[k], 100 - wy64, p00.c[k], wy64);
+                    right.c[k] = MixByte(p11.c[k], 100 - wy64, p10.c[k], wy64);
+                }
+                const int d2 = MeanDifference(left, right);
+                const int32_t f2 = EdgeFactor(d2, edgeDivisor, fracX, noiseBase, noiseTable[n + 1]);
+                for (int k = 0; k < 3; ++k)
+                    colour.c[k] = FadeByte(colour.c[k], f2);
+
+                n += 2;
+                if (n > kNoiseIndexWrap - 1)
+                    n = 0;
+            }
+
+            const uint32_t value = static_cast<uint32_t>(colour.c[0]) | static_cast<uint32_t>(colour.c[1]) << 8 |
+                                   static_cast<uint32_t>(colour.c[2]) << 16;
+            WritePixel(destination, x, y, value);
+            fx += stepX;
+        }
+        fy += stepY;
+    }
+}
+
+}  // namespace zcmod
