@@ -38,6 +38,7 @@ mkdir -p "$run/Lang" "$run/Resource"
 cp "$bin/gallery.exe" "$bin/zcmod.dll" "$bin/DKHL64.dll" "$run/"
 cp "$bin/Lang/ZCMOD_eng.zlr" "$bin/Lang/ZCMOD_heb.zlr" "$run/Lang/"
 cp "$bin/Resource/ZCMOD_Default.zgr" "$bin/Resource/ZCMOD_Graphite.zgr" "$run/Resource/"
+cp -r "$bin/pictures" "$run/pictures"
 
 # The settings the library reads, for the stand-in settings library's manufacturer "Zelvo".
 export WINEPREFIX="$ZCMOD_WINE_DEMO" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="

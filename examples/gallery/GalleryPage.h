@@ -29,6 +29,7 @@ public:
 };
 
 std::unique_ptr<GalleryPage> MakeFramePage();
+std::unique_ptr<GalleryPage> MakePicturesPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

@@ -19,15 +19,19 @@
 #include "zcmod/Export.h"
 #include "zcmod/NBitmapTypes.h"
 
+namespace zcmod {
+struct PngImage;
+}
+
 class ZCMOD_API CNBitmapUtil {
 public:
     // One store: frames exist where their handle is not null.
     struct CNBitmap {
         HBITMAP m_hBitmap[512];
-        int m_nDelay[512];     // milliseconds
-        BITMAPINFO* m_pInfo;   // geometry of every frame of the store; null until the first frame arrives
-        int m_nStride;         // bytes of one padded row: width * 3 rounded up to a multiple of 4
-        int m_nSize;           // bytes of one padded frame: height * m_nStride
+        int m_nDelay[512];    // milliseconds
+        BITMAPINFO* m_pInfo;  // geometry of every frame of the store; null until the first frame arrives
+        int m_nStride;        // bytes of one padded row: width * 3 rounded up to a multiple of 4
+        int m_nSize;          // bytes of one padded frame: height * m_nStride
     };
     typedef ZBUGIFFileStruct CGIFFileStruct;
 
@@ -128,8 +132,8 @@ public:
     HBITMAP GetBackgroundStatic(HWND window, int x, int y, int width, int height, int set, int index);
     int SetBitmapStatic(HWND window, int x, int y, int width, int height, BitmapType type, int index, int srcX,
                         int srcY);
-    int SetBitmapStaticAlpha(HWND window, int x, int y, int width, int height, BitmapType type, int index,
-                             int srcX, int srcY, int alpha);
+    int SetBitmapStaticAlpha(HWND window, int x, int y, int width, int height, BitmapType type, int index, int srcX,
+                             int srcY, int alpha);
     // Frees the kept blend buffers; every load does this.
     void DeleteAlphaBlendBuffers();
 
@@ -144,7 +148,8 @@ protected:
     // The lowest existing frame, or -1 when there is none.
     int GetFirstImageIndex(CNBitmap* record);
     HBITMAP DeleteBitmap(CNBitmap* record, int index);
-    // Allocated with malloc; the caller frees. A missing header gives a zero-length block.
+    // m_nSize bytes allocated with malloc, filled as far as the transfer went; the caller frees them. Null
+    // (with the error set) without a header, or when out of memory.
     char* GetBitmapDataAlloc(BitmapType type, int index);
     char* GetBitmapDataNAAlloc(BitmapType type, int index);
 
@@ -155,8 +160,14 @@ protected:
     static void FreeRecord(CNBitmap* record);
     // The 24-bit header record of a bitmap (see the colour-count rule in the .cpp); null on failure.
     static BITMAPINFO* CreateBitmapInfoStruct(HBITMAP bitmap);
-    // Makes the header record `record` adopts when it has none, setting stride and size.
+    // Gives `info` to `record` when it has no header yet, setting stride and size; frees it otherwise.
     static void AdoptInfo(CNBitmap* record, BITMAPINFO* info);
+    // A copy of a header record (with its palette area); null when out of memory.
+    static BITMAPINFO* CopyInfo(const BITMAPINFO* info);
+    // The frame of `record` at `index`; null for an index outside 0 to 511 or a missing record.
+    static HBITMAP FrameOf(const CNBitmap* record, int index);
+    // Finds the first resource of a named type that holds the id being looked for.
+    static BOOL CALLBACK ResTypeEnumFunc(HMODULE module, LPWSTR type, LONG_PTR result);
 
     int CreateBitmapFromData(int width, int height, char* data, CNBitmap* record, int index);
 
@@ -164,8 +175,9 @@ protected:
     unsigned GetGIFFileStructure(unsigned char* data, unsigned int size, CGIFFileStruct* info,
                                  unsigned long* background);
     HBITMAP LoadGifPicture(void* memory, unsigned long size, BitmapType type);
-    HBITMAP LoadGIFFileImages(CNBitmap* record, unsigned char* data, unsigned int count, const CGIFFileStruct& info,
-                              unsigned long background);
+    // `size` bounds every read of `data`.
+    HBITMAP LoadGIFFileImages(CNBitmap* record, unsigned char* data, unsigned int size, unsigned int count,
+                              const CGIFFileStruct& info, unsigned long background);
     int EncodeSaveGIF(CNBitmap* record, const wchar_t* file, int unused);
     // WBMP and OTA
     HBITMAP LoadWBMPFile(const wchar_t* file, BitmapType type, int index);
@@ -175,6 +187,8 @@ protected:
     // PNG, BMP, JPEG
     HBITMAP LoadPNGFile(const wchar_t* file, BitmapType type, int index);
     HBITMAP LoadPNGFromMem(unsigned char* data, ULONGLONG size, BitmapType type, int index);
+    // The common back end: the decoder's verdict and picture into the store. `status` is a zcmod::PngStatus.
+    HBITMAP LoadPNG(int status, zcmod::PngImage* image, BitmapType type, int index);
     int EncodeSavePNG(char* pixels, CNBitmap* record, const wchar_t* file);
     int EncodeSaveBMP(char* pixels, CNBitmap* record, const wchar_t* file);
     int EncodeSaveJPEG(char* pixels, CNBitmap* record, const wchar_t* file);
@@ -201,6 +215,7 @@ protected:
     unsigned char* m_pBlendResult;
     int m_nBlendRows;
     int m_nBlendSet;
+    size_t m_nBlendBytes;  // bytes in each blend buffer, so that a store that changed geometry is noticed
 };
 
 // A copy of picture `id` of the common graphics module, owned by the caller; null if there is none.

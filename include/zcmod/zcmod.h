@@ -5,6 +5,7 @@
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/DKHLInfoReader.h"
 #include "zcmod/FaultReporting.h"
+#include "zcmod/NBitmapUtil.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
 #include "zcmod/Utils.h"

@@ -3,6 +3,7 @@
 #include <new>
 
 #include "frame/Fonts.h"
+#include "zcmod/NBitmapUtil.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/VuikLib.h"
 
@@ -10,6 +11,8 @@ CCommonModuleState::CCommonModuleState()
     : m_pBitmapPool(), m_pDataRoot(nullptr), m_pResHandler(nullptr), m_pColorLoader(nullptr), m_pDialogMap(nullptr)
 {
     // A failed allocation leaves its pointer empty; the uses that follow it test for that.
+    for (CNBitmapUtil*& pool : m_pBitmapPool)
+        pool = new (std::nothrow) CNBitmapUtil;
     m_pDataRoot = new (std::nothrow) std::wstring();
     m_pResHandler = new (std::nothrow) CResHandler();
     m_pColorLoader = new (std::nothrow) CStrColorLoader();
@@ -28,6 +31,12 @@ void CCommonModuleState::ResetColorLoader()
 
 void CCommonModuleState::Release()
 {
+    for (CNBitmapUtil*& pool : m_pBitmapPool) {
+        if (pool)
+            pool->Clear();
+        delete pool;
+        pool = nullptr;
+    }
     delete m_pDataRoot;
     m_pDataRoot = nullptr;
     delete m_pResHandler;

@@ -1,0 +1,866 @@
+// The operations of CNBitmapUtil that make new pixels from stored frames: frames from raw pixels, scaling, the
+// layered blend with its kept buffers, tiling, colour fills, regions, mirroring, and window transfers.
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+
+#include "frame/Handles.h"
+#include "image/NBitmapInternal.h"
+#include "image/core/PixelMath.h"
+#include "zcmod/NBitmapUtil.h"
+
+using namespace zcmod;
+
+namespace {
+
+// The class-wide source and destination descriptions of GetPixel, PutPixel, ResizeDither and
+// BitmapToRegion: working variables of one call, which is why those can't run on two threads at once.
+PixelView s_source;
+PixelView s_destination;
+
+PixelView DescribeStore(const CNBitmapUtil::CNBitmap* record, void* buffer, size_t bytes)
+{
+    PixelView view;
+    if (record && record->m_pInfo) {
+        const BITMAPINFOHEADER& header = record->m_pInfo->bmiHeader;
+        view.width = header.biWidth;
+        view.height = header.biHeight < 0 ? -header.biHeight : header.biHeight;
+        view.stride = record->m_nStride;
+    }
+    view.buffer = static_cast<uint8_t*>(buffer);
+    view.size = bytes;
+    return view;
+}
+
+int HeightOf(const BITMAPINFO* info)
+{
+    const LONG height = info->bmiHeader.biHeight;
+    return height < 0 ? -height : height;
+}
+
+int SetOf(int set)
+{
+    return set == 0 ? 0 : 4;
+}
+
+}  // namespace
+
+// ---- Frames from pixels and handles -----------------------------------------------------------------------------
+
+int CNBitmapUtil::CreateBitmapFromData(int width, int height, char* data, CNBitmap* record, int index)
+{
+    if (!record || !data || !IsFrameIndex(index))
+        return 0;
+    BITMAPINFO* info = NewInfo24(width, height);
+    if (!info)
+        return 0;
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(nullptr, info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    if (!bitmap || !bits) {
+        if (bitmap)
+            DeleteObject(bitmap);
+        m_eLastError = ZBU_GDI_FAILED;
+        FreeInfo(info);
+        return 0;
+    }
+    // Image row y is scan line height - y - 1 of the section.
+    int stride = 0;
+    int size = 0;
+    FrameGeometry(width, height, stride, size);
+    const size_t rowBytes = static_cast<size_t>(width) * 3;
+    GdiFlush();
+    auto* target = static_cast<unsigned char*>(bits);
+    for (int y = 0; y < height; ++y)
+        memcpy(target + static_cast<size_t>(height - y - 1) * stride, data + rowBytes * y, rowBytes);
+
+    if (record->m_hBitmap[index] && record->m_hBitmap[index] != bitmap)
+        DeleteObject(record->m_hBitmap[index]);
+    record->m_hBitmap[index] = bitmap;
+    AdoptInfo(record, info);
+    return 1;
+}
+
+int CNBitmapUtil::CreateBitmapFromData(int width, int height, char* data, BitmapType type, int index)
+{
+    if (width < 1) {
+        m_eLastError = ZBU_BAD_ARG1;
+        return 0;
+    }
+    if (height < 1) {
+        m_eLastError = ZBU_BAD_ARG2;
+        return 0;
+    }
+    if (!data) {
+        m_eLastError = ZBU_BAD_ARG3;
+        return 0;
+    }
+    DeleteBitmap(type, index);
+    return CreateBitmapFromData(width, height, data, GetBitmapObject(type), index);
+}
+
+int CNBitmapUtil::CreateBitmapFromHandle(HBITMAP source, BitmapType type, int index)
+{
+    int width = 0;
+    int height = 0;
+    if (!BitmapSize(source, width, height))
+        return 0;
+    CNBitmap* record = GetBitmapObject(type);
+    if (!record || !IsFrameIndex(index))
+        return 0;
+    DeleteBitmap(record, index);
+    BitmapHandle section(CreateSection24(width, height, nullptr));
+    if (!section)
+        return 0;
+    WindowDC screen(nullptr);
+    MemoryDC from(CreateCompatibleDC(screen.Get()));
+    MemoryDC to(CreateCompatibleDC(screen.Get()));
+    if (!from || !to)
+        return 0;
+    {
+        SelectGuard selectFrom(from.Get(), source);
+        SelectGuard selectTo(to.Get(), section.Get());
+        BitBlt(to.Get(), 0, 0, width, height, from.Get(), 0, 0, SRCCOPY);
+    }
+    record->m_hBitmap[index] = section.Release();
+    AdoptInfo(record, NewInfo24(width, height));
+    return 1;
+}
+
+HBITMAP CNBitmapUtil::CreateBitmapFromBitmapSection(int x, int y, int width, int height, HBITMAP source)
+{
+    WindowDC desktop(GetDesktopWindow());
+    if (!desktop || !source)
+        return nullptr;
+    BitmapHandle made(CreateCompatibleBitmap(desktop.Get(), width, height));
+    MemoryDC from(CreateCompatibleDC(desktop.Get()));
+    MemoryDC to(CreateCompatibleDC(desktop.Get()));
+    if (!made || !from || !to)
+        return nullptr;
+    bool copied = false;
+    {
+        SelectGuard selectFrom(from.Get(), source);
+        SelectGuard selectTo(to.Get(), made.Get());
+        copied = BitBlt(to.Get(), 0, 0, width, height, from.Get(), x, y, SRCCOPY) != FALSE;
+    }
+    return copied ? made.Release() : nullptr;
+}
+
+int CNBitmapUtil::Clone(BitmapType from, int fromIndex, BitmapType to, int toIndex)
+{
+    m_eLastError = ZBU_OK;
+    CNBitmap* source = GetBitmapObject(from);
+    if (!source || !source->m_pInfo || !FrameOf(source, fromIndex)) {
+        m_eLastError = ZBU_NO_BITMAP;
+        return 0;
+    }
+    if (from == to && fromIndex == toIndex) {
+        m_eLastError = ZBU_OPERATION_FAILED;
+        return 0;
+    }
+    const int width = source->m_pInfo->bmiHeader.biWidth;
+    const int height = HeightOf(source->m_pInfo);
+    PrepareStore(to, width, height);
+    char* pixels = GetBitmapDataNAAlloc(from, fromIndex);
+    if (!pixels) {
+        m_eLastError = ZBU_NO_STORE;
+        return 0;
+    }
+    const int made = CreateBitmapFromData(width, height, pixels, to, toIndex);
+    free(pixels);
+    if (made)
+        m_eLastError = ZBU_OK;
+    return made;
+}
+
+// ---- Scaling ----------------------------------------------------------------------------------------------------
+
+int CNBitmapUtil::Resize(BitmapType type, int index, int width, int height, int mode)
+{
+    if (type < BT_IMAGE || type > BT_RESULT)
+        return 0;
+    if (width < 1) {
+        m_eLastError = ZBU_BAD_ARG2;
+        return 0;
+    }
+    if (height < 1) {
+        m_eLastError = ZBU_BAD_ARG3;
+        return 0;
+    }
+    CNBitmap* source = GetBitmapObject(type);
+    HBITMAP sourceFrame = FrameOf(source, index);
+    if (!sourceFrame || !source->m_pInfo) {
+        m_eLastError = ZBU_NO_BITMAP;
+        return 0;
+    }
+    int stride = 0;
+    int size = 0;
+    if (!FrameGeometry(width, height, stride, size)) {
+        m_eLastError = ZBU_GDI_FAILED;
+        return 0;
+    }
+    const BitmapType target = static_cast<BitmapType>(type + 4);
+    CNBitmap* record = PrepareStore(target, width, height);
+    if (!record)
+        return 0;
+
+    WindowDC screen(nullptr);
+    MemoryDC from(CreateCompatibleDC(screen.Get()));
+    MemoryDC to(CreateCompatibleDC(screen.Get()));
+    if (!from || !to) {
+        m_eLastError = ZBU_GDI_FAILED;
+        return 0;
+    }
+    SelectGuard selectFrom(from.Get(), sourceFrame);
+    if (!record->m_hBitmap[index]) {
+        // A new frame takes the format of the source.
+        HBITMAP made = CreateCompatibleBitmap(from.Get(), width, height);
+        if (!made) {
+            m_eLastError = ZBU_GDI_FAILED;
+            return 0;
+        }
+        record->m_hBitmap[index] = made;
+        if (!record->m_pInfo)
+            AdoptInfo(record, CreateBitmapInfoStruct(made));
+    }
+    bool stretched = false;
+    {
+        SelectGuard selectTo(to.Get(), record->m_hBitmap[index]);
+        if (mode == 1) {
+            SetStretchBltMode(to.Get(), HALFTONE);
+            SetBrushOrgEx(to.Get(), 0, 0, nullptr);
+        } else {
+            SetStretchBltMode(to.Get(), COLORONCOLOR);
+        }
+        stretched = StretchBlt(to.Get(), 0, 0, width, height, from.Get(), 0, 0, source->m_pInfo->bmiHeader.biWidth,
+                               HeightOf(source->m_pInfo), SRCCOPY) != FALSE;
+    }
+    if (!stretched)
+        m_eLastError = ZBU_GDI_FAILED;
+    return stretched ? 1 : 0;
+}
+
+int CNBitmapUtil::ResizeRelative(BitmapType type, int index, int percentWidth, int percentHeight, int mode)
+{
+    if (percentWidth < 1) {
+        m_eLastError = ZBU_BAD_ARG2;
+        return 0;
+    }
+    if (percentHeight < 1) {
+        m_eLastError = ZBU_BAD_ARG3;
+        return 0;
+    }
+    const float width = (static_cast<float>(percentWidth) / 100.0f) * static_cast<float>(GetBitmapWidth(type));
+    const float height = (static_cast<float>(percentHeight) / 100.0f) * static_cast<float>(GetBitmapHeight(type));
+    // Out-of-range products become an invalid size, which Resize refuses.
+    const int w = width < static_cast<float>(INT_MAX) ? static_cast<int>(width) : -1;
+    const int h = height < static_cast<float>(INT_MAX) ? static_cast<int>(height) : -1;
+    return Resize(type, index, w, h, mode);
+}
+
+int CNBitmapUtil::ResizeDither(BitmapType type, int index, int srcX, int srcY, int srcWidth, int srcHeight,
+                               int dstWidth, int dstHeight, int edgeDivisor, int noiseBase)
+{
+    if (type < BT_IMAGE || type > BT_RESULT)
+        return 0;
+    const BitmapType target = static_cast<BitmapType>(type + 4);
+    CNBitmap* source = GetBitmapObject(type);
+    if (!GetBitmapObject(target) || !FrameOf(source, 0))
+        return 0;
+    if (!source->m_pInfo || source->m_nSize < 1) {
+        m_eLastError = ZBU_NO_BITMAP;
+        return 0;
+    }
+
+    // The source frame, padded top-down, with ten spare bytes.
+    const size_t sourceBytes = static_cast<size_t>(source->m_nSize) + 10;
+    auto* sourcePixels = static_cast<char*>(calloc(1, sourceBytes));
+    if (!sourcePixels)
+        return 0;
+    GetBitmapData(type, index, sourcePixels);
+
+    // The destination frame; four spare bytes a row take the 32-bit stores.
+    char* destinationPixels = nullptr;
+    unsigned char* noise = nullptr;
+    do {
+        if (dstWidth < 1 || dstHeight < 1) {
+            m_eLastError = dstWidth < 1 ? ZBU_BAD_ARG1 : ZBU_BAD_ARG2;
+            break;
+        }
+        const long long rowBytes = static_cast<long long>(dstWidth) * 3 + 4;
+        if (rowBytes * dstHeight > INT_MAX)
+            break;
+        size_t destinationBytes = static_cast<size_t>(rowBytes * dstHeight);
+        destinationPixels = static_cast<char*>(calloc(1, destinationBytes));
+        if (!destinationPixels || !CreateBitmapFromData(dstWidth, dstHeight, destinationPixels, target, index))
+            break;
+        CNBitmap* destination = GetBitmapObject(target);
+        // The destination is described by its store's header, which may be larger than dstW x dstH when the
+        // store kept another geometry: the buffer then grows to the store's frame so that every write and the
+        // final transfer stay inside it.
+        if (destination->m_pInfo && static_cast<size_t>(destination->m_nSize) > destinationBytes) {
+            auto* larger = static_cast<char*>(realloc(destinationPixels, static_cast<size_t>(destination->m_nSize)));
+            if (!larger)
+                break;
+            memset(larger + destinationBytes, 0, static_cast<size_t>(destination->m_nSize) - destinationBytes);
+            destinationPixels = larger;
+            destinationBytes = static_cast<size_t>(destination->m_nSize);
+        }
+        s_source = DescribeStore(source, sourcePixels, sourceBytes);
+        s_destination = DescribeStore(destination, destinationPixels, destinationBytes);
+        if (s_destination.width > 0 && s_destination.height > 0)
+            WritePixel(s_destination, 0, 0, 0);
+
+        noise = static_cast<unsigned char*>(malloc(kNoiseTableSize));
+        if (!noise)
+            break;
+        FillNoiseTable(noise, rand);
+        ResizeDitherPixels(s_source, s_destination, srcX, srcY, srcWidth, srcHeight, dstWidth, dstHeight, edgeDivisor,
+                           noiseBase, noise);
+        SetBitmapData(target, index, destinationPixels);
+    } while (false);
+
+    free(noise);
+    free(destinationPixels);
+    free(sourcePixels);
+    s_source = PixelView();
+    s_destination = PixelView();
+    return 0;
+}
+
+// ---- The blend --------------------------------------------------------------------------------------------------
+
+void CNBitmapUtil::DeleteAlphaBlendBuffers()
+{
+    free(m_pBlendImage);
+    free(m_pBlendAlpha);
+    free(m_pBlendBackground);
+    free(m_pBlendResult);
+    m_pBlendImage = m_pBlendAlpha = m_pBlendBackground = m_pBlendResult = nullptr;
+    m_nBlendBytes = 0;
+    m_nBlendFrame = -1;
+    m_nBlendRows = 0;
+    m_nBlendSet = 0;
+}
+
+void CNBitmapUtil::AlphaBlendFunction(unsigned char* image, unsigned char* alpha, unsigned char* background,
+                                      unsigned char* result, int count)
+{
+    if (!image) {
+        m_eLastError = ZBU_BAD_ARG1;
+        return;
+    }
+    if (!alpha) {
+        m_eLastError = ZBU_BAD_ARG2;
+        return;
+    }
+    if (!background) {
+        m_eLastError = ZBU_BAD_ARG3;
+        return;
+    }
+    if (!result) {
+        m_eLastError = ZBU_BAD_ARG4;
+        return;
+    }
+    if (count > 0)
+        AlphaBlendBytes(image, alpha, background, result, static_cast<size_t>(count));
+}
+
+int CNBitmapUtil::AlphaBlendBitmaps(int mode, int set, int index)
+{
+    if (m_nBlendSet != set) {
+        DeleteAlphaBlendBuffers();
+        m_nBlendSet = set;
+    }
+    int result = -1;
+    const int base = SetOf(set);
+    CNBitmap* image = m_pStore[base];
+    CNBitmap* alpha = m_pStore[base + 1];
+    CNBitmap* background = m_pStore[base + 2];
+
+    if (mode != 1) {
+        do {
+            HBITMAP imageFrame = FrameOf(image, index);
+            HBITMAP alphaFrame = FrameOf(alpha, index);
+            HBITMAP backgroundFrame = FrameOf(background, index);
+            // Missing image or transparency frames are reported and blended as they read.
+            if (!imageFrame)
+                m_eLastError = ZBU_NO_IMAGE_FRAME;
+            if (!alphaFrame)
+                m_eLastError = ZBU_NO_ALPHA_FRAME;
+            if (!backgroundFrame) {
+                m_eLastError = ZBU_NO_BACKGROUND_FRAME;
+                break;
+            }
+            if (!image || !alpha || !image->m_pInfo || image->m_nSize < 1 || image->m_nSize != alpha->m_nSize ||
+                image->m_nSize != background->m_nSize || !alpha->m_pInfo || !background->m_pInfo)
+                break;
+
+            const int rows = HeightOf(image->m_pInfo);
+            const size_t bytes = static_cast<size_t>(image->m_nStride % 16) * static_cast<size_t>(rows) + 16 +
+                                 static_cast<size_t>(image->m_nSize);
+            bool fresh = false;
+            if (m_pBlendImage && m_nBlendBytes != bytes) {
+                // The stores changed geometry since the buffers were made.
+                const int keepSet = m_nBlendSet;
+                DeleteAlphaBlendBuffers();
+                m_nBlendSet = keepSet;
+            }
+            if (!m_pBlendImage) {
+                fresh = true;
+                m_nBlendRows = rows;
+                m_pBlendImage = static_cast<unsigned char*>(calloc(1, bytes));
+                m_pBlendAlpha = static_cast<unsigned char*>(calloc(1, bytes));
+                m_pBlendBackground = static_cast<unsigned char*>(calloc(1, bytes));
+                m_pBlendResult = static_cast<unsigned char*>(calloc(1, bytes));
+                m_nBlendBytes = bytes;
+                if (!m_pBlendImage || !m_pBlendAlpha || !m_pBlendBackground || !m_pBlendResult) {
+                    const int keepSet = m_nBlendSet;
+                    DeleteAlphaBlendBuffers();
+                    m_nBlendSet = keepSet;
+                    break;
+                }
+            }
+
+            CNBitmap* resultStore = m_pStore[base + 3];
+            if (!resultStore)
+                break;
+            if (resultStore->m_nSize != image->m_nSize) {
+                FreeRecord(resultStore);
+                resultStore = NewRecord();
+                m_pStore[base + 3] = resultStore;
+                if (!resultStore)
+                    break;
+            }
+            if (!FrameOf(resultStore, index)) {
+                WindowDC screen(nullptr);
+                HBITMAP made = CreateCompatibleBitmap(screen.Get(), image->m_pInfo->bmiHeader.biWidth, rows);
+                if (!made)
+                    break;
+                resultStore->m_hBitmap[index] = made;
+                if (!resultStore->m_pInfo) {
+                    resultStore->m_pInfo = CopyInfo(image->m_pInfo);
+                    resultStore->m_nStride = image->m_nStride;
+                    resultStore->m_nSize = image->m_nSize;
+                }
+            }
+            if (!resultStore->m_pInfo)
+                break;
+
+            // Repeated blends of one frame read only the background again.
+            if (index != m_nBlendFrame || fresh) {
+                ReadRows(imageFrame, image->m_pInfo, 0, rows, m_pBlendImage, false);
+                ReadRows(alphaFrame, alpha->m_pInfo, 0, HeightOf(alpha->m_pInfo), m_pBlendAlpha, false);
+            }
+            ReadRows(backgroundFrame, background->m_pInfo, 0, HeightOf(background->m_pInfo), m_pBlendBackground, false);
+            AlphaBlendBytes(m_pBlendImage, m_pBlendAlpha, m_pBlendBackground, m_pBlendResult,
+                            static_cast<size_t>(image->m_nSize));
+            result = WriteRows(resultStore->m_hBitmap[index], resultStore->m_pInfo, 0, HeightOf(resultStore->m_pInfo),
+                               m_pBlendResult, false);
+        } while (false);
+        if (mode == 0) {
+            m_nBlendFrame = index;
+            return result;
+        }
+    }
+    DeleteAlphaBlendBuffers();
+    m_nBlendFrame = index;
+    return result;
+}
+
+int CNBitmapUtil::AlphaBlendBitmapsBGPos(int mode, int x, int y, int set, int index)
+{
+    if (x < 0) {
+        m_eLastError = ZBU_BAD_ARG2;
+        return -1;
+    }
+    if (y < 0) {
+        m_eLastError = ZBU_BAD_ARG3;
+        return -1;
+    }
+    const int base = SetOf(set);
+    CNBitmap* image = m_pStore[base];
+    CNBitmap* background = m_pStore[base + 2];
+    if (!image || !image->m_pInfo || !background || !background->m_pInfo) {
+        m_eLastError = ZBU_NO_BITMAP;
+        return -1;
+    }
+    if (image->m_nStride > background->m_nStride || image->m_nSize > background->m_nSize)
+        return AlphaBlendBitmaps(mode, set, index);
+
+    // A background of the image's size, cut from the larger one at (x, y), stands in for the store.
+    CNBitmap* piece = NewRecord();
+    if (!piece)
+        return -1;
+    piece->m_pInfo = CopyInfo(image->m_pInfo);
+    piece->m_nStride = image->m_nStride;
+    piece->m_nSize = image->m_nSize;
+    HBITMAP backgroundFrame = FrameOf(background, index);
+    if (piece->m_pInfo && backgroundFrame) {
+        const int width = image->m_pInfo->bmiHeader.biWidth;
+        const int height = HeightOf(image->m_pInfo);
+        WindowDC screen(nullptr);
+        MemoryDC from(CreateCompatibleDC(screen.Get()));
+        MemoryDC to(CreateCompatibleDC(screen.Get()));
+        HBITMAP made = CreateCompatibleBitmap(screen.Get(), width, height);
+        if (made && from && to) {
+            SelectGuard selectFrom(from.Get(), backgroundFrame);
+            SelectGuard selectTo(to.Get(), made);
+            BitBlt(to.Get(), 0, 0, width, height, from.Get(), x, y, SRCCOPY);
+        }
+        if (made && IsFrameIndex(index))
+            piece->m_hBitmap[index] = made;
+        else if (made)
+            DeleteObject(made);
+    }
+    m_pStore[base + 2] = piece;
+    const int result = AlphaBlendBitmaps(mode, set, index);
+    m_pStore[base + 2] = background;
+    FreeRecord(piece);
+    return result;
+}
+
+// ---- Tiles, fills, regions, mirrors -----------------------------------------------------------------------------
+
+int CNBitmapUtil::CreateTiledBitmap(int width, int height, BitmapType type, int index)
+{
+    if (width < 1) {
+        m_eLastError = ZBU_BAD_ARG1;
+        return 0;
+    }
+    if (height < 1) {
+        m_eLastError = ZBU_BAD_ARG2;
+        return 0;
+    }
+    CNBitmap* source = GetBitmapObject(type);
+    HBITMAP tile = FrameOf(source, index);
+    if (!tile || !source->m_pInfo) {
+        m_eLastError = ZBU_NO_BITMAP;
+        return 0;
+    }
+    const int tileWidth = source->m_pInfo->bmiHeader.biWidth;
+    const int tileHeight = HeightOf(source->m_pInfo);
+    DeleteBitmap(BT_RESULT, index);
+    CNBitmap* record = PrepareStore(BT_RESULT, width, height);
+    int stride = 0;
+    int size = 0;
+    if (!record || tileWidth < 1 || tileHeight < 1 || !FrameGeometry(width, height, stride, size)) {
+        m_eLastError = ZBU_GDI_FAILED;
+        return 0;
+    }
+    WindowDC screen(nullptr);
+    BitmapHandle made(CreateCompatibleBitmap(screen.Get(), width, height));
+    MemoryDC from(CreateCompatibleDC(screen.Get()));
+    MemoryDC to(CreateCompatibleDC(screen.Get()));
+    if (!made || !from || !to) {
+        m_eLastError = ZBU_GDI_FAILED;
+        return 0;
+    }
+    bool copied = false;
+    {
+        SelectGuard selectFrom(from.Get(), tile);
+        SelectGuard selectTo(to.Get(), made.Get());
+        // The tile at the origin, then the covered area doubled along each axis: the same pixels as a copy
+        // of the tile at every multiple of its size, in a number of copies that grows with the logarithm.
+        copied = BitBlt(to.Get(), 0, 0, tileWidth, tileHeight, from.Get(), 0, 0, SRCCOPY) != FALSE;
+        if (copied) {
+            for (long long covered = tileWidth; covered < width; covered *= 2)
+                BitBlt(to.Get(), static_cast<int>(covered), 0, static_cast<int>(covered), tileHeight, to.Get(), 0, 0,
+                       SRCCOPY);
+            for (long long covered = tileHeight; covered < height; covered *= 2)
+                BitBlt(to.Get(), 0, static_cast<int>(covered), width, static_cast<int>(covered), to.Get(), 0, 0,
+                       SRCCOPY);
+        }
+    }
+    if (!copied) {
+        m_eLastError = ZBU_GDI_FAILED;
+        return 0;
+    }
+    record->m_hBitmap[index] = made.Release();
+    if (!record->m_pInfo)
+        AdoptInfo(record, CreateBitmapInfoStruct(record->m_hBitmap[index]));
+    return 1;
+}
+
+int CNBitmapUtil::CreateColorBackground(unsigned long color, int set, int index)
+{
+    const int base = SetOf(set);
+    CNBitmap* image = m_pStore[base];
+    if (!FrameOf(image, index) || !image->m_pInfo) {
+        m_eLastError = ZBU_NO_BITMAP;
+        return 0;
+    }
+    const int width = image->m_pInfo->bmiHeader.biWidth;
+    const int height = HeightOf(image->m_pInfo);
+    if (width < 1 || height < 1) {
+        m_eLastError = ZBU_OPERATION_FAILED;
+        return 0;
+    }
+    CNBitmap* background = m_pStore[base + 2];
+    if (!background)
+        return 0;
+    DeleteBitmap(background, index);
+    WindowDC screen(nullptr);
+    HBITMAP made = CreateCompatibleBitmap(screen.Get(), width, height);
+    if (!made)
+        return 0;
+    background->m_hBitmap[index] = made;
+    // The header is made anew from this frame, also when other frames of the store still use the old one.
+    FreeInfo(background->m_pInfo);
+    background->m_pInfo = nullptr;
+    AdoptInfo(background, CreateBitmapInfoStruct(made));
+
+    MemoryDC dc(CreateCompatibleDC(screen.Get()));
+    BrushHandle brush(CreateSolidBrush(static_cast<COLORREF>(color)));
+    if (!dc || !brush)
+        return 0;
+    SelectGuard select(dc.Get(), made);
+    RECT all = {0, 0, width, height};
+    return FillRect(dc.Get(), &all, brush.Get());
+}
+
+HRGN CNBitmapUtil::BitmapToRegion(BitmapType type, int index, unsigned long color, unsigned long tolerance)
+{
+    constexpr DWORD kMaxRects = 2000;
+    constexpr size_t kAreaBytes = sizeof(RGNDATAHEADER) + kMaxRects * sizeof(RECT);
+    auto* area = static_cast<RGNDATA*>(calloc(1, kAreaBytes));
+    if (!area)
+        return nullptr;
+    const int width = GetBitmapWidth(type);
+    const int height = GetBitmapHeight(type);
+    char* pixels = width > 0 && height > 0 ? GetBitmapDataAlloc(type, index) : nullptr;
+    if (!pixels) {
+        free(area);
+        return nullptr;
+    }
+    CNBitmap* record = GetBitmapObject(type);
+    s_source = DescribeStore(record, pixels, static_cast<size_t>(record->m_nSize));
+
+    RECT* rects = reinterpret_cast<RECT*>(area->Buffer);
+    DWORD count = 0;
+    RECT bound = {0, 0, 0, 0};
+    HRGN region = nullptr;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            // A run of pixels that do not match the colour becomes one rectangle.
+            int end = x;
+            while (end < width && !TestColorMatch(ReadPixel(s_source, end, y), color, tolerance))
+                ++end;
+            if (end > x) {
+                SetRect(&rects[count], x, y, end, y + 1);
+                ++count;
+                if (x < bound.left)
+                    bound.left = x;
+                if (y < bound.top)
+                    bound.top = y;
+                if (end - 1 > bound.right)
+                    bound.right = end - 1;
+                if (y > bound.bottom)
+                    bound.bottom = y;
+                x = end - 1;
+            }
+            const bool last = y == height - 1 && x == width - 1;
+            if ((last || count == kMaxRects) && count > 0) {
+                area->rdh.dwSize = sizeof(RGNDATAHEADER);
+                area->rdh.iType = RDH_RECTANGLES;
+                area->rdh.nCount = count;
+                area->rdh.nRgnSize = count * sizeof(RECT);
+                area->rdh.rcBound = bound;
+                HRGN part = ExtCreateRegion(nullptr, (count + 2) * sizeof(RECT), area);
+                if (part) {
+                    if (!region) {
+                        region = part;
+                    } else {
+                        CombineRgn(region, region, part, RGN_OR);
+                        DeleteObject(part);
+                    }
+                }
+                count = 0;
+                SetRect(&bound, 0, 0, 0, 0);
+            }
+        }
+    }
+    s_source = PixelView();
+    free(pixels);
+    free(area);
+    return region;
+}
+
+int CNBitmapUtil::MirrorSection(BitmapType type, int index, int x, int y, int width, int height, int flipX, int flipY)
+{
+    CNBitmap* record = GetBitmapObject(type);
+    if (!record)
+        return 0;
+    HBITMAP frame = FrameOf(record, index);
+    if (!frame)
+        return 0;
+    BitmapHandle section(CreateSection24(width, height, nullptr));
+    if (!section)
+        return 0;
+    WindowDC screen(nullptr);
+    MemoryDC frameDC(CreateCompatibleDC(screen.Get()));
+    MemoryDC sectionDC(CreateCompatibleDC(screen.Get()));
+    if (!frameDC || !sectionDC)
+        return 0;
+    SelectGuard selectFrame(frameDC.Get(), frame);
+    SelectGuard selectSection(sectionDC.Get(), section.Get());
+    const BOOL stretched =
+        StretchBlt(sectionDC.Get(), (width - 1) * flipX, (height - 1) * flipY, flipX == 1 ? -width : width,
+                   flipY == 1 ? -height : height, frameDC.Get(), x, y, width, height, SRCCOPY);
+    const BOOL copied = stretched && BitBlt(frameDC.Get(), x, y, width, height, sectionDC.Get(), 0, 0, SRCCOPY);
+    return stretched && copied ? 1 : 0;
+}
+
+// ---- Windows ----------------------------------------------------------------------------------------------------
+
+HBITMAP CNBitmapUtil::GetBackgroundStatic(HWND window, int x, int y, int width, int height, int set, int index)
+{
+    if (width < 1) {
+        m_eLastError = ZBU_BAD_ARG4;
+        return nullptr;
+    }
+    if (height < 1) {
+        m_eLastError = ZBU_BAD_ARG5;
+        return nullptr;
+    }
+    const BitmapType target = static_cast<BitmapType>(SetOf(set) + 2);
+    if (!IsFrameIndex(index))
+        return nullptr;
+    CNBitmap* record = PrepareStore(target, width, height);
+    if (!record)
+        return nullptr;
+    WindowDC windowDC(window);
+    if (!windowDC)
+        return nullptr;
+    if (!record->m_hBitmap[index]) {
+        HBITMAP made = CreateCompatibleBitmap(windowDC.Get(), width, height);
+        if (!made)
+            return nullptr;
+        record->m_hBitmap[index] = made;
+    }
+    if (!record->m_pInfo)
+        AdoptInfo(record, CreateBitmapInfoStruct(record->m_hBitmap[index]));
+    MemoryDC dc(CreateCompatibleDC(windowDC.Get()));
+    if (dc) {
+        SelectGuard select(dc.Get(), record->m_hBitmap[index]);
+        BitBlt(dc.Get(), 0, 0, width, height, windowDC.Get(), x, y, SRCCOPY);
+    }
+    return record->m_hBitmap[index];
+}
+
+namespace {
+
+// The checks that SetBitmapStatic and SetBitmapStaticAlpha share, in their order.
+ZBUError CheckStaticArgs(int x, int y, int width, int height, int srcX, int srcY, HBITMAP frame)
+{
+    if (x < 0)
+        return ZBU_BAD_ARG2;
+    if (y < 0)
+        return ZBU_BAD_ARG3;
+    if (width < 1)
+        return ZBU_BAD_ARG4;
+    if (height < 1)
+        return ZBU_BAD_ARG5;
+    if (srcX < 0)
+        return ZBU_BAD_ARG7;
+    if (srcY < 0)
+        return ZBU_BAD_ARG8;
+    if (!frame)
+        return ZBU_NO_FRAME;
+    return ZBU_OK;
+}
+
+}  // namespace
+
+int CNBitmapUtil::SetBitmapStatic(HWND window, int x, int y, int width, int height, BitmapType type, int index,
+                                  int srcX, int srcY)
+{
+    HBITMAP frame = GetBitmapHandle(type, index);
+    const ZBUError error = CheckStaticArgs(x, y, width, height, srcX, srcY, frame);
+    if (error != ZBU_OK) {
+        m_eLastError = error;
+        return 0;
+    }
+    WindowDC windowDC(window);
+    MemoryDC dc(CreateCompatibleDC(windowDC.Get()));
+    if (!windowDC || !dc)
+        return 0;
+    SelectGuard select(dc.Get(), frame);
+    return BitBlt(windowDC.Get(), x, y, width, height, dc.Get(), srcX, srcY, SRCCOPY) ? 1 : 0;
+}
+
+int CNBitmapUtil::SetBitmapStaticAlpha(HWND window, int x, int y, int width, int height, BitmapType type, int index,
+                                       int srcX, int srcY, int alpha)
+{
+    HBITMAP frame = GetBitmapHandle(type, index);
+    const ZBUError error = CheckStaticArgs(x, y, width, height, srcX, srcY, frame);
+    if (error != ZBU_OK) {
+        m_eLastError = error;
+        return 0;
+    }
+    WindowDC windowDC(window);
+    MemoryDC dc(CreateCompatibleDC(windowDC.Get()));
+    if (!windowDC || !dc)
+        return 0;
+    SelectGuard select(dc.Get(), frame);
+    BLENDFUNCTION blend = {AC_SRC_OVER, 0, static_cast<BYTE>(alpha & 0xFF), 0};
+    if (!AlphaBlend(windowDC.Get(), x, y, width, height, dc.Get(), srcX, srcY, width, height, blend)) {
+        m_eLastError = ZBU_OPERATION_FAILED;
+        return 0;
+    }
+    return 1;
+}
+
+// ---- Pixel helpers ----------------------------------------------------------------------------------------------
+
+unsigned long CNBitmapUtil::MixColors(unsigned long a, unsigned long b, int percent)
+{
+    return zcmod::MixColors(static_cast<uint32_t>(a), static_cast<uint32_t>(b), percent);
+}
+
+unsigned long CNBitmapUtil::FadeColor(unsigned long color, int factor)
+{
+    return zcmod::FadeColor(static_cast<uint32_t>(color), factor);
+}
+
+int CNBitmapUtil::Random(int n)
+{
+    if (n <= 0)
+        return 0;
+    const int divisor = 32767 / n;
+    return divisor > 0 ? rand() / divisor : rand();
+}
+
+unsigned long CNBitmapUtil::GetPixel(int x, int y, char* buffer, int width, int height)
+{
+    if (buffer) {
+        s_source.buffer = reinterpret_cast<uint8_t*>(buffer);
+        s_source.width = width;
+        s_source.height = height;
+        s_source.stride = width > 0 ? ((width * 3 + 3) / 4) * 4 : 0;
+        s_source.size = static_cast<size_t>(s_source.stride) * static_cast<size_t>(height > 0 ? height : 0);
+    }
+    return ReadPixel(s_source, x, y);
+}
+
+int CNBitmapUtil::PutPixel(int x, int y, unsigned long color, char* buffer, int width, int height)
+{
+    if (buffer) {
+        s_destination.buffer = reinterpret_cast<uint8_t*>(buffer);
+        s_destination.width = width;
+        s_destination.height = height;
+        s_destination.stride = width > 0 ? ((width * 3 + 3) / 4) * 4 : 0;
+        s_destination.size = static_cast<size_t>(s_destination.stride) * static_cast<size_t>(height > 0 ? height : 0);
+    }
+    return WritePixel(s_destination, x, y, static_cast<uint32_t>(color));
+}
+
+int CNBitmapUtil::GetColorDifRatio(unsigned long a, unsigned long b)
+{
+    return zcmod::GetColorDifRatio(static_cast<uint32_t>(a), static_cast<uint32_t>(b));
+}
+
+int CNBitmapUtil::TestColorMatch(unsigned long pixel, unsigned long color, unsigned long tolerance)
+{
+    return zcmod::TestColorMatch(static_cast<uint32_t>(pixel), static_cast<uint32_t>(color),
+                                 static_cast<uint32_t>(tolerance));
+}
