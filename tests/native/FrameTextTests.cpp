@@ -11,54 +11,43 @@
 using namespace zcmod;
 
 namespace {
-std::uint32_t Color(const wchar_t* s) { return ParseColorString(s, std::wcslen(s)); }
+std::uint32_t Color(const wchar_t* s)
+{
+    return ParseColorString(s, std::wcslen(s));
+}
 }  // namespace
 
-TEST(ColorString, ComponentsWrapAt65536BeforeTheCapAt255)
+TEST(ColorString, ComponentsWrapAt65536BeforeTheCapAndMissingPartsAreZero)
 {
     EXPECT_EQ(Color(L"12,34,56"), 0x0038220Cu);
-    EXPECT_EQ(Color(L"300,20"), 0x000014FFu);
-    EXPECT_EQ(Color(L"70000,1,2"), 0x000201FFu);   // 70000 -> 4464 -> 255
-    EXPECT_EQ(Color(L"65537,1,2"), 0x00020101u);   // 65537 -> 1
-    EXPECT_EQ(Color(L"65791,0,0"), 0x000000FFu);   // 65791 -> 255 exactly
-    EXPECT_EQ(Color(L"65536,0,0"), 0x00000000u);
-    EXPECT_EQ(Color(L"0000000000255,1,1"), 0x000101FFu);
-}
-
-TEST(ColorString, MissingCommasAndDigits)
-{
+    EXPECT_EQ(Color(L"300,20"), 0x000014FFu);     // capped, and no blue
+    EXPECT_EQ(Color(L"70000,1,2"), 0x000201FFu);  // 70000 -> 4464 -> 255
+    EXPECT_EQ(Color(L"65537,1,2"), 0x00020101u);  // 65537 -> 1
+    EXPECT_EQ(Color(L"65791,0,0"), 0x000000FFu);  // 65791 -> 255 exactly
+    EXPECT_EQ(Color(L"5"), 5u);
     EXPECT_EQ(Color(L"no digits"), 0u);
     EXPECT_EQ(Color(L""), 0u);
-    EXPECT_EQ(Color(L"5"), 5u);
     EXPECT_EQ(Color(L"7,,9"), 0x00090007u);
-    EXPECT_EQ(Color(L",,"), 0u);
     EXPECT_EQ(Color(L"1,2,3,4"), 0x00030201u);
-    EXPECT_EQ(Color(L" 7,8,9"), 0x00090800u);   // red starts at the blank
+    EXPECT_EQ(Color(L" 7,8,9"), 0x00090800u);    // red starts at the blank
     EXPECT_EQ(Color(L"7x,8y,9z"), 0x00090807u);  // digits stop at the first other character
     EXPECT_EQ(ParseColorString(nullptr, 4), 0u);
-    // The length bounds the scan: the digits behind it are not read.
-    EXPECT_EQ(ParseColorString(L"12,34,56", 4), 0x0000030Cu);
+    EXPECT_EQ(ParseColorString(L"12,34,56", 4), 0x0000030Cu);  // the length bounds the scan
 }
 
-TEST(SettingsText, LeadingIntegerLikeTheRuntime)
+TEST(SettingsText, LeadingIntegersAndBuildNumberParts)
 {
-    EXPECT_EQ(ParseLeadingInt(L"1045"), 1045);
     EXPECT_EQ(ParseLeadingInt(L"  -12abc"), -12);
     EXPECT_EQ(ParseLeadingInt(L"+7"), 7);
     EXPECT_EQ(ParseLeadingInt(L"x1"), 0);
     EXPECT_EQ(ParseLeadingInt(L"99999999999999999999"), INT_MAX);
     EXPECT_EQ(ParseLeadingInt(L"-99999999999999999999"), INT_MIN);
     EXPECT_EQ(ParseLeadingInt(nullptr), 0);
-}
 
-TEST(SettingsText, BuildNumberPartsSkipEmptyPartsAndStopAtThree)
-{
     int parts[3];
     EXPECT_EQ(ParseBuildNumberParts(L"7.2.1045.9", parts), 3);
-    EXPECT_EQ(parts[0], 7);
-    EXPECT_EQ(parts[1], 2);
     EXPECT_EQ(parts[2], 1045);
-    EXPECT_EQ(ParseBuildNumberParts(L"..3..4", parts), 2);
+    EXPECT_EQ(ParseBuildNumberParts(L"..3..4", parts), 2);  // empty parts are skipped
     EXPECT_EQ(parts[0], 3);
     EXPECT_EQ(parts[1], 4);
     EXPECT_EQ(parts[2], 0);
@@ -67,40 +56,33 @@ TEST(SettingsText, BuildNumberPartsSkipEmptyPartsAndStopAtThree)
     EXPECT_EQ(parts[0], 0);
 }
 
-TEST(SettingsText, WidCommVersionAndBuild)
+TEST(SettingsText, BluetoothVersionTexts)
 {
     std::wstring version, build;
-    SplitTrailingVersion(L"5.1.0.1100", version, build);
-    EXPECT_EQ(version, L"5.1.0");
-    EXPECT_EQ(build, L"1100");
     SplitTrailingVersion(L"WIDCOMM Bluetooth Software 6.2.0.1700", version, build);
-    EXPECT_EQ(version, L"6.2.0");
-    EXPECT_EQ(build, L"1700");
+    EXPECT_EQ(version + L" " + build, L"6.2.0 1700");
     SplitTrailingVersion(L"1700", version, build);
-    EXPECT_EQ(version, L"");
-    EXPECT_EQ(build, L"1700");
+    EXPECT_EQ(version + L" " + build, L" 1700");
     SplitTrailingVersion(L"no numbers", version, build);
-    EXPECT_EQ(version, L"");
-    EXPECT_EQ(build, L"");
-}
+    EXPECT_EQ(version + L" " + build, L" ");
 
-TEST(SettingsText, NumberBehindAWord)
-{
-    std::wstring n;
-    EXPECT_TRUE(TakeNumberAfterWord(L"Digianswer version: 4.10, build 331", L"VERSION", n));
-    EXPECT_EQ(n, L"4.10,");  // commas belong to the number
-    EXPECT_TRUE(TakeNumberAfterWord(L"Digianswer version: 4.10, build 331", L"build", n));
-    EXPECT_EQ(n, L"331");
-    EXPECT_FALSE(TakeNumberAfterWord(L"version unknown", L"VERSION", n));
-    EXPECT_FALSE(TakeNumberAfterWord(L"release 4.1", L"VERSION", n));
-}
+    EXPECT_TRUE(TakeNumberAfterWord(L"Digianswer version: 4.10, build 331", L"VERSION", version));
+    EXPECT_EQ(version, L"4.10,");  // commas belong to the number
+    EXPECT_TRUE(TakeNumberAfterWord(L"Digianswer version: 4.10, build 331", L"build", build));
+    EXPECT_EQ(build, L"331");
+    EXPECT_FALSE(TakeNumberAfterWord(L"version unknown", L"VERSION", version));
+    EXPECT_FALSE(TakeNumberAfterWord(L"release 4.1", L"VERSION", version));
 
-TEST(SettingsText, WordsAreFoundInAnyCase)
-{
     const wchar_t* const words[] = {L"TOSHIBA", L"BLUETOOTH", L"STACK"};
     EXPECT_TRUE(ContainsAllWords(L"toshiba bluetooth stack", words, 3));
     EXPECT_FALSE(ContainsAllWords(L"Toshiba Bluetooth", words, 3));
     EXPECT_FALSE(ContainsAllWords(nullptr, words, 3));
+
+    wchar_t out[4] = L"old";
+    EXPECT_FALSE(CopyIfFits(L"four", out, 4));  // no room for the terminator
+    EXPECT_STREQ(out, L"old");
+    EXPECT_TRUE(CopyIfFits(L"new", out, 4));
+    EXPECT_STREQ(out, L"new");
 }
 
 TEST(SettingsText, FaultReporterPathLengthRule)
@@ -108,23 +90,11 @@ TEST(SettingsText, FaultReporterPathLengthRule)
     wchar_t out[260];
     EXPECT_TRUE(BuildFaultReporterPath(L"C:\\windows", 10, out, 260));
     EXPECT_STREQ(out, L"C:\\windows\\System32\\FaultRep.dll");
-
     // 237 characters and the 22 of the tail fill 260 with the terminator; one more is refused.
-    const std::wstring longest(237, L'w');
-    ASSERT_TRUE(BuildFaultReporterPath(longest.c_str(), longest.size(), out, 260));
+    ASSERT_TRUE(BuildFaultReporterPath(std::wstring(237, L'w').c_str(), 237, out, 260));
     EXPECT_EQ(std::wcslen(out), 259u);
-    const std::wstring tooLong(238, L'w');
-    EXPECT_FALSE(BuildFaultReporterPath(tooLong.c_str(), tooLong.size(), out, 260));
+    EXPECT_FALSE(BuildFaultReporterPath(std::wstring(238, L'w').c_str(), 238, out, 260));
     EXPECT_STREQ(out, L"");
     EXPECT_FALSE(BuildFaultReporterPath(L"", 0, out, 260));
     EXPECT_FALSE(BuildFaultReporterPath(L"C:\\windows", 10, out, 20)) << "never past the caller's buffer";
-}
-
-TEST(SettingsText, CopyIfFitsNeedsRoomForTheTerminator)
-{
-    wchar_t out[4] = L"old";
-    EXPECT_FALSE(CopyIfFits(L"four", out, 4));
-    EXPECT_STREQ(out, L"old");
-    EXPECT_TRUE(CopyIfFits(L"new", out, 4));
-    EXPECT_STREQ(out, L"new");
 }

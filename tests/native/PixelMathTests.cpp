@@ -10,66 +10,63 @@ using namespace zcmod;
 
 namespace {
 
+using Bytes = std::vector<uint8_t>;
+
 struct Image {
     int width;
     int height;
     int stride;
-    std::vector<uint8_t> bytes;
+    Bytes bytes;
 
-    Image(int w, int h, int rowBytes, uint8_t fill = 0)
-        : width(w), height(h), stride(rowBytes), bytes(static_cast<size_t>(rowBytes) * h, fill)
+    // Rows of `rowBytes`; a destination as the toolkit makes one has width * 3 + 4, so every 32-bit store fits.
+    Image(int w, int h, int rowBytes = 0, uint8_t fill = 0)
+        : width(w), height(h), stride(rowBytes ? rowBytes : w * 3 + 4), bytes(static_cast<size_t>(stride) * h, fill)
     {
     }
-    PixelView View()
+    PixelView View() { return PixelView{width, height, bytes.data(), stride, bytes.size()}; }
+    uint8_t* At(int x, int y) { return &bytes[static_cast<size_t>(stride) * y + 3 * x]; }
+    void Set(int x, int y, uint8_t b, uint8_t g, uint8_t r) { At(x, y)[0] = b, At(x, y)[1] = g, At(x, y)[2] = r; }
+    Bytes Pixel(int x, int y) { return Bytes(At(x, y), At(x, y) + 3); }
+    // Runs the resize from `source` into this image.
+    void Resize(Image& source, int srcX, int srcY, int srcW, int srcH, int dstW, int dstH, int edgeDivisor,
+                int noiseBase, const uint8_t* table)
     {
-        PixelView v;
-        v.width = width;
-        v.height = height;
-        v.buffer = bytes.data();
-        v.stride = stride;
-        v.size = bytes.size();
-        return v;
-    }
-    void Set(int x, int y, uint8_t b, uint8_t g, uint8_t r)
-    {
-        uint8_t* p = &bytes[static_cast<size_t>(stride) * y + 3 * x];
-        p[0] = b;
-        p[1] = g;
-        p[2] = r;
-    }
-    std::vector<uint8_t> Pixel(int x, int y) const
-    {
-        const uint8_t* p = &bytes[static_cast<size_t>(stride) * y + 3 * x];
-        return {p[0], p[1], p[2]};
+        PixelView view = View();
+        ResizeDitherPixels(source.View(), view, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor, noiseBase, table);
     }
 };
 
-// A destination as the toolkit makes one: rows of width * 3 + 4 bytes, so every 32-bit store fits.
-Image Destination(int w, int h)
+Image EdgySource()
 {
-    return Image(w, h, w * 3 + 4);
+    Image src(5, 4, 16);
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 5; ++x)
+            src.Set(x, y, static_cast<uint8_t>(x * 60), static_cast<uint8_t>(y * 80 + x * 7),
+                    static_cast<uint8_t>((x + y) % 2 ? 250 : 10));
+    return src;
 }
 
-std::vector<uint8_t> Bgr(uint8_t b, uint8_t g, uint8_t r)
+Bytes RandomTable(unsigned seed)
 {
-    return {b, g, r};
+    Bytes table(kNoiseTableSize);
+    for (auto& v : table) {
+        seed = seed * 1103515245u + 12345u;
+        v = static_cast<uint8_t>(seed >> 16);
+    }
+    return table;
 }
 
 }  // namespace
 
-TEST(AlphaBlend, ShiftByEightMakes255Into254)
+TEST(PixelMath, AlphaBlendShiftsByEightSo255Becomes254)
 {
     const uint8_t image[] = {255, 0, 200, 255, 10};
     const uint8_t alpha[] = {0, 255, 128, 255, 0};
     const uint8_t background[] = {7, 255, 100, 255, 99};
     uint8_t result[5] = {};
     AlphaBlendBytes(image, alpha, background, result, 5);
-    EXPECT_EQ(result[0], 254);  // image 255, alpha 0
-    EXPECT_EQ(result[1], 254);  // background 255, alpha 255
-    EXPECT_EQ(result[2], 149);  // (200 * 127 + 100 * 128) >> 8
-    EXPECT_EQ(result[3], 254);
-    EXPECT_EQ(result[4], 9);  // 10 * 255 >> 8
-
+    // (200 * 127 + 100 * 128) >> 8 = 149; 10 * 255 >> 8 = 9.
+    EXPECT_EQ(Bytes(result, result + 5), (Bytes{254, 254, 149, 254, 9}));
     uint8_t untouched[1] = {42};
     AlphaBlendBytes(image, alpha, background, untouched, 0);
     AlphaBlendBytes(nullptr, alpha, background, untouched, 1);
@@ -77,7 +74,7 @@ TEST(AlphaBlend, ShiftByEightMakes255Into254)
     EXPECT_EQ(untouched[0], 42);
 }
 
-TEST(ColorHelpers, MixFadeAndDifference)
+TEST(PixelMath, MixFadeDifferenceAndColourMatch)
 {
     // Blue: (255 * 75 + 0 * 25) / 100 = 191; red: (0 * 75 + 255 * 25) / 100 = 63. The top byte is dropped.
     EXPECT_EQ(MixColors(0xAAFF0000u, 0xBB0000FFu, 25), 0x003F00BFu);
@@ -93,33 +90,28 @@ TEST(ColorHelpers, MixFadeAndDifference)
 
     EXPECT_EQ(GetColorDifRatio(0x00102030u, 0x00302010u), 21);  // (32 + 0 + 32) / 3
     EXPECT_EQ(GetColorDifRatio(0xFF000000u, 0x00000002u), 0);   // top byte ignored, 2 / 3 truncated
+
+    // A negative difference d counts as |d| - 1: one level wider below the colour than above. Each byte has its
+    // own limit; zero tolerance compares all 32 bits, any other ignores the top byte.
+    EXPECT_EQ(TestColorMatch(5, 4, 0x010101), 1);
+    EXPECT_EQ(TestColorMatch(6, 4, 0x010101), 0);
+    EXPECT_EQ(TestColorMatch(2, 4, 0x010101), 1);  // d = -2 counts as 1
+    EXPECT_EQ(TestColorMatch(1, 4, 0x010101), 0);
+    EXPECT_EQ(TestColorMatch(0x050000, 0, 0x050000), 1);
+    EXPECT_EQ(TestColorMatch(0x050001, 0, 0x050000), 0);
+    EXPECT_EQ(TestColorMatch(0x050000, 1, 0x050000), 1);
+    EXPECT_EQ(TestColorMatch(0xFF000004u, 4, 0), 0);
+    EXPECT_EQ(TestColorMatch(4, 4, 0), 1);
+    EXPECT_EQ(TestColorMatch(0xFF000004u, 4, 0x010000), 1);
 }
 
-TEST(ColorHelpers, TestColorMatchIsOneLevelWiderBelow)
-{
-    const uint32_t limitOne = 0x00010101u;
-    EXPECT_EQ(TestColorMatch(5, 4, limitOne), 1);
-    EXPECT_EQ(TestColorMatch(6, 4, limitOne), 0);
-    EXPECT_EQ(TestColorMatch(3, 4, limitOne), 1);
-    EXPECT_EQ(TestColorMatch(2, 4, limitOne), 1);  // d = -2 counts as 1
-    EXPECT_EQ(TestColorMatch(1, 4, limitOne), 0);
-    // Each byte has its own limit: red may differ by 5; blue, with limit 0, only by one level below.
-    EXPECT_EQ(TestColorMatch(0x00050000u, 0x00000000u, 0x00050000u), 1);
-    EXPECT_EQ(TestColorMatch(0x00050001u, 0x00000000u, 0x00050000u), 0);
-    EXPECT_EQ(TestColorMatch(0x00050000u, 0x00000001u, 0x00050000u), 1);
-    // Zero tolerance compares all 32 bits; any other tolerance ignores the top byte.
-    EXPECT_EQ(TestColorMatch(0xFF000004u, 0x00000004u, 0), 0);
-    EXPECT_EQ(TestColorMatch(0x00000004u, 0x00000004u, 0), 1);
-    EXPECT_EQ(TestColorMatch(0xFF000004u, 0x00000004u, 0x00010000u), 1);
-}
-
-TEST(PixelAccess, StoresAre32BitAndStayInsideTheBuffer)
+TEST(PixelMath, PixelStoresAre32BitAndStayInsideTheBuffer)
 {
     // A tight 2 x 1 buffer of 6 bytes: the second pixel's 32-bit store would need a seventh byte.
     Image tight(2, 1, 6, 0xAA);
     PixelView view = tight.View();
     EXPECT_EQ(WritePixel(view, 0, 0, 0x00332211u), 1);
-    EXPECT_EQ(tight.bytes, (std::vector<uint8_t>{0x11, 0x22, 0x33, 0x00, 0xAA, 0xAA}));
+    EXPECT_EQ(tight.bytes, (Bytes{0x11, 0x22, 0x33, 0x00, 0xAA, 0xAA}));
     EXPECT_EQ(WritePixel(view, 1, 0, 0x00665544u), 0);
     EXPECT_EQ(tight.bytes[4], 0xAA);
     EXPECT_EQ(WritePixel(view, -1, 0, 0), 0);
@@ -134,14 +126,11 @@ TEST(PixelAccess, StoresAre32BitAndStayInsideTheBuffer)
     PixelView empty;
     EXPECT_EQ(ReadPixel(empty, 0, 0), 0u);
     EXPECT_EQ(WritePixel(empty, 0, 0, 1), 0);
-}
 
-TEST(PixelAccess, NoiseTableTakesRandomOver128)
-{
     static int next;
     next = 0;
-    std::vector<uint8_t> table(kNoiseTableSize);
-    FillNoiseTable(table.data(), [] { return (next++ * 97) % 32768; });
+    Bytes table(kNoiseTableSize);
+    FillNoiseTable(table.data(), [] { return (next++ * 97) % 32768; });  // random() / 128
     for (size_t i : {size_t(0), size_t(1), size_t(337), kNoiseTableSize - 1})
         EXPECT_EQ(table[i], ((i * 97) % 32768) / 128) << i;
 }
@@ -151,150 +140,104 @@ TEST(ResizeDither, BilinearHundredthsComputedByHand)
     // 2 x 2 to 3 x 3: step 2/3 in single precision. Columns and rows take ix 0, 0, 1 with weights 100,
     // trunc(33.33) = 33 and trunc(66.67) = 66; the last ones read past the edge and are clamped to it.
     Image src(2, 2, 8);
-    src.Set(0, 0, 0, 0, 0);
     src.Set(1, 0, 100, 200, 250);
     src.Set(0, 1, 50, 50, 50);
     src.Set(1, 1, 250, 0, 100);
-    Image dst = Destination(3, 3);
-    PixelView dv = dst.View();
-    ResizeDitherPixels(src.View(), dv, 0, 0, 2, 2, 3, 3, 0, 0, nullptr);
+    Image dst(3, 3);
+    dst.Resize(src, 0, 0, 2, 2, 3, 3, 0, 0, nullptr);
 
-    EXPECT_EQ(dst.Pixel(0, 0), Bgr(0, 0, 0));
-    EXPECT_EQ(dst.Pixel(2, 2), Bgr(250, 0, 100));  // all four samples are the clamped corner
+    EXPECT_EQ(dst.Pixel(0, 0), (Bytes{0, 0, 0}));
+    EXPECT_EQ(dst.Pixel(2, 2), (Bytes{250, 0, 100}));  // all four samples are the clamped corner
     // (1, 1), blue: top (0 * 33 + 100 * 67) / 100 = 67, bottom (50 * 33 + 250 * 67) / 100 = 184,
     // (67 * 33 + 184 * 67) / 100 = 145. Green: 134, 16 -> 54. Red: 167, 83 -> 110.
-    EXPECT_EQ(dst.Pixel(1, 1), Bgr(145, 54, 110));
+    EXPECT_EQ(dst.Pixel(1, 1), (Bytes{145, 54, 110}));
     // (1, 0): wy 100, so the top mix alone: blue 6700 / 100, green 13400 / 100, red 16750 / 100.
-    EXPECT_EQ(dst.Pixel(1, 0), Bgr(67, 134, 167));
+    EXPECT_EQ(dst.Pixel(1, 0), (Bytes{67, 134, 167}));
     // (0, 2): ix 0 with wx 100, iy 1 with its p01 clamped: the left column's bottom pixel.
-    EXPECT_EQ(dst.Pixel(0, 2), Bgr(50, 50, 50));
+    EXPECT_EQ(dst.Pixel(0, 2), (Bytes{50, 50, 50}));
     // (2, 0): ix 1, wx 66, p10 clamped: (100 * 66 + 100 * 34) / 100 and so on.
-    EXPECT_EQ(dst.Pixel(2, 0), Bgr(100, 200, 250));
+    EXPECT_EQ(dst.Pixel(2, 0), (Bytes{100, 200, 250}));
 }
 
 TEST(ResizeDither, EdgeFadeByHandAndFlatAreasLoseOneLevelPerFade)
 {
     // 2 x 1 to 4 x 1, fx = 0, 0.5, 1, 1.5. The one row has fracY 0, so sin(0) makes f1 255 everywhere.
     Image src(2, 1, 8);
-    src.Set(0, 0, 0, 0, 0);
     src.Set(1, 0, 90, 90, 90);
-    std::vector<uint8_t> table(kNoiseTableSize, 0);
+    Bytes table(kNoiseTableSize, 0);
     // Pixel 1 uses table[2] for f1 and table[3] for f2. d2 = 90, edgeDivisor 10, sin(0.5 * 3.14159) is 1.0f:
     // f2 = trunc(255 - 9 * 1 * (100 - table[3])).
     table[3] = 90;  // f2 = 165: colour 45 -> 45 * 255 >> 8 = 44 -> 44 * 165 >> 8 = 28
-    Image dst = Destination(4, 1);
-    PixelView dv = dst.View();
-    ResizeDitherPixels(src.View(), dv, 0, 0, 2, 1, 4, 1, 10, 100, table.data());
-    EXPECT_EQ(dst.Pixel(0, 0), Bgr(0, 0, 0));
-    EXPECT_EQ(dst.Pixel(1, 0), Bgr(28, 28, 28));
+    Image dst(4, 1);
+    dst.Resize(src, 0, 0, 2, 1, 4, 1, 10, 100, table.data());
+    EXPECT_EQ(dst.Pixel(0, 0), (Bytes{0, 0, 0}));
+    EXPECT_EQ(dst.Pixel(1, 0), (Bytes{28, 28, 28}));
     // Pixels 2 and 3 are flat (90 and the clamped 90): two fades of 255/256 take 90 to 89 to 88.
-    EXPECT_EQ(dst.Pixel(2, 0), Bgr(88, 88, 88));
-    EXPECT_EQ(dst.Pixel(3, 0), Bgr(88, 88, 88));
-
+    EXPECT_EQ(dst.Pixel(2, 0), (Bytes{88, 88, 88}));
+    EXPECT_EQ(dst.Pixel(3, 0), (Bytes{88, 88, 88}));
     // A negative factor keeps the low 8 bits: f2 = 255 - 9 * 60 = -285; 44 * -285 >> 8 = -49 -> 207.
     table[3] = 40;
-    ResizeDitherPixels(src.View(), dv, 0, 0, 2, 1, 4, 1, 10, 100, table.data());
-    EXPECT_EQ(dst.Pixel(1, 0), Bgr(207, 207, 207));
+    dst.Resize(src, 0, 0, 2, 1, 4, 1, 10, 100, table.data());
+    EXPECT_EQ(dst.Pixel(1, 0), (Bytes{207, 207, 207}));
 
     // A flat source shows no noise whatever the table says, and still loses a level per fade.
     Image flat(3, 3, 12);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 3; ++x)
-            flat.Set(x, y, 100, 150, 200);
+    for (int i = 0; i < 9; ++i)
+        flat.Set(i % 3, i / 3, 100, 150, 200);
     for (size_t i = 0; i < table.size(); ++i)
         table[i] = static_cast<uint8_t>(i * 31 + 7);
-    Image out = Destination(5, 4);
-    PixelView ov = out.View();
-    ResizeDitherPixels(flat.View(), ov, 0, 0, 3, 3, 5, 4, 1, 255, table.data());
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 5; ++x)
-            EXPECT_EQ(out.Pixel(x, y), Bgr(98, 148, 198)) << x << "," << y;
+    Image out(5, 4);
+    out.Resize(flat, 0, 0, 3, 3, 5, 4, 1, 255, table.data());
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(out.Pixel(i % 5, i / 5), (Bytes{98, 148, 198})) << i;
 }
 
-namespace {
-
-Image EdgySource()
-{
-    Image src(5, 4, 16);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 5; ++x)
-            src.Set(x, y, static_cast<uint8_t>(x * 60), static_cast<uint8_t>(y * 80 + x * 7),
-                    static_cast<uint8_t>((x + y) % 2 ? 250 : 10));
-    return src;
-}
-
-std::vector<uint8_t> RandomTable(unsigned seed)
-{
-    std::vector<uint8_t> table(kNoiseTableSize);
-    for (auto& v : table) {
-        seed = seed * 1103515245u + 12345u;
-        v = static_cast<uint8_t>(seed >> 16);
-    }
-    return table;
-}
-
-}  // namespace
-
-TEST(ResizeDither, EdgeDivisorZeroIgnoresTheNoiseTable)
+TEST(ResizeDither, NoiseIndexAndTheEdgeDivisorZero)
 {
     Image src = EdgySource();
-    const std::vector<uint8_t> a = RandomTable(1);
-    const std::vector<uint8_t> b = RandomTable(2);
-    Image plain = Destination(7, 9);
-    Image withA = Destination(7, 9);
-    Image withB = Destination(7, 9);
-    Image dithered = Destination(7, 9);
-    PixelView pv = plain.View(), av = withA.View(), bv = withB.View(), dv = dithered.View();
-    ResizeDitherPixels(src.View(), pv, 0, 0, 4, 3, 7, 9, 0, 0, nullptr);
-    ResizeDitherPixels(src.View(), av, 0, 0, 4, 3, 7, 9, 0, 200, a.data());
-    ResizeDitherPixels(src.View(), bv, 0, 0, 4, 3, 7, 9, 0, 200, b.data());
-    ResizeDitherPixels(src.View(), dv, 0, 0, 4, 3, 7, 9, 3, 200, a.data());
+    const Bytes a = RandomTable(1);
+    const Bytes b = RandomTable(2);
+    // With edgeDivisor 0 the table plays no part; the same call with a divisor does add noise.
+    Image plain(7, 9), withA(7, 9), withB(7, 9), dithered(7, 9);
+    plain.Resize(src, 0, 0, 4, 3, 7, 9, 0, 0, nullptr);
+    withA.Resize(src, 0, 0, 4, 3, 7, 9, 0, 200, a.data());
+    withB.Resize(src, 0, 0, 4, 3, 7, 9, 0, 200, b.data());
+    dithered.Resize(src, 0, 0, 4, 3, 7, 9, 3, 200, a.data());
     EXPECT_EQ(plain.bytes, withA.bytes);
     EXPECT_EQ(plain.bytes, withB.bytes);
-    EXPECT_NE(plain.bytes, dithered.bytes);  // the same call with a divisor does add noise
-}
+    EXPECT_NE(plain.bytes, dithered.bytes);
 
-TEST(ResizeDither, ColumnsPastTheDestinationStillMoveTheNoise)
-{
-    // The noise index moves by 2 per computed pixel, written or not. A destination narrower than dstW
-    // must show in its second row exactly what a wide enough one shows there.
-    Image src = EdgySource();
-    const std::vector<uint8_t> table = RandomTable(7);
-    Image wide = Destination(9, 3);
-    Image narrow = Destination(4, 3);
-    PixelView wv = wide.View(), nv = narrow.View();
-    ResizeDitherPixels(src.View(), wv, 0, 0, 4, 3, 9, 3, 2, 180, table.data());
-    ResizeDitherPixels(src.View(), nv, 0, 0, 4, 3, 9, 3, 2, 180, table.data());
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 4; ++x)
-            EXPECT_EQ(narrow.Pixel(x, y), wide.Pixel(x, y)) << x << "," << y;
+    // The noise index moves by 2 per computed pixel, written or not: a destination narrower than dstW shows in
+    // its later rows exactly what a wide enough one shows there.
+    Image wide(9, 3), narrow(4, 3);
+    wide.Resize(src, 0, 0, 4, 3, 9, 3, 2, 180, a.data());
+    narrow.Resize(src, 0, 0, 4, 3, 9, 3, 2, 180, a.data());
+    for (int i = 0; i < 12; ++i)
+        EXPECT_EQ(narrow.Pixel(i % 4, i / 4), wide.Pixel(i % 4, i / 4)) << i;
 }
 
 TEST(ResizeDither, HostileRectanglesStayInsideBothBuffers)
 {
     Image src = EdgySource();
-    const std::vector<uint8_t> table = RandomTable(3);
-    const int cases[][6] = {
-        {-1000000000, -5, 2147483647, 3, 6, 5},
-        {3, 2, -2147483647 - 1, -7, 6, 5},
-        {0, 0, 0, 0, 6, 5},
-        {2147483647, 2147483647, 1, 1, 6, 5},
-        {4, 3, 5, 4, 1, 1},
-        {0, 0, 5, 4, 0, 5},
-        {0, 0, 5, 4, 6, -3},
-        {-3, -3, 40, 40, 100000, 100000},
-    };
+    const Bytes table = RandomTable(3);
+    const int cases[][6] = {{-1000000000, -5, 2147483647, 3, 6, 5},
+                            {3, 2, -2147483647 - 1, -7, 6, 5},
+                            {0, 0, 0, 0, 6, 5},
+                            {2147483647, 2147483647, 1, 1, 6, 5},
+                            {4, 3, 5, 4, 1, 1},
+                            {0, 0, 5, 4, 0, 5},
+                            {0, 0, 5, 4, 6, -3},
+                            {-3, -3, 40, 40, 100000, 100000}};
     for (const auto& c : cases) {
         // A tight destination: the last pixel of each row has no room for its fourth byte and is dropped.
         Image dst(6, 5, 18, 0xEE);
-        PixelView dv = dst.View();
-        ResizeDitherPixels(src.View(), dv, c[0], c[1], c[2], c[3], c[4], c[5], 1, 300, table.data());
+        dst.Resize(src, c[0], c[1], c[2], c[3], c[4], c[5], 1, 300, table.data());
         EXPECT_EQ(dst.bytes.back(), 0xEE);
     }
     // A source without pixels reads as black.
     PixelView none;
-    Image dst = Destination(2, 2);
-    PixelView dv = dst.View();
-    ResizeDitherPixels(none, dv, 0, 0, 1, 1, 2, 2, 0, 0, nullptr);
-    EXPECT_EQ(dst.Pixel(1, 1), Bgr(0, 0, 0));
+    Image dst(2, 2);
+    PixelView view = dst.View();
+    ResizeDitherPixels(none, view, 0, 0, 1, 1, 2, 2, 0, 0, nullptr);
+    EXPECT_EQ(dst.Pixel(1, 1), (Bytes{0, 0, 0}));
 }

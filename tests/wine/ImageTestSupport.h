@@ -1,10 +1,12 @@
 // Helpers of the image toolkit's Wine tests: a CNBitmapUtil that opens its protected parts, paths of the
-// fixture files as Wine sees them, pixel reading, scratch folders, and a reference decoder (WIC).
+// fixture files as Wine sees them, pixel reading and making, and scratch folders.
 #pragma once
 
 #include <windows.h>
 
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -14,53 +16,98 @@ namespace zcmod_test {
 
 class TestBitmapUtil : public CNBitmapUtil {
 public:
-    using CNBitmapUtil::CreateBitmapFromData;
     using CNBitmapUtil::CreateBitmapInfoStruct;
-    using CNBitmapUtil::DeleteBitmap;
     using CNBitmapUtil::EncodeSaveGIF;
     using CNBitmapUtil::EncodeSaveJPEG;
     using CNBitmapUtil::GetBitmapDataAlloc;
     using CNBitmapUtil::GetBitmapDataNAAlloc;
     using CNBitmapUtil::GetBitmapObject;
     using CNBitmapUtil::GetFirstImageIndex;
-    using CNBitmapUtil::GetGIFFileStructure;
-    using CNBitmapUtil::GetNumberOfBitmaps;
     using CNBitmapUtil::GetPixel;
-    using CNBitmapUtil::LoadBitmapFromFile;
     using CNBitmapUtil::LoadBitmapFromRes;
     using CNBitmapUtil::LoadPNGFromMem;
+    using CNBitmapUtil::LoadWBMPFile;
     using CNBitmapUtil::m_nBlendFrame;
     using CNBitmapUtil::m_nBlendSet;
     using CNBitmapUtil::m_pBlendImage;
-    using CNBitmapUtil::m_pBlendResult;
-    using CNBitmapUtil::m_pStore;
     using CNBitmapUtil::MixColors;
     using CNBitmapUtil::PutPixel;
     using CNBitmapUtil::TestColorMatch;
 };
 
-// A file of the repository's tests/data folder (relative path with '/'), as Wine sees it on drive Z:.
-std::wstring DataFile(const std::string& relative);
-// A file of libpng's PNG suite, as Wine sees it.
-std::wstring PngSuiteFile(const std::string& name);
-// The names of the files in libpng's PNG suite folder that end in .png.
-std::vector<std::string> PngSuiteNames();
-// "Z:" + a Linux path with '/' turned into '\\'.
-std::wstring WinePath(const std::string& linuxPath);
+// A call's result and the error word it leaves in `util`, checked together.
+#define EXPECT_RESULT_ERROR(util, call, result, error) \
+    do {                                               \
+        EXPECT_EQ((call), (result));                   \
+        EXPECT_EQ((util).GetLastError(), (error));     \
+    } while (0)
 
-std::vector<uint8_t> ReadBytes(const std::wstring& path);
-void WriteBytes(const std::wstring& path, const std::vector<uint8_t>& bytes);
-bool FileExists(const std::wstring& path);
+// "Z:" + a Linux path with '/' turned into '\\'.
+inline std::wstring WinePath(const std::string& linuxPath)
+{
+    std::wstring path = L"Z:";
+    for (char c : linuxPath)
+        path.push_back(c == '/' ? L'\\' : static_cast<wchar_t>(static_cast<unsigned char>(c)));
+    return path;
+}
+// A file of the repository's tests/data folder (relative path with '/'), and one of libpng's PNG suite.
+inline std::wstring DataFile(const std::string& relative)
+{
+    return WinePath(std::string(ZCMOD_TEST_DATA_DIR) + "/" + relative);
+}
+inline std::wstring PngSuiteFile(const std::string& name)
+{
+    return WinePath(std::string(ZCMOD_PNGSUITE_DIR) + "/" + name);
+}
+
+inline std::vector<uint8_t> ReadBytes(const std::wstring& path)
+{
+    std::vector<uint8_t> bytes;
+    if (FILE* f = _wfopen(path.c_str(), L"rb")) {
+        for (int c = fgetc(f); c != EOF; c = fgetc(f))
+            bytes.push_back(static_cast<uint8_t>(c));
+        fclose(f);
+    }
+    return bytes;
+}
+inline void WriteBytes(const std::wstring& path, const std::vector<uint8_t>& bytes)
+{
+    if (FILE* f = _wfopen(path.c_str(), L"wb")) {
+        fwrite(bytes.data(), 1, bytes.size(), f);
+        fclose(f);
+    }
+}
 
 // A fresh folder under the temporary folder, removed with its files at the end.
 class ScratchFolder {
 public:
-    ScratchFolder();
-    ~ScratchFolder();
+    ScratchFolder()
+    {
+        wchar_t temp[MAX_PATH];
+        GetTempPathW(MAX_PATH, temp);
+        static int counter = 0;
+        m_path = temp + (L"zcmod-image-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++counter));
+        CreateDirectoryW(m_path.c_str(), nullptr);
+    }
+    ~ScratchFolder()
+    {
+        WIN32_FIND_DATAW found;
+        HANDLE find = FindFirstFileW(File(L"*").c_str(), &found);
+        for (BOOL more = find != INVALID_HANDLE_VALUE; more; more = FindNextFileW(find, &found))
+            DeleteFileW(File(found.cFileName).c_str());
+        if (find != INVALID_HANDLE_VALUE)
+            FindClose(find);
+        RemoveDirectoryW(m_path.c_str());
+    }
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
-    std::wstring File(const std::wstring& name) const;
-    const std::wstring& Path() const { return m_path; }
+    std::wstring File(const std::wstring& name) const { return m_path + L"\\" + name; }
+    // Writes `bytes` to the file `name` and returns its path.
+    std::wstring Write(const std::wstring& name, const std::vector<uint8_t>& bytes) const
+    {
+        WriteBytes(File(name), bytes);
+        return File(name);
+    }
 
 private:
     std::wstring m_path;
@@ -71,23 +118,38 @@ struct Pixels {
     int width = 0;
     int height = 0;
     std::vector<uint8_t> bytes;
-    uint32_t At(int x, int y) const;
+    uint32_t At(int x, int y) const
+    {
+        if (x < 0 || y < 0 || x >= width || y >= height)
+            return 0xFFFFFFFF;
+        const uint8_t* p = &bytes[(static_cast<size_t>(y) * width + x) * 3];
+        return p[0] | (p[1] << 8) | (static_cast<uint32_t>(p[2]) << 16);
+    }
 };
-Pixels ReadFrame(CNBitmapUtil& util, BitmapType type, int index);
+inline Pixels ReadFrame(CNBitmapUtil& util, BitmapType type, int index)
+{
+    Pixels pixels;
+    if (!util.GetBitmapHandle(type, index))
+        return pixels;
+    pixels.width = util.GetBitmapWidth(type);
+    pixels.height = util.GetBitmapHeight(type);
+    pixels.bytes.assign(static_cast<size_t>(pixels.width) * pixels.height * 3, 0);
+    if (!util.GetBitmapDataNA(type, index, reinterpret_cast<char*>(pixels.bytes.data())))
+        pixels = Pixels();
+    return pixels;
+}
 
 // Makes frame `index` of `type` (w x h) from a function of the position giving 0x00RRGGBB.
 template <class F>
 bool MakeFrame(CNBitmapUtil& util, BitmapType type, int index, int w, int h, F colour)
 {
     std::vector<char> data(static_cast<size_t>(w) * h * 3);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            const uint32_t c = colour(x, y);
-            char* p = &data[(static_cast<size_t>(y) * w + x) * 3];
-            p[0] = static_cast<char>(c & 0xFF);
-            p[1] = static_cast<char>((c >> 8) & 0xFF);
-            p[2] = static_cast<char>((c >> 16) & 0xFF);
-        }
+    for (size_t i = 0; i < data.size() / 3; ++i) {
+        const uint32_t c = colour(static_cast<int>(i % w), static_cast<int>(i / w));
+        data[3 * i] = static_cast<char>(c & 0xFF);
+        data[3 * i + 1] = static_cast<char>((c >> 8) & 0xFF);
+        data[3 * i + 2] = static_cast<char>((c >> 16) & 0xFF);
+    }
     return util.CreateBitmapFromData(w, h, data.data(), type, index) == 1;
 }
 inline bool MakeSolid(CNBitmapUtil& util, BitmapType type, int index, int w, int h, uint32_t rgb)
@@ -96,11 +158,12 @@ inline bool MakeSolid(CNBitmapUtil& util, BitmapType type, int index, int w, int
 }
 
 // Channels of two 0x00RRGGBB colours differ by at most `tolerance`.
-bool Near(uint32_t a, uint32_t b, int tolerance);
-
-// A reference decode by the platform's imaging component: 32-bit BGRA rows, top-down. False if it can't.
-bool WicDecode(const std::wstring& path, int& width, int& height, std::vector<uint8_t>& bgra);
-// Every frame of a file through the imaging component (no composition); the count of frames decoded.
-int WicDecodeAllFrames(const std::wstring& path);
+inline bool Near(uint32_t a, uint32_t b, int tolerance)
+{
+    for (int shift = 0; shift < 24; shift += 8)
+        if (std::abs(static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF)) > tolerance)
+            return false;
+    return true;
+}
 
 }  // namespace zcmod_test

@@ -1,72 +1,132 @@
-// Helpers of the Wine tests: registry keys that a test sets up and removes, the runtime folder, child
-// processes, and a watcher that records and closes message boxes.
+// Helpers of the Wine tests: registry values that a test sets up and removes, the runtime folder, and child
+// processes.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
-#include <vector>
 
 namespace zcmod_test {
 
 // The folder of the test executable, which is also the folder of zcmod.dll (no trailing backslash).
-std::wstring BinDir();
+inline std::wstring BinDir()
+{
+    wchar_t path[MAX_PATH];
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    std::wstring dir(path);
+    return dir.substr(0, dir.find_last_of(L'\\'));
+}
 
 // Registry keys the suite reads for the manufacturer "Zelvo" (the stand-in settings library's default).
-extern const wchar_t kMachineSuiteKey[];  // HKLM Software\Wow6432Node\Zelvo\DeskHub
-extern const wchar_t kUserSuiteKey[];     // HKCU Software\Zelvo\DeskHub
-extern const wchar_t kBuildNumberKey[];   // HKLM SOFTWARE\Wow6432node\Zelvo
-extern const wchar_t kStandInKey[];       // HKCU Software\ZCMOD Stand-ins\DKHL64
+constexpr wchar_t kMachineSuiteKey[] = L"Software\\Wow6432Node\\Zelvo\\DeskHub";
+constexpr wchar_t kUserSuiteKey[] = L"Software\\Zelvo\\DeskHub";
+constexpr wchar_t kBuildNumberKey[] = L"SOFTWARE\\Wow6432node\\Zelvo";
+constexpr wchar_t kStandInKey[] = L"Software\\ZCMOD Stand-ins\\DKHL64";  // HKCU: what the stand-in answers
 
-void SetString(HKEY hive, const wchar_t* key, const wchar_t* name, const std::wstring& value);
-// Writes `bytes` bytes of `data` as a REG_SZ, terminated or not, as the caller chooses.
-void SetRawString(HKEY hive, const wchar_t* key, const wchar_t* name, const void* data, DWORD bytes);
-void SetDword(HKEY hive, const wchar_t* key, const wchar_t* name, DWORD value);
-void SetMultiString(HKEY hive, const wchar_t* key, const wchar_t* name, const std::vector<std::wstring>& values);
-void DeleteValue(HKEY hive, const wchar_t* key, const wchar_t* name);
-void DeleteTree(HKEY hive, const wchar_t* key);
+// Writes `bytes` bytes of `data` as a value of `type`, creating the key.
+inline void SetValue(HKEY hive, const wchar_t* key, const wchar_t* name, DWORD type, const void* data, DWORD bytes)
+{
+    HKEY h = nullptr;
+    RegCreateKeyExW(hive, key, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &h, nullptr);
+    RegSetValueExW(h, name, 0, type, static_cast<const BYTE*>(data), bytes);
+    RegCloseKey(h);
+}
+inline void SetString(HKEY hive, const wchar_t* key, const wchar_t* name, const std::wstring& value)
+{
+    SetValue(hive, key, name, REG_SZ, value.c_str(), static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
+}
+inline void SetDword(HKEY hive, const wchar_t* key, const wchar_t* name, DWORD value)
+{
+    SetValue(hive, key, name, REG_DWORD, &value, sizeof(value));
+}
+inline void DeleteValue(HKEY hive, const wchar_t* key, const wchar_t* name)
+{
+    RegDeleteKeyValueW(hive, key, name);
+}
+inline void DeleteTree(HKEY hive, const wchar_t* key)
+{
+    RegDeleteTreeW(hive, key);
+    RegDeleteKeyW(hive, key);
+}
 
 // Removes the suite's and the stand-in's keys when made and again when destroyed, so that each test starts
-// from no settings and leaves none behind.
+// from no settings and leaves none behind; sets the values the library reads.
 class SuiteRegistry {
 public:
-    SuiteRegistry();
-    ~SuiteRegistry();
+    SuiteRegistry() { Clean(); }
+    ~SuiteRegistry() { Clean(); }
     SuiteRegistry(const SuiteRegistry&) = delete;
     SuiteRegistry& operator=(const SuiteRegistry&) = delete;
 
-    // The language and theme values the library reads.
-    void SetLanguage(const std::wstring& code);
-    void SetUserTheme(const std::wstring& theme);
-    void SetMachineTheme(const std::wstring& theme);
-    void SetBuildNumber(const std::wstring& text);
+    void SetLanguage(const std::wstring& code)
+    {
+        SetString(HKEY_LOCAL_MACHINE, kMachineSuiteKey, L"Current Language", code);
+    }
+    void SetUserTheme(const std::wstring& theme) { SetString(HKEY_CURRENT_USER, kUserSuiteKey, L"Theme", theme); }
+    void SetMachineTheme(const std::wstring& theme)
+    {
+        SetString(HKEY_LOCAL_MACHINE, kMachineSuiteKey, L"Current Resource", theme);
+    }
+    void SetBuildNumber(const std::wstring& text)
+    {
+        SetString(HKEY_LOCAL_MACHINE, kBuildNumberKey, L"DeskHubBuildNumber", text);
+    }
+    // What the stand-in settings library answers to one of its questions.
+    void SetStandIn(const wchar_t* name, const std::wstring& value)
+    {
+        SetString(HKEY_CURRENT_USER, kStandInKey, name, value);
+    }
 
 private:
-    void Clean();
+    static void Clean()
+    {
+        DeleteTree(HKEY_LOCAL_MACHINE, L"Software\\Wow6432Node\\Zelvo");
+        DeleteTree(HKEY_CURRENT_USER, L"Software\\Zelvo");
+        DeleteTree(HKEY_CURRENT_USER, kStandInKey);
+    }
 };
 
-// Runs `exe` with `args`, with `extraPath` put in front of PATH, and returns its exit code and its output.
+// Runs `exe` with `args`, with `extraPath` put in front of PATH; its exit code and its output.
 struct ProcessResult {
     DWORD exitCode = 0xFFFFFFFF;
     std::string output;
 };
-ProcessResult RunProcess(const std::wstring& exe, const std::wstring& args, const std::wstring& extraPath = L"");
-
-// Records every message box (dialog class #32770) that the thread shows and closes it at once; a watchdog
-// closes any that the hook missed, so that a test never hangs.
-class MessageBoxWatcher {
-public:
-    MessageBoxWatcher();
-    ~MessageBoxWatcher();
-    MessageBoxWatcher(const MessageBoxWatcher&) = delete;
-    MessageBoxWatcher& operator=(const MessageBoxWatcher&) = delete;
-
-    struct Box {
-        std::wstring caption;
-        std::wstring text;
-        bool hasErrorIcon = false;
-    };
-    const std::vector<Box>& Boxes() const;
-};
+inline ProcessResult RunProcess(const std::wstring& exe, const std::wstring& args, const std::wstring& extraPath)
+{
+    ProcessResult result;
+    SECURITY_ATTRIBUTES inherit = {sizeof(inherit), nullptr, TRUE};
+    HANDLE readEnd = nullptr;
+    HANDLE writeEnd = nullptr;
+    if (!CreatePipe(&readEnd, &writeEnd, &inherit, 0))
+        return result;
+    SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
+    // The child inherits our environment, with PATH extended while it starts.
+    std::wstring path(32768, L'\0');
+    path.resize(GetEnvironmentVariableW(L"PATH", &path[0], 32768));
+    SetEnvironmentVariableW(L"PATH", (extraPath + L";" + path).c_str());
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = startup.hStdError = writeEnd;
+    startup.hStdInput = GetStdHandle(STD_INPUT_HANDLE);
+    PROCESS_INFORMATION process = {};
+    std::wstring commandLine = L"\"" + exe + L"\" " + args;
+    const BOOL started =
+        CreateProcessW(exe.c_str(), &commandLine[0], nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
+    SetEnvironmentVariableW(L"PATH", path.c_str());
+    CloseHandle(writeEnd);
+    if (started) {
+        char buffer[512];
+        DWORD got = 0;
+        while (ReadFile(readEnd, buffer, sizeof(buffer), &got, nullptr) && got > 0)
+            result.output.append(buffer, got);
+        WaitForSingleObject(process.hProcess, 30000);
+        GetExitCodeProcess(process.hProcess, &result.exitCode);
+        CloseHandle(process.hThread);
+        CloseHandle(process.hProcess);
+    }
+    CloseHandle(readEnd);
+    return result;
+}
 
 }  // namespace zcmod_test
