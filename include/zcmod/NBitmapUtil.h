@@ -151,6 +151,9 @@ protected:
     // m_nSize bytes allocated with malloc, filled as far as the transfer went; the caller frees them. Null
     // (with the error set) without a header, or when out of memory.
     char* GetBitmapDataAlloc(BitmapType type, int index);
+    // The store of a pixel transfer into or out of `buffer`; null, with the error set, when the buffer, the
+    // record or its header is missing.
+    CNBitmap* TransferRecord(BitmapType type, const char* buffer);
     char* GetBitmapDataNAAlloc(BitmapType type, int index);
 
     // Before a frame of width x height enters store `type`: a store with a header of another geometry is

@@ -486,59 +486,47 @@ void CNBitmapUtil::OutputDebugMsg(const wchar_t*) {}
 
 // ---- Pixels -----------------------------------------------------------------------------------------------------
 
-BOOL CNBitmapUtil::GetBitmapData(BitmapType type, int index, char* buffer)
+CNBitmapUtil::CNBitmap* CNBitmapUtil::TransferRecord(BitmapType type, const char* buffer)
 {
     if (!buffer) {
         m_eLastError = ZBU_BAD_ARG2;
-        return FALSE;
+        return nullptr;
     }
     CNBitmap* record = GetBitmapObject(type);
     if (!record) {
         m_eLastError = ZBU_NO_STORE;
-        return FALSE;
+        return nullptr;
     }
     if (!record->m_pInfo || record->m_nSize < 1) {
         m_eLastError = ZBU_NO_BITMAP;
-        return FALSE;
+        return nullptr;
     }
+    return record;
+}
+
+BOOL CNBitmapUtil::GetBitmapData(BitmapType type, int index, char* buffer)
+{
+    CNBitmap* record = TransferRecord(type, buffer);
+    if (!record)
+        return FALSE;
     const int height = GetBitmapHeight(type);
     return ReadRows(FrameOf(record, index), record->m_pInfo, 0, height, buffer, true) > 0;
 }
 
 BOOL CNBitmapUtil::SetBitmapData(BitmapType type, int index, char* buffer)
 {
-    if (!buffer) {
-        m_eLastError = ZBU_BAD_ARG2;
+    CNBitmap* record = TransferRecord(type, buffer);
+    if (!record)
         return FALSE;
-    }
-    CNBitmap* record = GetBitmapObject(type);
-    if (!record) {
-        m_eLastError = ZBU_NO_STORE;
-        return FALSE;
-    }
-    if (!record->m_pInfo || record->m_nSize < 1) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return FALSE;
-    }
     const int height = GetBitmapHeight(type);
     return WriteRows(FrameOf(record, index), record->m_pInfo, 0, height, buffer, true) > 0;
 }
 
 BOOL CNBitmapUtil::GetBitmapDataNA(BitmapType type, int index, char* buffer)
 {
-    if (!buffer) {
-        m_eLastError = ZBU_BAD_ARG2;
+    CNBitmap* record = TransferRecord(type, buffer);
+    if (!record)
         return FALSE;
-    }
-    CNBitmap* record = GetBitmapObject(type);
-    if (!record) {
-        m_eLastError = ZBU_NO_STORE;
-        return FALSE;
-    }
-    if (!record->m_pInfo || record->m_nSize < 1) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return FALSE;
-    }
     HBITMAP frame = FrameOf(record, index);
     const int width = record->m_pInfo->bmiHeader.biWidth;
     const int height = GetBitmapHeight(type);
@@ -561,19 +549,9 @@ BOOL CNBitmapUtil::GetBitmapDataNA(BitmapType type, int index, char* buffer)
 
 BOOL CNBitmapUtil::SetBitmapDataNA(BitmapType type, int index, char* buffer)
 {
-    if (!buffer) {
-        m_eLastError = ZBU_BAD_ARG2;
+    CNBitmap* record = TransferRecord(type, buffer);
+    if (!record)
         return FALSE;
-    }
-    CNBitmap* record = GetBitmapObject(type);
-    if (!record) {
-        m_eLastError = ZBU_NO_STORE;
-        return FALSE;
-    }
-    if (!record->m_pInfo || record->m_nSize < 1) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return FALSE;
-    }
     HBITMAP frame = FrameOf(record, index);
     const int width = record->m_pInfo->bmiHeader.biWidth;
     const int height = GetBitmapHeight(type);

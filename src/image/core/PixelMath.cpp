@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
 namespace zcmod {
 
@@ -76,19 +77,31 @@ Bgr SourcePixel(const PixelView& view, int64_t x, int64_t y)
     return p;
 }
 
-// The fade factor of one direction: trunc(255 - (d / edgeDivisor) * sin(fraction * 3.14159) * (noiseBase -
-// noise)), multiplied left to right in single precision; only the sine is taken in double. Each product is a
-// statement of its own so that no compiler fuses a multiply and an add.
-int32_t EdgeFactor(int d, int edgeDivisor, float fraction, int noiseBase, uint8_t noise)
+// sin(fraction * 3.14159), taken in double and kept as a float: the wave that weights the noise of a fade.
+float Wave(float fraction)
+{
+    return static_cast<float>(std::sin(static_cast<double>(fraction) * 3.14159));
+}
+
+// The fade factor of one direction: trunc(255 - (d / edgeDivisor) * wave * (noiseBase - noise)), multiplied
+// left to right in single precision. Each product is a statement of its own so that no compiler fuses a
+// multiply and an add.
+int32_t EdgeFactor(int d, int edgeDivisor, float wave, int noiseBase, uint8_t noise)
 {
     const float ratio = static_cast<float>(d) / static_cast<float>(edgeDivisor);
-    const float wave = static_cast<float>(std::sin(static_cast<double>(fraction) * 3.14159));
     const float noiseSpan = static_cast<float>(static_cast<int64_t>(noiseBase) - noise);
     float product = ratio * wave;
     product = product * noiseSpan;
     const float factor = 255.0f - product;
     return TruncToInt(factor);
 }
+
+// What one output column takes from the source: every row steps through the same x positions.
+struct Column {
+    int32_t ix;
+    int32_t wx;
+    float wave;
+};
 
 }  // namespace
 
@@ -208,6 +221,18 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
     const float stepY = static_cast<float>(srcH) / static_cast<float>(dstH);
     uint32_t n = 0;
 
+    // Columns past the destination's width are dropped, so only the ones inside it are worked out, once.
+    const int columns = dstW < destination.width ? dstW : destination.width;
+    std::vector<Column> table(static_cast<size_t>(columns > 0 ? columns : 0));
+    float fx = static_cast<float>(srcX);
+    for (Column& column : table) {
+        column.ix = TruncToInt(fx);
+        const float fracX = fx - static_cast<float>(column.ix);
+        column.wx = TruncToInt((1.0f - fracX) * 100.0f);
+        column.wave = dither ? Wave(fracX) : 0.0f;
+        fx += stepX;
+    }
+
     float fy = static_cast<float>(srcY);
     for (int y = 0; y < dstH; ++y) {
         // Rows below the destination would all be dropped, and nothing they compute is carried on.
@@ -216,18 +241,17 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
         const int32_t iy = TruncToInt(fy);
         const float fracY = fy - static_cast<float>(iy);
         const int32_t wy = TruncToInt((1.0f - fracY) * 100.0f);
+        const float waveY = dither ? Wave(fracY) : 0.0f;
 
-        float fx = static_cast<float>(srcX);
         for (int x = 0; x < dstW; ++x) {
-            if (x >= destination.width) {
+            if (x >= columns) {
                 // The rest of the row is dropped; only the noise index moves on, 2 per pixel, as it would.
                 if (dither)
                     n = static_cast<uint32_t>((n + 2ull * static_cast<uint64_t>(dstW - x)) % kNoiseIndexWrap);
                 break;
             }
-            const int32_t ix = TruncToInt(fx);
-            const float fracX = fx - static_cast<float>(ix);
-            const int32_t wx = TruncToInt((1.0f - fracX) * 100.0f);
+            const int32_t ix = table[x].ix;
+            const int32_t wx = table[x].wx;
 
             const Bgr p00 = SourcePixel(source, ix, iy);
             const Bgr p10 = SourcePixel(source, static_cast<int64_t>(ix) + 1, iy);
@@ -247,7 +271,7 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
 
             if (dither) {
                 const int d1 = MeanDifference(top, bottom);
-                const int32_t f1 = EdgeFactor(d1, edgeDivisor, fracY, noiseBase, noiseTable[n]);
+                const int32_t f1 = EdgeFactor(d1, edgeDivisor, waveY, noiseBase, noiseTable[n]);
                 for (int k = 0; k < 3; ++k)
                     colour.c[k] = FadeByte(colour.c[k], f1);
 
@@ -258,7 +282,7 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
                     right.c[k] = MixByte(p11.c[k], 100 - wy64, p10.c[k], wy64);
                 }
                 const int d2 = MeanDifference(left, right);
-                const int32_t f2 = EdgeFactor(d2, edgeDivisor, fracX, noiseBase, noiseTable[n + 1]);
+                const int32_t f2 = EdgeFactor(d2, edgeDivisor, table[x].wave, noiseBase, noiseTable[n + 1]);
                 for (int k = 0; k < 3; ++k)
                     colour.c[k] = FadeByte(colour.c[k], f2);
 
@@ -270,7 +294,6 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
             const uint32_t value = static_cast<uint32_t>(colour.c[0]) | static_cast<uint32_t>(colour.c[1]) << 8 |
                                    static_cast<uint32_t>(colour.c[2]) << 16;
             WritePixel(destination, x, y, value);
-            fx += stepX;
         }
         fy += stepY;
     }
