@@ -48,7 +48,7 @@ if [ "$seconds" -gt 0 ]; then
     # New inputs go to a scratch folder; the committed seeds are read, not changed.
     if "$fuzzer" -max_total_time="$seconds" -print_final_stats=0 "$work" "fuzz/corpus/$name" \
          >"$work.log" 2>&1; then
-      echo "fuzz $name: $(grep -Eo '#[0-9]+ +DONE.*' "$work.log" | tail -n 1)"
+      echo "fuzz $name: $(grep -E '^Done [0-9]+ runs' "$work.log" | tail -n 1)"
     else
       echo "fuzz $name: FAILED"; tail -n 40 "$work.log"; status=1
     fi
