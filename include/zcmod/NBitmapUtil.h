@@ -154,6 +154,13 @@ protected:
     // The store of a pixel transfer into or out of `buffer`; null, with the error set, when the buffer, the
     // record or its header is missing.
     CNBitmap* TransferRecord(BitmapType type, const char* buffer);
+    // Records `error` as the last error and gives back `result`, for the failure paths that set one.
+    template <class T>
+    T SetError(ZBUError error, T result)
+    {
+        m_eLastError = error;
+        return result;
+    }
     char* GetBitmapDataNAAlloc(BitmapType type, int index);
 
     // Before a frame of width x height enters store `type`: a store with a header of another geometry is

@@ -97,10 +97,8 @@ HBITMAP CNBitmapUtil::LoadWBMPFile(const wchar_t* file, BitmapType type, int ind
     int width = 0;
     int height = 0;
     size_t dataOffset = 0;
-    if (!ParseWbmpHeader(bytes.data(), length, width, height, dataOffset)) {
-        m_eLastError = ZBU_BAD_FORMAT;
-        return nullptr;
-    }
+    if (!ParseWbmpHeader(bytes.data(), length, width, height, dataOffset))
+        return SetError(ZBU_BAD_FORMAT, nullptr);
     // The store takes the new geometry before the rows are checked.
     CNBitmap* record = PrepareStore(type, width, height);
     std::vector<uint8_t> pixels;
@@ -110,10 +108,8 @@ HBITMAP CNBitmapUtil::LoadWBMPFile(const wchar_t* file, BitmapType type, int ind
     } catch (...) {
         decoded = false;
     }
-    if (!decoded || !CreateBitmapFromData(width, height, reinterpret_cast<char*>(pixels.data()), record, index)) {
-        m_eLastError = ZBU_BAD_FORMAT;
-        return nullptr;
-    }
+    if (!decoded || !CreateBitmapFromData(width, height, reinterpret_cast<char*>(pixels.data()), record, index))
+        return SetError(ZBU_BAD_FORMAT, nullptr);
     return FrameOf(record, index);
 }
 
@@ -148,10 +144,8 @@ HBITMAP CNBitmapUtil::LoadOTABMPFile(const wchar_t* file, BitmapType type, int i
     } catch (...) {
         decoded = false;
     }
-    if (!decoded || !CreateBitmapFromData(width, height, reinterpret_cast<char*>(pixels.data()), record, index)) {
-        m_eLastError = ZBU_BAD_FORMAT;
-        return nullptr;
-    }
+    if (!decoded || !CreateBitmapFromData(width, height, reinterpret_cast<char*>(pixels.data()), record, index))
+        return SetError(ZBU_BAD_FORMAT, nullptr);
     return FrameOf(record, index);
 }
 
@@ -181,10 +175,8 @@ int CNBitmapUtil::EncodeSaveOTABMP(char* pixels, CNBitmap* record, const wchar_t
         return 0;
     const BITMAPINFOHEADER& header = record->m_pInfo->bmiHeader;
     const int height = header.biHeight < 0 ? -header.biHeight : header.biHeight;
-    if (header.biWidth >= 256 || height >= 256) {
-        m_eLastError = ZBU_TOO_LARGE;
-        return 0;
-    }
+    if (header.biWidth >= 256 || height >= 256)
+        return SetError(ZBU_TOO_LARGE, 0);
     std::vector<uint8_t> bytes;
     try {
         bytes = EncodeOta(reinterpret_cast<const uint8_t*>(pixels), header.biWidth, height, record->m_nStride,

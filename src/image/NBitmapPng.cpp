@@ -19,10 +19,8 @@ const unsigned char kPngSignature[8] = {0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A
 HBITMAP CNBitmapUtil::LoadPNGFile(const wchar_t* file, BitmapType type, int index)
 {
     FILE* f = file ? _wfopen(file, L"rb") : nullptr;
-    if (!f) {
-        m_eLastError = ZBU_FILE_OPEN;
-        return nullptr;
-    }
+    if (!f)
+        return SetError(ZBU_FILE_OPEN, nullptr);
     unsigned char signature[8] = {};
     if (fread(signature, 1, sizeof(signature), f) != sizeof(signature) ||
         memcmp(signature, kPngSignature, sizeof(signature)) != 0 || fseek(f, 0, SEEK_SET) != 0) {
@@ -52,15 +50,11 @@ HBITMAP CNBitmapUtil::LoadPNGFromMem(unsigned char* data, ULONGLONG size, Bitmap
     // Not a PNG: no error, so that the caller tries its other route.
     if (!data || size < sizeof(kPngSignature) || memcmp(data, kPngSignature, sizeof(kPngSignature)) != 0)
         return nullptr;
-    if (size > static_cast<ULONGLONG>(SIZE_MAX)) {
-        m_eLastError = ZBU_PNG_FAILED;
-        return nullptr;
-    }
+    if (size > static_cast<ULONGLONG>(SIZE_MAX))
+        return SetError(ZBU_PNG_FAILED, nullptr);
     PngImage* image = new (std::nothrow) PngImage;
-    if (!image) {
-        m_eLastError = ZBU_PNG_FAILED;
-        return nullptr;
-    }
+    if (!image)
+        return SetError(ZBU_PNG_FAILED, nullptr);
     PngStatus status = PngStatus::LibraryFailed;
     try {
         status = DecodePngMemory(data, static_cast<size_t>(size), *image);
@@ -87,10 +81,8 @@ HBITMAP CNBitmapUtil::LoadPNG(int status, PngImage* image, BitmapType type, int 
     }
     // The store takes the picture's geometry before its depth is judged.
     CNBitmap* record = PrepareStore(type, image->width, image->height);
-    if (static_cast<PngStatus>(status) == PngStatus::TooShallow || image->bytesPerPixel < 1) {
-        m_eLastError = ZBU_BAD_FORMAT;
-        return nullptr;
-    }
+    if (static_cast<PngStatus>(status) == PngStatus::TooShallow || image->bytesPerPixel < 1)
+        return SetError(ZBU_BAD_FORMAT, nullptr);
     if (!record || !IsFrameIndex(index))
         return nullptr;
     const size_t expected = static_cast<size_t>(image->width) * static_cast<size_t>(image->height) * 3;
@@ -128,10 +120,8 @@ int CNBitmapUtil::EncodeSavePNG(char* pixels, CNBitmap* record, const wchar_t* f
     if (!encoded)
         return 0;
     f = _wfopen(file, L"rb");
-    if (!f) {
-        m_eLastError = ZBU_FILE_OPEN;
-        return 0;
-    }
+    if (!f)
+        return SetError(ZBU_FILE_OPEN, 0);
     long length = 0;
     if (fseek(f, 0, SEEK_END) == 0)
         length = ftell(f);
@@ -152,18 +142,14 @@ int CNBitmapUtil::EncodeSaveBMP(char* pixels, CNBitmap* record, const wchar_t* f
         fileHeader[10 + i] = static_cast<unsigned char>(pixelOffset >> (8 * i));
     }
     FILE* f = _wfopen(file, L"wb");
-    if (!f) {
-        m_eLastError = ZBU_WRITE_FAILED;
-        return 0;
-    }
+    if (!f)
+        return SetError(ZBU_WRITE_FAILED, 0);
     size_t written = fwrite(fileHeader, 1, sizeof(fileHeader), f);
     written += fwrite(&record->m_pInfo->bmiHeader, 1, sizeof(BITMAPINFOHEADER), f);
     written += fwrite(pixels, 1, size, f);
     fclose(f);
-    if (written != static_cast<size_t>(size) + 54) {
-        m_eLastError = ZBU_WRITE_FAILED;
-        return 0;
-    }
+    if (written != static_cast<size_t>(size) + 54)
+        return SetError(ZBU_WRITE_FAILED, 0);
     return static_cast<int>(written);
 }
 
@@ -176,10 +162,8 @@ int CNBitmapUtil::EncodeSaveJPEG(char*, CNBitmap*, const wchar_t*)
 
 int CNBitmapUtil::SetJPEGCompressionFactor(int factor)
 {
-    if (static_cast<unsigned>(factor) > 100) {
-        m_eLastError = ZBU_BAD_ARG1;
-        return -1;
-    }
+    if (static_cast<unsigned>(factor) > 100)
+        return SetError(ZBU_BAD_ARG1, -1);
     const int former = m_nJPEGFactor;
     m_nJPEGFactor = factor;
     return former;

@@ -82,18 +82,12 @@ int CNBitmapUtil::CreateBitmapFromData(int width, int height, char* data, CNBitm
 
 int CNBitmapUtil::CreateBitmapFromData(int width, int height, char* data, BitmapType type, int index)
 {
-    if (width < 1) {
-        m_eLastError = ZBU_BAD_ARG1;
-        return 0;
-    }
-    if (height < 1) {
-        m_eLastError = ZBU_BAD_ARG2;
-        return 0;
-    }
-    if (!data) {
-        m_eLastError = ZBU_BAD_ARG3;
-        return 0;
-    }
+    if (width < 1)
+        return SetError(ZBU_BAD_ARG1, 0);
+    if (height < 1)
+        return SetError(ZBU_BAD_ARG2, 0);
+    if (!data)
+        return SetError(ZBU_BAD_ARG3, 0);
     DeleteBitmap(type, index);
     return CreateBitmapFromData(width, height, data, GetBitmapObject(type), index);
 }
@@ -149,22 +143,16 @@ int CNBitmapUtil::Clone(BitmapType from, int fromIndex, BitmapType to, int toInd
 {
     m_eLastError = ZBU_OK;
     CNBitmap* source = GetBitmapObject(from);
-    if (!source || !source->m_pInfo || !FrameOf(source, fromIndex)) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
-    if (from == to && fromIndex == toIndex) {
-        m_eLastError = ZBU_OPERATION_FAILED;
-        return 0;
-    }
+    if (!source || !source->m_pInfo || !FrameOf(source, fromIndex))
+        return SetError(ZBU_NO_BITMAP, 0);
+    if (from == to && fromIndex == toIndex)
+        return SetError(ZBU_OPERATION_FAILED, 0);
     const int width = source->m_pInfo->bmiHeader.biWidth;
     const int height = HeightOf(source->m_pInfo);
     PrepareStore(to, width, height);
     char* pixels = GetBitmapDataNAAlloc(from, fromIndex);
-    if (!pixels) {
-        m_eLastError = ZBU_NO_STORE;
-        return 0;
-    }
+    if (!pixels)
+        return SetError(ZBU_NO_STORE, 0);
     const int made = CreateBitmapFromData(width, height, pixels, to, toIndex);
     free(pixels);
     if (made)
@@ -178,26 +166,18 @@ int CNBitmapUtil::Resize(BitmapType type, int index, int width, int height, int 
 {
     if (type < BT_IMAGE || type > BT_RESULT)
         return 0;
-    if (width < 1) {
-        m_eLastError = ZBU_BAD_ARG2;
-        return 0;
-    }
-    if (height < 1) {
-        m_eLastError = ZBU_BAD_ARG3;
-        return 0;
-    }
+    if (width < 1)
+        return SetError(ZBU_BAD_ARG2, 0);
+    if (height < 1)
+        return SetError(ZBU_BAD_ARG3, 0);
     CNBitmap* source = GetBitmapObject(type);
     HBITMAP sourceFrame = FrameOf(source, index);
-    if (!sourceFrame || !source->m_pInfo) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!sourceFrame || !source->m_pInfo)
+        return SetError(ZBU_NO_BITMAP, 0);
     int stride = 0;
     int size = 0;
-    if (!FrameGeometry(width, height, stride, size)) {
-        m_eLastError = ZBU_GDI_FAILED;
-        return 0;
-    }
+    if (!FrameGeometry(width, height, stride, size))
+        return SetError(ZBU_GDI_FAILED, 0);
     const BitmapType target = static_cast<BitmapType>(type + 4);
     CNBitmap* record = PrepareStore(target, width, height);
     if (!record)
@@ -206,18 +186,14 @@ int CNBitmapUtil::Resize(BitmapType type, int index, int width, int height, int 
     WindowDC screen(nullptr);
     MemoryDC from(CreateCompatibleDC(screen.Get()));
     MemoryDC to(CreateCompatibleDC(screen.Get()));
-    if (!from || !to) {
-        m_eLastError = ZBU_GDI_FAILED;
-        return 0;
-    }
+    if (!from || !to)
+        return SetError(ZBU_GDI_FAILED, 0);
     SelectGuard selectFrom(from.Get(), sourceFrame);
     if (!record->m_hBitmap[index]) {
         // A new frame takes the format of the source.
         HBITMAP made = CreateCompatibleBitmap(from.Get(), width, height);
-        if (!made) {
-            m_eLastError = ZBU_GDI_FAILED;
-            return 0;
-        }
+        if (!made)
+            return SetError(ZBU_GDI_FAILED, 0);
         record->m_hBitmap[index] = made;
         if (!record->m_pInfo)
             AdoptInfo(record, CreateBitmapInfoStruct(made));
@@ -241,14 +217,10 @@ int CNBitmapUtil::Resize(BitmapType type, int index, int width, int height, int 
 
 int CNBitmapUtil::ResizeRelative(BitmapType type, int index, int percentWidth, int percentHeight, int mode)
 {
-    if (percentWidth < 1) {
-        m_eLastError = ZBU_BAD_ARG2;
-        return 0;
-    }
-    if (percentHeight < 1) {
-        m_eLastError = ZBU_BAD_ARG3;
-        return 0;
-    }
+    if (percentWidth < 1)
+        return SetError(ZBU_BAD_ARG2, 0);
+    if (percentHeight < 1)
+        return SetError(ZBU_BAD_ARG3, 0);
     const float width = (static_cast<float>(percentWidth) / 100.0f) * static_cast<float>(GetBitmapWidth(type));
     const float height = (static_cast<float>(percentHeight) / 100.0f) * static_cast<float>(GetBitmapHeight(type));
     // Out-of-range products become an invalid size, which Resize refuses.
@@ -266,10 +238,8 @@ int CNBitmapUtil::ResizeDither(BitmapType type, int index, int srcX, int srcY, i
     CNBitmap* source = GetBitmapObject(type);
     if (!GetBitmapObject(target) || !FrameOf(source, 0))
         return 0;
-    if (!source->m_pInfo || source->m_nSize < 1) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!source->m_pInfo || source->m_nSize < 1)
+        return SetError(ZBU_NO_BITMAP, 0);
 
     // The source frame, padded top-down, with ten spare bytes.
     const size_t sourceBytes = static_cast<size_t>(source->m_nSize) + 10;
@@ -469,21 +439,15 @@ int CNBitmapUtil::AlphaBlendBitmaps(int mode, int set, int index)
 
 int CNBitmapUtil::AlphaBlendBitmapsBGPos(int mode, int x, int y, int set, int index)
 {
-    if (x < 0) {
-        m_eLastError = ZBU_BAD_ARG2;
-        return -1;
-    }
-    if (y < 0) {
-        m_eLastError = ZBU_BAD_ARG3;
-        return -1;
-    }
+    if (x < 0)
+        return SetError(ZBU_BAD_ARG2, -1);
+    if (y < 0)
+        return SetError(ZBU_BAD_ARG3, -1);
     const int base = SetOf(set);
     CNBitmap* image = m_pStore[base];
     CNBitmap* background = m_pStore[base + 2];
-    if (!image || !image->m_pInfo || !background || !background->m_pInfo) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return -1;
-    }
+    if (!image || !image->m_pInfo || !background || !background->m_pInfo)
+        return SetError(ZBU_NO_BITMAP, -1);
     if (image->m_nStride > background->m_nStride || image->m_nSize > background->m_nSize)
         return AlphaBlendBitmaps(mode, set, index);
 
@@ -523,38 +487,28 @@ int CNBitmapUtil::AlphaBlendBitmapsBGPos(int mode, int x, int y, int set, int in
 
 int CNBitmapUtil::CreateTiledBitmap(int width, int height, BitmapType type, int index)
 {
-    if (width < 1) {
-        m_eLastError = ZBU_BAD_ARG1;
-        return 0;
-    }
-    if (height < 1) {
-        m_eLastError = ZBU_BAD_ARG2;
-        return 0;
-    }
+    if (width < 1)
+        return SetError(ZBU_BAD_ARG1, 0);
+    if (height < 1)
+        return SetError(ZBU_BAD_ARG2, 0);
     CNBitmap* source = GetBitmapObject(type);
     HBITMAP tile = FrameOf(source, index);
-    if (!tile || !source->m_pInfo) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!tile || !source->m_pInfo)
+        return SetError(ZBU_NO_BITMAP, 0);
     const int tileWidth = source->m_pInfo->bmiHeader.biWidth;
     const int tileHeight = HeightOf(source->m_pInfo);
     DeleteBitmap(BT_RESULT, index);
     CNBitmap* record = PrepareStore(BT_RESULT, width, height);
     int stride = 0;
     int size = 0;
-    if (!record || tileWidth < 1 || tileHeight < 1 || !FrameGeometry(width, height, stride, size)) {
-        m_eLastError = ZBU_GDI_FAILED;
-        return 0;
-    }
+    if (!record || tileWidth < 1 || tileHeight < 1 || !FrameGeometry(width, height, stride, size))
+        return SetError(ZBU_GDI_FAILED, 0);
     WindowDC screen(nullptr);
     BitmapHandle made(CreateCompatibleBitmap(screen.Get(), width, height));
     MemoryDC from(CreateCompatibleDC(screen.Get()));
     MemoryDC to(CreateCompatibleDC(screen.Get()));
-    if (!made || !from || !to) {
-        m_eLastError = ZBU_GDI_FAILED;
-        return 0;
-    }
+    if (!made || !from || !to)
+        return SetError(ZBU_GDI_FAILED, 0);
     bool copied = false;
     {
         SelectGuard selectFrom(from.Get(), tile);
@@ -571,10 +525,8 @@ int CNBitmapUtil::CreateTiledBitmap(int width, int height, BitmapType type, int 
                        SRCCOPY);
         }
     }
-    if (!copied) {
-        m_eLastError = ZBU_GDI_FAILED;
-        return 0;
-    }
+    if (!copied)
+        return SetError(ZBU_GDI_FAILED, 0);
     record->m_hBitmap[index] = made.Release();
     if (!record->m_pInfo)
         AdoptInfo(record, CreateBitmapInfoStruct(record->m_hBitmap[index]));
@@ -585,16 +537,12 @@ int CNBitmapUtil::CreateColorBackground(unsigned long color, int set, int index)
 {
     const int base = SetOf(set);
     CNBitmap* image = m_pStore[base];
-    if (!FrameOf(image, index) || !image->m_pInfo) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!FrameOf(image, index) || !image->m_pInfo)
+        return SetError(ZBU_NO_BITMAP, 0);
     const int width = image->m_pInfo->bmiHeader.biWidth;
     const int height = HeightOf(image->m_pInfo);
-    if (width < 1 || height < 1) {
-        m_eLastError = ZBU_OPERATION_FAILED;
-        return 0;
-    }
+    if (width < 1 || height < 1)
+        return SetError(ZBU_OPERATION_FAILED, 0);
     CNBitmap* background = m_pStore[base + 2];
     if (!background)
         return 0;
@@ -714,14 +662,10 @@ int CNBitmapUtil::MirrorSection(BitmapType type, int index, int x, int y, int wi
 
 HBITMAP CNBitmapUtil::GetBackgroundStatic(HWND window, int x, int y, int width, int height, int set, int index)
 {
-    if (width < 1) {
-        m_eLastError = ZBU_BAD_ARG4;
-        return nullptr;
-    }
-    if (height < 1) {
-        m_eLastError = ZBU_BAD_ARG5;
-        return nullptr;
-    }
+    if (width < 1)
+        return SetError(ZBU_BAD_ARG4, nullptr);
+    if (height < 1)
+        return SetError(ZBU_BAD_ARG5, nullptr);
     const BitmapType target = static_cast<BitmapType>(SetOf(set) + 2);
     if (!IsFrameIndex(index))
         return nullptr;
@@ -803,10 +747,8 @@ int CNBitmapUtil::SetBitmapStaticAlpha(HWND window, int x, int y, int width, int
         return 0;
     SelectGuard select(dc.Get(), frame);
     BLENDFUNCTION blend = {AC_SRC_OVER, 0, static_cast<BYTE>(alpha & 0xFF), 0};
-    if (!AlphaBlend(windowDC.Get(), x, y, width, height, dc.Get(), srcX, srcY, width, height, blend)) {
-        m_eLastError = ZBU_OPERATION_FAILED;
-        return 0;
-    }
+    if (!AlphaBlend(windowDC.Get(), x, y, width, height, dc.Get(), srcX, srcY, width, height, blend))
+        return SetError(ZBU_OPERATION_FAILED, 0);
     return 1;
 }
 

@@ -334,24 +334,18 @@ BITMAPINFO* CNBitmapUtil::GetBitmapInfo(BitmapType type)
 int CNBitmapUtil::GetBitmapWidth(BitmapType type)
 {
     CNBitmap* record = GetBitmapObject(type);
-    if (!record || !record->m_pInfo) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!record || !record->m_pInfo)
+        return SetError(ZBU_NO_BITMAP, 0);
     return record->m_pInfo->bmiHeader.biWidth;
 }
 
 int CNBitmapUtil::GetBitmapHeight(BitmapType type)
 {
     CNBitmap* record = GetBitmapObject(type);
-    if (!record) {
-        m_eLastError = ZBU_NO_STORE;
-        return 0;
-    }
-    if (!record->m_pInfo) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!record)
+        return SetError(ZBU_NO_STORE, 0);
+    if (!record->m_pInfo)
+        return SetError(ZBU_NO_BITMAP, 0);
     const LONG height = record->m_pInfo->bmiHeader.biHeight;
     return height < 0 ? -height : height;
 }
@@ -359,14 +353,10 @@ int CNBitmapUtil::GetBitmapHeight(BitmapType type)
 int CNBitmapUtil::GetBitmapSize(BitmapType type)
 {
     CNBitmap* record = GetBitmapObject(type);
-    if (!record) {
-        m_eLastError = ZBU_NO_STORE;
-        return 0;
-    }
-    if (!record->m_pInfo) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!record)
+        return SetError(ZBU_NO_STORE, 0);
+    if (!record->m_pInfo)
+        return SetError(ZBU_NO_BITMAP, 0);
     return record->m_nSize;
 }
 
@@ -405,20 +395,16 @@ int CNBitmapUtil::GetFirstBitmapIndex(BitmapType type)
 int CNBitmapUtil::GetFrameDelay(BitmapType type, int index)
 {
     CNBitmap* record = GetBitmapObject(type);
-    if (!record) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!record)
+        return SetError(ZBU_NO_BITMAP, 0);
     return IsFrameIndex(index) ? record->m_nDelay[index] : 0;
 }
 
 int CNBitmapUtil::SetFrameDelay(BitmapType type, int index, int delay)
 {
     CNBitmap* record = GetBitmapObject(type);
-    if (!record) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!record)
+        return SetError(ZBU_NO_BITMAP, 0);
     if (!IsFrameIndex(index))
         return 0;
     const int former = record->m_nDelay[index];
@@ -458,10 +444,8 @@ void CNBitmapUtil::Clear()
 
 HBITMAP CNBitmapUtil::SetBitmap(HWND control, BitmapType type, int index)
 {
-    if (!control) {
-        m_eLastError = ZBU_BAD_ARG1;
-        return nullptr;
-    }
+    if (!control)
+        return SetError(ZBU_BAD_ARG1, nullptr);
     HBITMAP frame = GetBitmapHandle(type, index);
     if (frame)
         SendMessageW(control, STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(frame));
@@ -488,19 +472,13 @@ void CNBitmapUtil::OutputDebugMsg(const wchar_t*) {}
 
 CNBitmapUtil::CNBitmap* CNBitmapUtil::TransferRecord(BitmapType type, const char* buffer)
 {
-    if (!buffer) {
-        m_eLastError = ZBU_BAD_ARG2;
-        return nullptr;
-    }
+    if (!buffer)
+        return SetError(ZBU_BAD_ARG2, nullptr);
     CNBitmap* record = GetBitmapObject(type);
-    if (!record) {
-        m_eLastError = ZBU_NO_STORE;
-        return nullptr;
-    }
-    if (!record->m_pInfo || record->m_nSize < 1) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return nullptr;
-    }
+    if (!record)
+        return SetError(ZBU_NO_STORE, nullptr);
+    if (!record->m_pInfo || record->m_nSize < 1)
+        return SetError(ZBU_NO_BITMAP, nullptr);
     return record;
 }
 
@@ -597,10 +575,8 @@ char* CNBitmapUtil::GetBitmapDataNAAlloc(BitmapType type, int index)
 
 HBITMAP CNBitmapUtil::NLoadBitmap(const wchar_t* file, BitmapType type, int index)
 {
-    if (!file) {
-        m_eLastError = ZBU_BAD_ARG1;
-        return nullptr;
-    }
+    if (!file)
+        return SetError(ZBU_BAD_ARG1, nullptr);
     if (!IsFrameIndex(index))
         return nullptr;
     DeleteBitmap(type, index);
@@ -611,14 +587,10 @@ HBITMAP CNBitmapUtil::NLoadBitmap(const wchar_t* file, BitmapType type, int inde
 
 HBITMAP CNBitmapUtil::NLoadBitmap(HINSTANCE module, int id, BitmapType type, int index)
 {
-    if (!module) {
-        m_eLastError = ZBU_BAD_ARG1;
-        return nullptr;
-    }
-    if (id == 0) {
-        m_eLastError = ZBU_BAD_ARG2;
-        return nullptr;
-    }
+    if (!module)
+        return SetError(ZBU_BAD_ARG1, nullptr);
+    if (id == 0)
+        return SetError(ZBU_BAD_ARG2, nullptr);
     if (!IsFrameIndex(index))
         return nullptr;
     DeleteBitmap(type, index);
@@ -783,18 +755,12 @@ BOOL CALLBACK CNBitmapUtil::ResTypeEnumFunc(HMODULE module, LPWSTR type, LONG_PT
 HBITMAP CNBitmapUtil::LoadBitmapFromRes(HINSTANCE module, int id, BitmapType type, int index)
 {
     CNBitmap* record = GetBitmapObject(type);
-    if (!record) {
-        m_eLastError = ZBU_BAD_ARG1;
-        return nullptr;
-    }
-    if (!module) {
-        m_eLastError = ZBU_BAD_ARG2;
-        return nullptr;
-    }
-    if (id == 0) {
-        m_eLastError = ZBU_BAD_ARG3;
-        return nullptr;
-    }
+    if (!record)
+        return SetError(ZBU_BAD_ARG1, nullptr);
+    if (!module)
+        return SetError(ZBU_BAD_ARG2, nullptr);
+    if (id == 0)
+        return SetError(ZBU_BAD_ARG3, nullptr);
     if (!IsFrameIndex(index))
         return nullptr;
     DeleteAlphaBlendBuffers();
@@ -814,17 +780,13 @@ HBITMAP CNBitmapUtil::LoadBitmapFromRes(HINSTANCE module, int id, BitmapType typ
     HRSRC found = nullptr;
     s_nEnumResourceId = id;
     EnumResourceTypesW(module, ResTypeEnumFunc, reinterpret_cast<LONG_PTR>(&found));
-    if (!found) {
-        m_eLastError = ZBU_RESOURCE_NOT_FOUND;
-        return nullptr;
-    }
+    if (!found)
+        return SetError(ZBU_RESOURCE_NOT_FOUND, nullptr);
     HGLOBAL handle = LoadResource(module, found);
     void* bytes = handle ? LockResource(handle) : nullptr;
     const DWORD size = SizeofResource(module, found);
-    if (!bytes || size < 1) {
-        m_eLastError = ZBU_RESOURCE_EMPTY;
-        return nullptr;
-    }
+    if (!bytes || size < 1)
+        return SetError(ZBU_RESOURCE_EMPTY, nullptr);
     HBITMAP frame = LoadPNGFromMem(static_cast<unsigned char*>(bytes), size, type, index);
     if (frame)
         return frame;
@@ -832,23 +794,17 @@ HBITMAP CNBitmapUtil::LoadBitmapFromRes(HINSTANCE module, int id, BitmapType typ
     // Not a PNG: through a temporary file, whose extension sends it to the WBMP and OTA decoders.
     wchar_t folder[MAX_PATH] = {};
     const DWORD length = GetTempPathW(MAX_PATH, folder);
-    if (length == 0 || length >= MAX_PATH) {
-        m_eLastError = ZBU_TEMP_PATH;
-        return nullptr;
-    }
+    if (length == 0 || length >= MAX_PATH)
+        return SetError(ZBU_TEMP_PATH, nullptr);
     if (folder[length - 1] != L'\\') {
-        if (length + 1 >= MAX_PATH) {
-            m_eLastError = ZBU_TEMP_PATH;
-            return nullptr;
-        }
+        if (length + 1 >= MAX_PATH)
+            return SetError(ZBU_TEMP_PATH, nullptr);
         folder[length] = L'\\';
         folder[length + 1] = 0;
     }
     wchar_t name[MAX_PATH] = {};
-    if (GetTempFileNameW(folder, L"ZBU", 0, name) == 0) {
-        m_eLastError = ZBU_TEMP_FILE;
-        return nullptr;
-    }
+    if (GetTempFileNameW(folder, L"ZBU", 0, name) == 0)
+        return SetError(ZBU_TEMP_FILE, nullptr);
     FILE* f = _wfopen(name, L"wb");
     if (!f) {
         m_eLastError = ZBU_TEMP_FILE;
@@ -898,16 +854,12 @@ int CNBitmapUtil::IsFileValid(const wchar_t* file)
 int CNBitmapUtil::SaveBitmap(const wchar_t* file, BitmapFormat format, BitmapType type, int index)
 {
     m_eLastError = ZBU_OK;
-    if (!file) {
-        m_eLastError = ZBU_BAD_ARG1;
-        return 0;
-    }
+    if (!file)
+        return SetError(ZBU_BAD_ARG1, 0);
     CNBitmap* record = GetBitmapObject(type);
     HBITMAP frame = FrameOf(record, index);
-    if (!frame || !record->m_pInfo || record->m_nSize < 1) {
-        m_eLastError = ZBU_NO_BITMAP;
-        return 0;
-    }
+    if (!frame || !record->m_pInfo || record->m_nSize < 1)
+        return SetError(ZBU_NO_BITMAP, 0);
     auto* pixels = static_cast<char*>(calloc(1, static_cast<size_t>(record->m_nSize)));
     if (!pixels)
         return 0;
