@@ -149,13 +149,11 @@ bool HasPngSignature(const uint8_t* bytes, size_t size)
     return bytes && size >= 8 && png_sig_cmp(const_cast<png_bytep>(bytes), 0, 8) == 0;
 }
 
-}  // namespace
-
-PngStatus DecodePngMemory(const uint8_t* data, size_t size, PngImage& image)
+// Creates the library's structures, lets `install` set up the input, reads, and destroys them again.
+// `plausible` is false when the header asks for more than the input could hold: nothing is read then.
+template <class Install>
+PngStatus Decode(bool plausible, Install install, PngImage& image)
 {
-    image = PngImage();
-    if (!HasPngSignature(data, size))
-        return PngStatus::NotPng;
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     if (!png)
         return PngStatus::NoReadStruct;
@@ -165,15 +163,27 @@ PngStatus DecodePngMemory(const uint8_t* data, size_t size, PngImage& image)
         return PngStatus::LibraryFailed;
     }
     PngStatus status = PngStatus::LibraryFailed;
-    if (!HeaderAsksTooMuch(data, size, size)) {
-        MemoryReader reader{data, size, 8};
-        png_set_read_fn(png, &reader, ReadFromMemory);
+    if (plausible) {
+        install(png);
         status = ReadPng(png, info, image);
     }
     png_destroy_read_struct(&png, &info, nullptr);
     if (status != PngStatus::Ok && status != PngStatus::TooShallow)
         image = PngImage();
     return status;
+}
+
+}  // namespace
+
+PngStatus DecodePngMemory(const uint8_t* data, size_t size, PngImage& image)
+{
+    image = PngImage();
+    if (!HasPngSignature(data, size))
+        return PngStatus::NotPng;
+    MemoryReader reader{data, size, 8};
+    return Decode(
+        !HeaderAsksTooMuch(data, size, size),
+        [&reader](png_structp png) { png_set_read_fn(png, &reader, ReadFromMemory); }, image);
 }
 
 PngStatus DecodePngFile(std::FILE* file, PngImage& image)
@@ -194,24 +204,8 @@ PngStatus DecodePngFile(std::FILE* file, PngImage& image)
     }
     if (std::fseek(file, 8, SEEK_SET) != 0)
         return PngStatus::LibraryFailed;
-
-    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    if (!png)
-        return PngStatus::NoReadStruct;
-    png_infop info = png_create_info_struct(png);
-    if (!info) {
-        png_destroy_read_struct(&png, nullptr, nullptr);
-        return PngStatus::LibraryFailed;
-    }
-    PngStatus status = PngStatus::LibraryFailed;
-    if (total == 0 || !HeaderAsksTooMuch(head, got, total)) {
-        png_init_io(png, file);
-        status = ReadPng(png, info, image);
-    }
-    png_destroy_read_struct(&png, &info, nullptr);
-    if (status != PngStatus::Ok && status != PngStatus::TooShallow)
-        image = PngImage();
-    return status;
+    return Decode(
+        total == 0 || !HeaderAsksTooMuch(head, got, total), [file](png_structp png) { png_init_io(png, file); }, image);
 }
 
 namespace {
