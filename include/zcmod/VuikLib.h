@@ -34,8 +34,37 @@ public:
     // Right-to-left exactly when the layout flag equals 1 (LAYOUT_RTL).
     static int IsLayoutRTL();
 
+    // ---- Bitmap primitives. Stateless; every bitmap, region or icon they return belongs to the caller. ----
+
+    // The image over the background through the mask, byte by byte: a mask byte of 0 shows the image, 255 the
+    // background, with the divide by 256 of BlenderFunc. All three are read at the image's size.
+    static HBITMAP BlendBitmap(HBITMAP mask, HBITMAP under, HBITMAP image);
+    // The same against the part of `under` that starts at `offset`; empty if the image would pass its edge.
+    static HBITMAP BlendBitmapOffset(HBITMAP mask, HBITMAP under, HBITMAP image, POINT offset);
+    // The same over a solid colour (COLORREF).
+    static HBITMAP BlendBitmapColor(HBITMAP mask, HBITMAP image, DWORD colour);
+    // Tiles `bitmap` over `size`. The tile's height is compared with the target's width (see the .cpp).
+    static HBITMAP TileBitmap(HBITMAP bitmap, const SIZE& size);
+    static HBITMAP CreateColorBitmap(DWORD colour, SIZE size);
+    // A region of every pixel that does not match `colour` within `tolerance`; both are given in the byte
+    // order of a 32-bit pixel in memory (blue in the low byte), not as a COLORREF.
+    static HRGN BitmapToRegion(HBITMAP bitmap, DWORD colour, DWORD tolerance);
+    // 1 when the pixel matches: all 32 bits for a zero tolerance, else each of the three low bytes within its
+    // limit, a negative difference counting one less.
+    static int TestColorMatch(DWORD pixel, DWORD colour, DWORD tolerance);
+    static HBITMAP CreateMirroredBitmap(HBITMAP bitmap);
+    // Flips the bitmap left to right in place; 1 on success.
+    static int MirrorBitmap(HBITMAP bitmap);
+    static HICON CreateMirroredIcon(HICON icon);
+    static HBITMAP IconToBitmap(HICON icon, UINT flags);
+
 protected:
     static void CheckOS();
+
+    // result[i] = (under[i] * mask[i] + (255 - mask[i]) * image[i]) >> 8 for every byte below `size`.
+    static void BlenderFunc(BYTE* mask, BYTE* under, BYTE* image, BYTE* result, DWORD size);
+    // A 24-bit header record for a bitmap, with the toolkit's palette-size rule; null on failure.
+    static BITMAPINFO* CreateBitmapInfoStruct(HBITMAP bitmap);
 
     static HINSTANCE m_hInst;
     static HINSTANCE m_hInstRes;
