@@ -1,10 +1,9 @@
-// The image toolkit's benchmark: what a user waits for, each as a ratio against a reference timed in the
-// same run on the same input.
+// Benchmarks of the image toolkit: what a user waits for, each against a reference timed in the same run on
+// the same input.
 //   PNG load            CNBitmapUtil::NLoadBitmap of a PNG file  vs  a bare libpng decode of the file
 //   animated GIF load   NLoadBitmap (every frame composed)       vs  IWICBitmapDecoder decoding every frame
 //   ResizeDither        megapixels written per second             vs  StretchBlt HALFTONE of the same sizes
 //   AlphaBlendBitmaps   megapixels blended per second (mode 0)    vs  memcpy of the same bytes
-// Usage: zcmod_bench [--gif FILE] [--seconds S]
 #include <wincodec.h>
 #include <windows.h>
 
@@ -18,50 +17,12 @@
 #include <string>
 #include <vector>
 
+#include "Bench.h"
 #include "zcmod/NBitmapUtil.h"
 
+using namespace bench;
+
 namespace {
-
-double g_seconds = 0.4;  // measuring time per case and side
-
-double Now()
-{
-    static LARGE_INTEGER frequency = [] {
-        LARGE_INTEGER f;
-        QueryPerformanceFrequency(&f);
-        return f;
-    }();
-    LARGE_INTEGER t;
-    QueryPerformanceCounter(&t);
-    return static_cast<double>(t.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
-
-// Seconds per call: one warm-up call, then batches until the time is used, keeping the fastest batch.
-double Time(const std::function<bool()>& body)
-{
-    if (!body())
-        return -1.0;
-    double best = 1e30;
-    const double end = Now() + g_seconds;
-    int batch = 1;
-    do {
-        const double start = Now();
-        for (int i = 0; i < batch; ++i)
-            body();
-        const double per = (Now() - start) / batch;
-        best = std::min(best, per);
-        if (per * batch < 0.02)
-            batch *= 2;
-    } while (Now() < end);
-    return best;
-}
-
-std::wstring TempFile(const wchar_t* name)
-{
-    wchar_t folder[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    return std::wstring(folder) + name;
-}
 
 // A picture with edges and smooth areas, so that codecs and filters have real work.
 bool MakePicture(CNBitmapUtil& util, BitmapType type, int width, int height)
@@ -136,132 +97,95 @@ int WicDecodeAll(IWICImagingFactory* factory, const std::wstring& path)
     return decoded;
 }
 
-struct Row {
-    std::string name;
-    std::string input;
-    std::string ours;
-    std::string reference;
-    std::string ratio;
-};
-
-std::string Format(const char* format, double value)
+void PngLoad(std::vector<Row>& rows)
 {
-    char text[64];
-    snprintf(text, sizeof(text), format, value);
-    return text;
+    // A 1024 x 768 RGB file of ours, decoded into a store and by libpng alone.
+    CNBitmapUtil util;
+    const std::wstring png = TempFile(L"zcmod_bench.png");
+    if (MakePicture(util, BT_IMAGE, 1024, 768) && util.SaveBitmap(png.c_str(), BF_PNG, BT_IMAGE, 0) > 0) {
+        const double ours = Time([&] { return util.NLoadBitmap(png.c_str(), BT_BACKGROUND, 0) != nullptr; });
+        const double reference = Time([&] { return LibpngDecode(png); });
+        AddTimes(rows, "PNG load", "1024x768 RGB8", ours, reference, "libpng");
+    }
+    DeleteFileW(png.c_str());
 }
 
-void Print(const std::vector<Row>& rows)
+void AnimatedGifLoad(std::vector<Row>& rows)
 {
-    printf("| case | input | zcmod | reference | ratio |\n|---|---|---|---|---|\n");
-    for (const Row& r : rows)
-        printf("| %s | %s | %s | %s | %s |\n", r.name.c_str(), r.input.c_str(), r.ours.c_str(), r.reference.c_str(),
-               r.ratio.c_str());
+    // Every frame composed into a store, against the imaging component decoding every frame (without
+    // composition).
+    const std::wstring& gif = Settings().gif;
+    if (gif.empty())
+        return;
+    Com<IWICImagingFactory> factory;
+    CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
+                     reinterpret_cast<void**>(&factory));
+    CNBitmapUtil util;
+    int frames = 0;
+    const double ours = Time([&] {
+        util.NLoadBitmap(gif.c_str(), BT_IMAGE, 0);
+        frames = util.GetNumberOfBitmaps(BT_IMAGE);
+        return frames > 1;
+    });
+    const double reference = factory.p ? Time([&] { return WicDecodeAll(factory.p, gif) > 1; }) : -1;
+    const std::string input = std::to_string(util.GetBitmapWidth(BT_IMAGE)) + "x" +
+                              std::to_string(util.GetBitmapHeight(BT_IMAGE)) + ", " + std::to_string(frames) +
+                              " frames";
+    AddTimes(rows, "animated GIF load", input, ours, reference, "WIC");
+}
+
+void ResizeDitherRate(std::vector<Row>& rows)
+{
+    // With noise, 1024 x 768 to 1280 x 960, against a HALFTONE StretchBlt of the same sizes.
+    CNBitmapUtil util;
+    if (!MakePicture(util, BT_IMAGE, 1024, 768))
+        return;
+    const int w = 1280, h = 960;
+    const double ours = Time([&] {
+        util.ResizeDither(BT_IMAGE, 0, 0, 0, 1023, 767, w, h, 4, 200);
+        return util.GetBitmapHandle(BT_IMAGE_RESIZED, 0) != nullptr;
+    });
+    HDC screen = GetDC(nullptr);
+    HDC from = CreateCompatibleDC(screen);
+    HDC to = CreateCompatibleDC(screen);
+    HBITMAP target = CreateCompatibleBitmap(screen, w, h);
+    HGDIOBJ oldFrom = SelectObject(from, util.GetBitmapHandle(BT_IMAGE, 0));
+    HGDIOBJ oldTo = SelectObject(to, target);
+    SetStretchBltMode(to, HALFTONE);
+    SetBrushOrgEx(to, 0, 0, nullptr);
+    const double reference = Time([&] { return StretchBlt(to, 0, 0, w, h, from, 0, 0, 1023, 767, SRCCOPY) != 0; });
+    SelectObject(from, oldFrom);
+    SelectObject(to, oldTo);
+    DeleteObject(target);
+    DeleteDC(from);
+    DeleteDC(to);
+    ReleaseDC(nullptr, screen);
+    AddRates(rows, "ResizeDither (noise on)", "1024x768 to 1280x960", ours, reference, w * double(h) / 1e6, "MP/s",
+             "StretchBlt HALFTONE");
+}
+
+void AlphaBlendRate(std::vector<Row>& rows)
+{
+    // Mode 0 on one frame with the kept buffers, against memcpy of the same bytes.
+    CNBitmapUtil util;
+    const int w = 640, h = 480;
+    if (!MakePicture(util, BT_IMAGE, w, h) || !MakePicture(util, BT_ALPHA, w, h) ||
+        !MakePicture(util, BT_BACKGROUND, w, h))
+        return;
+    const double ours = Time([&] { return util.AlphaBlendBitmaps(0, 0, 0) == h; });
+    util.AlphaBlendBitmaps(1, 0, 0);
+    const size_t bytes = static_cast<size_t>(util.GetBitmapSize(BT_IMAGE));
+    std::vector<unsigned char> a(bytes, 1), b(bytes);
+    const double reference = Time([&] {
+        memcpy(b.data(), a.data(), bytes);
+        return b[bytes / 2] == 1;
+    });
+    AddRates(rows, "AlphaBlendBitmaps (mode 0)", "640x480", ours, reference, w * double(h) / 1e6, "MP/s", "memcpy");
 }
 
 }  // namespace
 
-int wmain(int argc, wchar_t** argv)
-{
-    std::wstring gif;
-    for (int i = 1; i < argc; ++i) {
-        if (wcscmp(argv[i], L"--gif") == 0 && i + 1 < argc)
-            gif = argv[++i];
-        else if (wcscmp(argv[i], L"--seconds") == 0 && i + 1 < argc)
-            g_seconds = _wtof(argv[++i]);
-    }
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    std::vector<Row> rows;
-
-    // PNG load: a 1024 x 768 RGB file of ours, decoded into a store and by libpng alone.
-    {
-        CNBitmapUtil util;
-        const std::wstring png = TempFile(L"zcmod_bench.png");
-        if (MakePicture(util, BT_IMAGE, 1024, 768) && util.SaveBitmap(png.c_str(), BF_PNG, BT_IMAGE, 0) > 0) {
-            const double ours = Time([&] { return util.NLoadBitmap(png.c_str(), BT_BACKGROUND, 0) != nullptr; });
-            const double reference = Time([&] { return LibpngDecode(png); });
-            rows.push_back({"PNG load", "1024x768 RGB8", Format("%.2f ms", ours * 1e3),
-                            Format("%.2f ms libpng", reference * 1e3), Format("%.2f", ours / reference)});
-        }
-        DeleteFileW(png.c_str());
-    }
-
-    // Animated GIF load: every frame composed into a store, against the imaging component decoding every
-    // frame (without composition).
-    if (!gif.empty()) {
-        Com<IWICImagingFactory> factory;
-        CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                         reinterpret_cast<void**>(&factory));
-        CNBitmapUtil util;
-        int frames = 0;
-        const double ours = Time([&] {
-            util.NLoadBitmap(gif.c_str(), BT_IMAGE, 0);
-            frames = util.GetNumberOfBitmaps(BT_IMAGE);
-            return frames > 1;
-        });
-        int wicFrames = 0;
-        const double reference = factory.p ? Time([&] { return (wicFrames = WicDecodeAll(factory.p, gif)) > 1; }) : -1;
-        std::string input = std::to_string(util.GetBitmapWidth(BT_IMAGE)) + "x" +
-                            std::to_string(util.GetBitmapHeight(BT_IMAGE)) + ", " + std::to_string(frames) + " frames";
-        if (ours > 0 && reference > 0)
-            rows.push_back({"animated GIF load", input, Format("%.2f ms", ours * 1e3),
-                            Format("%.2f ms WIC", reference * 1e3), Format("%.2f", ours / reference)});
-        else
-            rows.push_back({"animated GIF load", input, "failed", "failed", "-"});
-    }
-
-    // ResizeDither with noise, 1024 x 768 to 1280 x 960, against a HALFTONE StretchBlt of the same sizes.
-    {
-        CNBitmapUtil util;
-        if (MakePicture(util, BT_IMAGE, 1024, 768)) {
-            const int w = 1280, h = 960;
-            const double ours = Time([&] {
-                util.ResizeDither(BT_IMAGE, 0, 0, 0, 1023, 767, w, h, 4, 200);
-                return util.GetBitmapHandle(BT_IMAGE_RESIZED, 0) != nullptr;
-            });
-            HDC screen = GetDC(nullptr);
-            HDC from = CreateCompatibleDC(screen);
-            HDC to = CreateCompatibleDC(screen);
-            HBITMAP target = CreateCompatibleBitmap(screen, w, h);
-            HGDIOBJ oldFrom = SelectObject(from, util.GetBitmapHandle(BT_IMAGE, 0));
-            HGDIOBJ oldTo = SelectObject(to, target);
-            SetStretchBltMode(to, HALFTONE);
-            SetBrushOrgEx(to, 0, 0, nullptr);
-            const double reference = Time([&] { return StretchBlt(to, 0, 0, w, h, from, 0, 0, 1023, 767, SRCCOPY); });
-            SelectObject(from, oldFrom);
-            SelectObject(to, oldTo);
-            DeleteObject(target);
-            DeleteDC(from);
-            DeleteDC(to);
-            ReleaseDC(nullptr, screen);
-            const double mp = w * static_cast<double>(h) / 1e6;
-            rows.push_back({"ResizeDither (noise on)", "1024x768 to 1280x960", Format("%.1f MP/s", mp / ours),
-                            Format("%.1f MP/s StretchBlt HALFTONE", mp / reference), Format("%.2f", ours / reference)});
-        }
-    }
-
-    // AlphaBlendBitmaps, mode 0 on one frame with the kept buffers, against memcpy of the same bytes.
-    {
-        CNBitmapUtil util;
-        const int w = 640, h = 480;
-        if (MakePicture(util, BT_IMAGE, w, h) && MakePicture(util, BT_ALPHA, w, h) &&
-            MakePicture(util, BT_BACKGROUND, w, h)) {
-            const double ours = Time([&] { return util.AlphaBlendBitmaps(0, 0, 0) == h; });
-            util.AlphaBlendBitmaps(1, 0, 0);
-            const size_t bytes = static_cast<size_t>(util.GetBitmapSize(BT_IMAGE));
-            std::vector<unsigned char> a(bytes, 1), b(bytes);
-            const double reference = Time([&] {
-                memcpy(b.data(), a.data(), bytes);
-                return b[bytes / 2] == 1;
-            });
-            const double mp = w * static_cast<double>(h) / 1e6;
-            rows.push_back({"AlphaBlendBitmaps (mode 0)", "640x480", Format("%.1f MP/s", mp / ours),
-                            Format("%.1f MP/s memcpy", mp / reference), Format("%.2f", ours / reference)});
-        }
-    }
-
-    Print(rows);
-    printf("\nratio = zcmod time / reference time (below 1: zcmod is faster)\n");
-    CoUninitialize();
-    return rows.empty() ? 1 : 0;
-}
+ZCMOD_BENCH_CASE("10-image-png", PngLoad);
+ZCMOD_BENCH_CASE("11-image-gif", AnimatedGifLoad);
+ZCMOD_BENCH_CASE("12-image-dither", ResizeDitherRate);
+ZCMOD_BENCH_CASE("13-image-blend", AlphaBlendRate);

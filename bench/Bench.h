@@ -1,0 +1,53 @@
+// The benchmark program's frame: timing, the result table, and the registration of cases. Each case file
+// registers its cases with ZCMOD_BENCH_CASE; the program runs them in order of their keys and prints one table
+// of ratios, each against a reference timed in the same run on the same input.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+struct Row {
+    std::string name;
+    std::string input;
+    std::string ours;
+    std::string reference;
+    std::string ratio;
+};
+
+struct Options {
+    double seconds = 0.4;     // measuring time per case and side
+    std::wstring gif;         // --gif: the animated GIF input
+    std::wstring only;        // --only: run the cases whose key contains this text
+};
+
+const Options& Settings();
+
+// Seconds per call: one warm-up call, then batches until the time is used, keeping the fastest batch.
+// A body that returns false on its warm-up call makes the case fail (-1).
+double Time(const std::function<bool()>& body);
+
+std::string Format(const char* format, double value);
+std::wstring TempFile(const wchar_t* name);
+
+// Adds a row with the two times and their ratio (ours / reference).
+void AddTimes(std::vector<Row>& rows, const std::string& name, const std::string& input, double ours,
+              double reference, const std::string& referenceName);
+// Adds a row of rates: `units` of work per call, shown as units per second under `unitName`.
+void AddRates(std::vector<Row>& rows, const std::string& name, const std::string& input, double ours,
+              double reference, double units, const std::string& unitName, const std::string& referenceName);
+
+using CaseFunction = void (*)(std::vector<Row>& rows);
+
+struct Registration {
+    Registration(const char* key, CaseFunction function);
+};
+
+}  // namespace bench
+
+// Registers `function` to run in the order of `key` (e.g. "10-image-png").
+#define ZCMOD_BENCH_CASE(key, function) static ::bench::Registration g_bench_registration_##function(key, function)
