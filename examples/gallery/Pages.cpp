@@ -5,5 +5,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     std::vector<std::unique_ptr<GalleryPage>> pages;
     pages.push_back(MakeFramePage());
     pages.push_back(MakePicturesPage());
+    pages.push_back(MakeSkinPage());
     return pages;
 }

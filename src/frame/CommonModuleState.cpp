@@ -3,6 +3,7 @@
 #include <new>
 
 #include "frame/Fonts.h"
+#include "frame/GdiPlus.h"
 #include "zcmod/NBitmapUtil.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/VuikLib.h"
@@ -51,4 +52,5 @@ void ZCMOD_Finalize()
 {
     CCommonModuleState::Get().Release();
     zcmod::RemoveSkinFonts();
+    zcmod::ShutdownGdiPlus();
 }

@@ -3,11 +3,21 @@
 // them touches a window, a file or a font: resource modules and fonts load on first use.
 //
 // Order:
+//   the bitmap map of CVuikResourceManager: skin pictures shared by reference count (pictures still in it at
+//   exit are dropped with it, not deleted);
+//   the tooltip's text colour, COLOR_BTNTEXT as it is when the library loads;
 //   the application module object of the window framework;
 //   CCommonModuleState: the image stores, the data root, the resource handler, the colour loader and the
 //   dialog map.
 #include "frame/AppModule.h"
 #include "zcmod/CommonModuleState.h"
+#include "zcmod/VuikResourceManager.h"
+#include "zcmod/VuikTooltip.h"
+
+std::map<CVuikResourceManager::Key, std::pair<CVuikBitmap*, int>, CVuikResourceManager::KeyLess>
+    CVuikResourceManager::m_mapBitmaps;
+
+COLORREF CVuikTooltip::m_crTextColor = GetSysColor(COLOR_BTNTEXT);
 
 namespace zcmod {
 

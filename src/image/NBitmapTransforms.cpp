@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "frame/BitmapRegion.h"
 #include "frame/Handles.h"
 #include "image/NBitmapInternal.h"
 #include "image/core/PixelMath.h"
@@ -568,68 +569,21 @@ int CNBitmapUtil::CreateColorBackground(unsigned long color, int set, int index)
 
 HRGN CNBitmapUtil::BitmapToRegion(BitmapType type, int index, unsigned long color, unsigned long tolerance)
 {
-    constexpr DWORD kMaxRects = 2000;
-    constexpr size_t kAreaBytes = sizeof(RGNDATAHEADER) + kMaxRects * sizeof(RECT);
-    auto* area = static_cast<RGNDATA*>(calloc(1, kAreaBytes));
-    if (!area)
-        return nullptr;
     const int width = GetBitmapWidth(type);
     const int height = GetBitmapHeight(type);
     char* pixels = width > 0 && height > 0 ? GetBitmapDataAlloc(type, index) : nullptr;
-    if (!pixels) {
-        free(area);
+    if (!pixels)
         return nullptr;
-    }
     CNBitmap* record = GetBitmapObject(type);
     s_source = DescribeStore(record, pixels, static_cast<size_t>(record->m_nSize));
-
-    RECT* rects = reinterpret_cast<RECT*>(area->Buffer);
-    DWORD count = 0;
-    RECT bound = {0, 0, 0, 0};
-    HRGN region = nullptr;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            // A run of pixels that do not match the colour becomes one rectangle.
-            int end = x;
-            while (end < width && !TestColorMatch(ReadPixel(s_source, end, y), color, tolerance))
-                ++end;
-            if (end > x) {
-                SetRect(&rects[count], x, y, end, y + 1);
-                ++count;
-                if (x < bound.left)
-                    bound.left = x;
-                if (y < bound.top)
-                    bound.top = y;
-                if (end - 1 > bound.right)
-                    bound.right = end - 1;
-                if (y > bound.bottom)
-                    bound.bottom = y;
-                x = end - 1;
-            }
-            const bool last = y == height - 1 && x == width - 1;
-            if ((last || count == kMaxRects) && count > 0) {
-                area->rdh.dwSize = sizeof(RGNDATAHEADER);
-                area->rdh.iType = RDH_RECTANGLES;
-                area->rdh.nCount = count;
-                area->rdh.nRgnSize = count * sizeof(RECT);
-                area->rdh.rcBound = bound;
-                HRGN part = ExtCreateRegion(nullptr, (count + 2) * sizeof(RECT), area);
-                if (part) {
-                    if (!region) {
-                        region = part;
-                    } else {
-                        CombineRgn(region, region, part, RGN_OR);
-                        DeleteObject(part);
-                    }
-                }
-                count = 0;
-                SetRect(&bound, 0, 0, 0, 0);
-            }
-        }
-    }
+    // The padded top-down pixels through the class-wide source description; a picture wholly of the colour
+    // gives no region at all.
+    HRGN region = RegionFromPixelRuns(
+        width, height,
+        [](const void* view, int x, int y) { return ReadPixel(*static_cast<const PixelView*>(view), x, y); }, &s_source,
+        static_cast<uint32_t>(color), static_cast<uint32_t>(tolerance), LastRecord::SkipIfEmpty);
     s_source = PixelView();
     free(pixels);
-    free(area);
     return region;
 }
 

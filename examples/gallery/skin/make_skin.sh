@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Makes the artwork of the gallery's skin page with ImageMagick: one picture per button state (a rounded
+# face with an accent stripe on its left, so that a mirrored button shows it on the right) and an arrow glyph
+# pointing right. All PNG with alpha, so that the masks come along.
+# Usage: make_skin.sh OUTPUT_DIR
+set -euo pipefail
+out=${1:?output folder}
+mkdir -p "$out"
+cd "$out"
+im=/usr/bin/convert   # ImageMagick itself, not a stand-in earlier on PATH
+
+face() {  # name fill accent
+  $im -size 120x34 xc:none -fill "$2" -stroke '#40506a' -draw 'roundrectangle 1,1 118,32 9,9' \
+      -stroke none -fill "$3" -draw 'rectangle 6,6 11,27' PNG32:"$1"
+}
+face skin_normal.png   '#e9eef6' '#7f93b2'
+face skin_hover.png    '#d7e6fb' '#2f7de1'
+face skin_pushed.png   '#9fb9df' '#1c4e8c'
+face skin_checked.png  '#c9e8c4' '#2e8b3a'
+face skin_disabled.png '#f2f2f2' '#c8c8c8'
+$im -size 16x16 xc:none -fill '#1c4e8c' -draw 'polygon 3,2 13,8 3,14' PNG32:skin_arrow.png

@@ -1,0 +1,338 @@
+// The back buffer: built only in a paint, published as "PROP_BACKBUFFER", found up the parents past one that
+// hasn't painted, forced out of a named background, mirrored whole in a right-to-left layout, and dropped by
+// WM_VUIK_INVALIDATE_BACKBUFFER without a repaint. Pixels are read from the screen or from the buffers.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "MessageSequence.h"
+#include "TestSkinIds.h"
+#include "TestSkins.h"
+
+using namespace msgseq;
+using namespace testskin;
+
+namespace {
+
+const DWORD kRed = 0xFF0000;
+const DWORD kBlue = 0x0000FF;
+const DWORD kGreen = 0x00FF00;
+const DWORD kYellow = 0xFFFF00;
+const DWORD kBlack = 0x000000;
+
+// Builds `panel`'s buffer outside a paint, on a context of its window, as a paint would.
+void Build(CTestPanel& panel)
+{
+    RECT client;
+    GetClientRect(panel.m_hWnd, &client);
+    HDC dc = GetDC(panel.m_hWnd);
+    CVuikGraphics graphics(dc);
+    panel.DeleteBackBuffer();
+    panel.CreateBackBuffer(client.right, client.bottom, &graphics);
+    ReleaseDC(panel.m_hWnd, dc);
+}
+
+TEST(BackBuffer, BuiltOnlyInAPaintAndKeptUntilDropped)
+{
+    LibraryState lib;
+    Recorder rec;
+    CTestPanelSkin skin;
+    CTestPanel panel;
+    panel.SetSkin(&skin);
+    HWND hwnd = panel.CreatePanel(nullptr, RECT{100, 100, 300, 200});
+    ASSERT_TRUE(hwnd);
+    rec.Watch(hwnd, "panel");
+    rec.Only({WM_PAINT});
+    EXPECT_FALSE(panel.GetBackBuffer());
+    EXPECT_FALSE(GetPropW(hwnd, L"PROP_BACKBUFFER"));
+
+    UpdateWindow(hwnd);
+    ASSERT_TRUE(panel.GetBackBuffer());
+    EXPECT_EQ(GetPropW(hwnd, L"PROP_BACKBUFFER"), panel.GetBackBuffer());
+    EXPECT_EQ(skin.m_nDraws, 1);
+    EXPECT_EQ(CaptureWindow(hwnd).At(10, 50), kRed);
+    EXPECT_EQ(CaptureWindow(hwnd).At(190, 50), kBlue);
+
+    // A later paint without a change is a copy.
+    InvalidateRect(hwnd, nullptr, TRUE);
+    UpdateWindow(hwnd);
+    EXPECT_EQ(skin.m_nDraws, 1);
+
+    // Dropped, not invalidated: the old picture stays until something repaints.
+    skin.SetSkinDef(PanelDef{RGB(0, 255, 0), RGB(0, 255, 0)});
+    rec.Clear();
+    EXPECT_EQ(SendMessageW(hwnd, WM_VUIK_INVALIDATE_BACKBUFFER, 0, 0), 0);
+    EXPECT_FALSE(panel.GetBackBuffer());
+    EXPECT_FALSE(GetPropW(hwnd, L"PROP_BACKBUFFER"));
+    RECT update;
+    EXPECT_FALSE(GetUpdateRect(hwnd, &update, FALSE));
+    Recorder::Pump(30);
+    EXPECT_EQ(rec.Count(WM_PAINT), 0);
+    EXPECT_EQ(CaptureWindow(hwnd).At(10, 50), kRed);
+    InvalidateRect(hwnd, nullptr, FALSE);
+    UpdateWindow(hwnd);
+    EXPECT_EQ(skin.m_nDraws, 2);
+    EXPECT_EQ(CaptureWindow(hwnd).At(10, 50), kGreen);
+
+    // Dropping twice, or with a leftover property, is harmless.
+    SetPropW(hwnd, L"PROP_BACKBUFFER", reinterpret_cast<HANDLE>(1));
+    panel.DeleteBackBuffer();
+    panel.DeleteBackBuffer();
+    EXPECT_FALSE(GetPropW(hwnd, L"PROP_BACKBUFFER"));
+    DestroyWindow(hwnd);
+}
+
+TEST(BackBuffer, SearchGoesPastAParentThatHasNotPainted)
+{
+    LibraryState lib;
+    CTestPanelSkin topSkin, middleSkin, clearSkin;
+    middleSkin.SetSkinDef(PanelDef{RGB(0, 255, 0), RGB(255, 255, 0)});
+    clearSkin.SetSkinDef(PanelDef{kNone, kNone});
+    CTestPanel top, middle, inner;
+    top.SetSkin(&topSkin);
+    middle.SetSkin(&middleSkin);
+    inner.SetSkin(&clearSkin);
+    ASSERT_TRUE(top.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
+    ASSERT_TRUE(middle.CreatePanel(top.m_hWnd, RECT{50, 20, 150, 80}));
+    ASSERT_TRUE(inner.CreatePanel(middle.m_hWnd, RECT{10, 10, 90, 50}));  // x 60..140 of the top panel
+    ValidateRect(middle.m_hWnd, nullptr);
+    ValidateRect(inner.m_hWnd, nullptr);
+    UpdateWindow(top.m_hWnd);
+    ASSERT_TRUE(top.GetBackBuffer());
+    ASSERT_FALSE(middle.GetBackBuffer());
+
+    Build(inner);
+    Capture pixels = ReadBitmap(inner.GetBackBuffer());
+    EXPECT_EQ(pixels.At(5, 5), kRed) << "the top panel's left half, through the mapped corner";
+    EXPECT_EQ(pixels.At(75, 35), kBlue);
+
+    // Once the middle panel has painted, it is the nearest.
+    InvalidateRect(middle.m_hWnd, nullptr, TRUE);
+    UpdateWindow(middle.m_hWnd);
+    Build(inner);
+    pixels = ReadBitmap(inner.GetBackBuffer());
+    EXPECT_EQ(pixels.At(5, 5), kGreen);
+    EXPECT_EQ(pixels.At(75, 35), kYellow);
+    DestroyWindow(top.m_hWnd);
+}
+
+TEST(BackBuffer, SetBackgroundForcesOnePaintOfThatWindowOnly)
+{
+    LibraryState lib;
+    Recorder rec;
+    CTestPanelSkin topSkin, clearSkin;
+    clearSkin.SetSkinDef(PanelDef{kNone, kNone});
+    CTestPanel top, child, grandchild;
+    top.SetSkin(&topSkin);
+    child.SetSkin(&clearSkin);
+    grandchild.SetSkin(&clearSkin);
+    ASSERT_TRUE(top.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
+    ASSERT_TRUE(child.CreatePanel(top.m_hWnd, RECT{10, 10, 90, 50}));
+    ValidateRect(top.m_hWnd, nullptr);
+    ValidateRect(child.m_hWnd, nullptr);
+    rec.Watch(top.m_hWnd, "top");
+    rec.Only({WM_PAINT});
+
+    child.SetBackground(top.m_hWnd);
+    Build(child);
+    EXPECT_EQ(rec.Count(WM_PAINT), 1);
+    EXPECT_EQ(topSkin.m_nDraws, 1);
+    EXPECT_EQ(ReadBitmap(child.GetBackBuffer()).At(5, 5), kRed);
+    Build(child);
+    EXPECT_EQ(rec.Count(WM_PAINT), 1) << "once painted, the named window's buffer is used as it is";
+
+    // Only the named window is looked at: a plain window without a buffer gives nothing, although the top
+    // panel above it has one.
+    HWND plain = rec.CreateParent("plain", RECT{100, 50, 190, 95}, top.m_hWnd);
+    ASSERT_TRUE(grandchild.CreatePanel(plain, RECT{0, 0, 40, 40}));
+    ValidateRect(grandchild.m_hWnd, nullptr);
+    grandchild.SetBackground(plain);
+    rec.Clear();
+    Build(grandchild);
+    EXPECT_EQ(rec.Count(WM_PAINT, 1), 1) << "the named window was made to paint";
+    const DWORD corner = ReadBitmap(grandchild.GetBackBuffer()).At(5, 5);
+    EXPECT_NE(corner, kBlue);
+    EXPECT_NE(corner, kRed);
+    DestroyWindow(top.m_hWnd);
+}
+
+TEST(BackBuffer, PartsCopyStretchAndNeverBuildForAnEmptyRectangle)
+{
+    LibraryState lib;
+    CTestPanelSkin skin;
+    CTestPanel panel;
+    panel.SetSkin(&skin);
+    ASSERT_TRUE(panel.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
+    ValidateRect(panel.m_hWnd, nullptr);
+    const RECT client = {0, 0, 200, 100};
+    HDC screen = GetDC(nullptr);
+    HDC memory = CreateCompatibleDC(screen);
+    HBITMAP target = CreateCompatibleBitmap(screen, 20, 20);
+    HGDIOBJ old = SelectObject(memory, target);
+    panel.DrawBackBufferPart(memory, client, RECT{0, 0, 0, 10}, RECT{0, 0, 10, 10});
+    panel.DrawBackBufferPart(memory, client, RECT{0, 0, 10, 10}, RECT{5, 5, 10, 5});
+    EXPECT_EQ(skin.m_nDraws, 0);
+    EXPECT_FALSE(panel.GetBackBuffer());
+    // 10 x 10 of the right half stretched to 20 x 20.
+    panel.DrawBackBufferPart(memory, client, RECT{150, 40, 160, 50}, RECT{0, 0, 20, 20});
+    EXPECT_EQ(skin.m_nDraws, 1);
+    SelectObject(memory, old);
+    EXPECT_EQ(ReadBitmap(target).At(15, 15), kBlue);
+    DeleteObject(target);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+
+    // A window of no size has no buffer, and its paint copies nothing.
+    CTestPanel empty;
+    empty.SetSkin(&skin);
+    ASSERT_TRUE(empty.CreatePanel(nullptr, RECT{0, 0, 0, 0}));
+    UpdateWindow(empty.m_hWnd);
+    HDC dc = GetDC(empty.m_hWnd);
+    empty.DrawBackBuffer(dc, RECT{0, 0, 0, 0}, RECT{0, 0, 0, 0});
+    ReleaseDC(empty.m_hWnd, dc);
+    EXPECT_FALSE(empty.GetBackBuffer());
+    DestroyWindow(empty.m_hWnd);
+    DestroyWindow(panel.m_hWnd);
+}
+
+TEST(BackBuffer, ButtonEraseAsksItsParentForTheBackground)
+{
+    LibraryState lib;
+    Recorder rec;
+    CTestPanelSkin skin;
+    CTestButtonSkin buttonSkin;
+    CTestPanel panel;
+    CTestButton button;
+    panel.SetSkin(&skin);
+    ASSERT_TRUE(panel.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
+    ASSERT_TRUE(button.Create(panel.m_hWnd, RECT{80, 30, 120, 70}, 1, WS_CHILD | WS_VISIBLE, 0));
+    button.SetSkin(&buttonSkin);
+    RedrawWindow(panel.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    rec.Watch(panel.m_hWnd, "panel");
+    rec.Watch(button.m_hWnd, "button");
+    rec.Only({WM_PAINT, WM_ERASEBKGND, WM_VUIK_REPAINT});
+    InvalidateRect(button.m_hWnd, nullptr, TRUE);
+    UpdateWindow(button.m_hWnd);
+    EXPECT_TRUE(rec.Matches({{1, WM_PAINT, sent},
+                             {1, WM_ERASEBKGND, sent},
+                             {0, WM_VUIK_REPAINT, sent | wparam, reinterpret_cast<WPARAM>(button.m_hWnd)}}));
+
+    // The piece of the parent's buffer under the child, on the child's context; nothing from a parent
+    // without a valid skin.
+    HDC screen = GetDC(nullptr);
+    HDC memory = CreateCompatibleDC(screen);
+    HBITMAP target = CreateCompatibleBitmap(screen, 40, 40);
+    HGDIOBJ old = SelectObject(memory, target);
+    PAINTSTRUCT paint = {};
+    paint.hdc = memory;
+    paint.rcPaint = RECT{0, 0, 40, 40};
+    SendMessageW(panel.m_hWnd, WM_VUIK_REPAINT, reinterpret_cast<WPARAM>(button.m_hWnd),
+                 reinterpret_cast<LPARAM>(&paint));
+    SelectObject(memory, old);
+    Capture piece = ReadBitmap(target);
+    EXPECT_EQ(piece.At(5, 5), kRed);
+    EXPECT_EQ(piece.At(35, 5), kBlue);
+    CTestPanelSkin invalid;
+    invalid.SetSkinDef(PanelDef{RGB(1, 2, 3), RGB(1, 2, 3)});
+    struct InvalidSkin : CTestPanelSkin {
+        void Validate() override { m_nStatus = StatusInvalid; }
+    } never;
+    panel.SetSkin(&never);
+    SelectObject(memory, target);
+    RECT all = {0, 0, 40, 40};
+    FillRect(memory, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    SendMessageW(panel.m_hWnd, WM_VUIK_REPAINT, reinterpret_cast<WPARAM>(button.m_hWnd),
+                 reinterpret_cast<LPARAM>(&paint));
+    SelectObject(memory, old);
+    EXPECT_EQ(ReadBitmap(target).At(5, 5), 0xFFFFFFu & 0xFFFFFF);
+    DeleteObject(target);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+    panel.SetSkin(&skin);
+    DestroyWindow(panel.m_hWnd);
+}
+
+// A skinned window with children on the screen, left to right and right to left. In a right-to-left layout
+// each buffer is mirrored whole after its background and its drawing: the panel's halves swap, and a child's
+// piece of background turns round together with its own mark.
+struct ScreenCase {
+    DWORD layout;
+    DWORD panelLeft, panelRight;                      // panel pixels at x 10 and x 190
+    DWORD childAt5, childAt15, childAt25, childAt35;  // the marked child (x 80..120, over the halves' border)
+    DWORD badgeBackground;                            // the badge child's corner (the panel's colour there)
+    DWORD placeholderBackground;
+};
+
+class SkinnedWindow : public ::testing::TestWithParam<ScreenCase> {};
+
+TEST_P(SkinnedWindow, ShowsBackgroundsMarksPicturesAndPlaceholders)
+{
+    const ScreenCase& c = GetParam();
+    LibraryState lib(c.layout);
+    CTestPanelSkin panelSkin;
+    CTestButtonSkin markSkin, badgeSkin, brokenSkin;
+    ButtonDef def = {};
+    for (StateDef& s : def.states)
+        s = StateDef{kNone, RGB(0, 255, 0), 0};
+    markSkin.SetSkinDef(def);
+    for (StateDef& s : def.states)
+        s = StateDef{kNone, kNone, IDB_TEST_BADGE};
+    badgeSkin.SetSkinDef(def);
+    def.states[StateNormal].pictureId = IDB_TEST_MISSING;
+    brokenSkin.SetSkinDef(def);
+    markSkin.Load();
+    badgeSkin.Load();
+    brokenSkin.Load();
+    ASSERT_TRUE(markSkin.IsValid());
+    ASSERT_TRUE(badgeSkin.IsValid()) << "the test program's own picture loads";
+    ASSERT_FALSE(brokenSkin.IsValid());
+
+    CTestPanel panel;
+    CTestButton mark, badge, broken;
+    panel.SetSkin(&panelSkin);
+    ASSERT_TRUE(panel.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
+    ASSERT_TRUE(mark.Create(panel.m_hWnd, RECT{80, 30, 120, 70}, 1, WS_CHILD | WS_VISIBLE, 0));
+    ASSERT_TRUE(badge.Create(panel.m_hWnd, RECT{20, 20, 60, 60}, 2, WS_CHILD | WS_VISIBLE, 0));
+    ASSERT_TRUE(broken.Create(panel.m_hWnd, RECT{140, 20, 180, 60}, 3, WS_CHILD | WS_VISIBLE, 0));
+    mark.SetSkin(&markSkin);
+    badge.SetSkin(&badgeSkin);
+    broken.SetSkin(&brokenSkin);
+    RedrawWindow(panel.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    Recorder::Pump(20);
+
+    const Capture p = CaptureWindow(panel.m_hWnd);
+    EXPECT_EQ(p.At(10, 90), c.panelLeft);
+    EXPECT_EQ(p.At(190, 90), c.panelRight);
+    const Capture m = CaptureWindow(mark.m_hWnd);
+    EXPECT_EQ(m.At(5, 20), c.childAt5);
+    EXPECT_EQ(m.At(15, 20), c.childAt15);
+    EXPECT_EQ(m.At(25, 20), c.childAt25);
+    EXPECT_EQ(m.At(35, 20), c.childAt35);
+    // The badge: an opaque yellow square in the middle, its transparent frame showing the background.
+    const Capture b = CaptureWindow(badge.m_hWnd);
+    // Blending through the mask divides by 256, so full colours may come out one step lower.
+    EXPECT_TRUE(Near(b.At(20, 20), 0xFFD700, 2)) << std::hex << b.At(20, 20);
+    EXPECT_TRUE(Near(b.At(13, 13), c.badgeBackground, 2)) << std::hex << b.At(13, 13);
+    EXPECT_EQ(b.At(2, 2), c.badgeBackground);
+    // The placeholder: a box with one diagonal over the parent's background.
+    const Capture x = CaptureWindow(broken.m_hWnd);
+    EXPECT_EQ(x.At(0, 20), kBlack);
+    EXPECT_EQ(x.At(20, 0), kBlack);
+    EXPECT_EQ(x.At(20, 20), kBlack);
+    EXPECT_EQ(x.At(7, 7), kBlack);
+    EXPECT_EQ(x.At(30, 10), c.placeholderBackground);
+    EXPECT_EQ(x.At(10, 30), c.placeholderBackground);
+    EXPECT_FALSE(broken.GetBackBuffer()) << "a control without a valid skin builds no buffer";
+    DestroyWindow(panel.m_hWnd);
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, SkinnedWindow,
+                         ::testing::Values(ScreenCase{0, kRed, kBlue, kGreen, kRed, kBlue, kBlue, kRed, kBlue},
+                                           ScreenCase{LAYOUT_RTL, kBlue, kRed, kRed, kRed, kBlue, kGreen, kBlue, kRed}),
+                         [](const ::testing::TestParamInfo<ScreenCase>& info) {
+                             return std::string(info.param.layout == LAYOUT_RTL ? "RightToLeft" : "LeftToRight");
+                         });
+
+}  // namespace

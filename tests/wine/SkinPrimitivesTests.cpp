@@ -1,0 +1,469 @@
+// The bitmap primitives of CVuikLib and the paint primitives: CVuikBitmap, CVuikGraphics and
+// CVuikResourceManager, checked by the pixels they make.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "ImageTestSupport.h"
+#include "TestSupport.h"
+#include "zcmod/VuikBitmap.h"
+#include "zcmod/VuikGraphics.h"
+#include "zcmod/VuikLib.h"
+#include "zcmod/VuikResourceManager.h"
+
+using namespace zcmod_test;
+
+namespace {
+
+// CVuikLib can't be instantiated: its protected parts are reached through a class derived from it.
+struct Lib : CVuikLib {
+    using CVuikLib::BlenderFunc;
+    using CVuikLib::m_ScaleX;
+    using CVuikLib::m_ScaleY;
+};
+
+constexpr UINT kColumns = 900;  // RGBA 10 x 10: red 20x + 5, green 20y + 5, blue 100; mask 25x
+constexpr UINT kOpaque = 901;   // RGB 3 x 2, no mask
+constexpr UINT kMissing = 949;
+
+uint32_t ColumnsPixel(int x, int y)
+{
+    return static_cast<uint32_t>((20 * x + 5) << 16 | (20 * y + 5) << 8 | 100);
+}
+uint32_t ColumnsMask(int x, int)
+{
+    return 0x010101u * static_cast<uint32_t>(25 * x);
+}
+
+using Colour = std::function<uint32_t(int x, int y)>;
+
+// A 32-bit top-down section of 0x00RRGGBB pixels.
+HBITMAP MakeSection(int w, int h, const Colour& colour, uint32_t** bits = nullptr)
+{
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, -h, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* memory = nullptr;
+    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &memory, nullptr, 0);
+    auto* pixels = static_cast<uint32_t*>(memory);
+    for (int i = 0; bitmap && i < w * h; ++i)
+        pixels[i] = colour(i % w, i / w);
+    if (bits)
+        *bits = pixels;
+    return bitmap;
+}
+HBITMAP MakeSolid(int w, int h, uint32_t rgb)
+{
+    return MakeSection(w, h, [rgb](int, int) { return rgb; });
+}
+
+// Any bitmap's pixels, top-down, as 0x00RRGGBB.
+struct Picture {
+    int width = 0;
+    int height = 0;
+    std::vector<uint32_t> pixels;
+    uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y) * width + x] & 0xFFFFFF; }
+    // Every pixel as `expected` says; the first that isn't is reported.
+    bool Is(const Colour& expected) const
+    {
+        for (int i = 0; i < width * height; ++i)
+            if (At(i % width, i / width) != expected(i % width, i / width)) {
+                ADD_FAILURE() << "pixel " << i % width << "," << i / width << ": " << std::hex
+                              << At(i % width, i / width) << " not " << expected(i % width, i / width);
+                return false;
+            }
+        return width > 0;
+    }
+};
+Picture Read(HBITMAP bitmap)
+{
+    Picture p;
+    BITMAP bm = {};
+    if (!bitmap || !GetObjectW(bitmap, sizeof(bm), &bm))
+        return p;
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), bm.bmWidth, -bm.bmHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    p.pixels.resize(static_cast<size_t>(bm.bmWidth) * bm.bmHeight);
+    HDC screen = GetDC(nullptr);
+    if (GetDIBits(screen, bitmap, 0, bm.bmHeight, p.pixels.data(), &info, DIB_RGB_COLORS) == bm.bmHeight) {
+        p.width = bm.bmWidth;
+        p.height = bm.bmHeight;
+    }
+    ReleaseDC(nullptr, screen);
+    return p;
+}
+
+uint32_t Blend(uint32_t mask, uint32_t under, uint32_t image)
+{
+    uint32_t result = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const uint32_t m = mask >> shift & 0xFF, u = under >> shift & 0xFF, i = image >> shift & 0xFF;
+        result |= ((u * m + (255 - m) * i) >> 8) << shift;
+    }
+    return result;
+}
+
+HMODULE TestTheme()
+{
+    static HMODULE theme =
+        LoadLibraryExW((BinDir() + L"\\Resource\\ZCMOD_Test.zgr").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    return theme;
+}
+
+// Deletes the GDI objects it was handed at the end of the scope.
+struct Trash {
+    std::vector<HGDIOBJ> objects;
+    ~Trash()
+    {
+        for (HGDIOBJ o : objects)
+            DeleteObject(o);
+    }
+    template <class H>
+    H operator()(H object)
+    {
+        objects.push_back(object);
+        return object;
+    }
+};
+
+// Puts the library's layout and scale back as they were.
+struct LibSettings {
+    DWORD layout = CVuikLib::GetLayout();
+    bool autoScale = CVuikLib::GetAutoScale();
+    double x = Lib::m_ScaleX, y = Lib::m_ScaleY;
+    ~LibSettings()
+    {
+        CVuikLib::SetLayout(layout);
+        CVuikLib::SetAutoScale(autoScale);
+        Lib::m_ScaleX = x;
+        Lib::m_ScaleY = y;
+    }
+};
+
+}  // namespace
+
+TEST(SkinPrimitives, BlenderArithmeticAndColourMatch)
+{
+    // Per byte, each channel with its own weight, divided by 256; bytes past `size` are left alone.
+    BYTE mask[] = {255, 0, 128, 0, 255, 64, 9};
+    BYTE under[] = {255, 0, 100, 7, 7, 40, 9};
+    BYTE image[] = {0, 255, 200, 9, 200, 240, 9};
+    BYTE result[] = {1, 1, 1, 1, 1, 1, 1};
+    Lib::BlenderFunc(mask, under, image, result, 6);
+    EXPECT_EQ(std::vector<BYTE>(result, result + 7), (std::vector<BYTE>{254, 254, 149, 8, 6, 189, 1}));
+
+    // {pixel, colour, tolerance, match}: a difference of -1 passes a zero limit once another byte of the
+    // tolerance isn't 0, +1 doesn't; a zero tolerance compares all 32 bits, another ignores the top byte; a
+    // limit of 1 lets 3 and 2 pass against 4 but not 1, and 5 but not 6.
+    const DWORD cases[][4] = {{0, 1, 0x100, 1},
+                              {1, 0, 0x100, 0},
+                              {5, 6, 0, 0},
+                              {5, 5, 0, 1},
+                              {0x01000005, 5, 0, 0},
+                              {0x01000005, 5, 0x010101, 1},
+                              {5, 4, 1, 1},
+                              {6, 4, 1, 0},
+                              {3, 4, 1, 1},
+                              {2, 4, 1, 1},
+                              {1, 4, 1, 0},
+                              {0x300000, 0x320000, 0x010000, 1},
+                              {0x330000, 0x320000, 1, 0}};
+    for (const auto& c : cases)
+        EXPECT_EQ(CVuikLib::TestColorMatch(c[0], c[1], c[2]), static_cast<int>(c[3]))
+            << std::hex << c[0] << " " << c[1] << " " << c[2];
+}
+
+TEST(SkinPrimitives, BlendThroughTheMask)
+{
+    auto maskOf = [](int x, int y) { return static_cast<uint32_t>((x * 70) << 16 | (y * 120) << 8 | 128); };
+    auto underOf = [](int x, int y) { return static_cast<uint32_t>(0x102030 + x * 0x010000 + y * 0x40); };
+    auto imageOf = [](int x, int y) { return static_cast<uint32_t>(0xF0E0D0 - x * 0x100 - y * 0x1F0000); };
+    // Widths whose rows are (4) and aren't (3) a multiple of 4 bytes: the spare bytes change nothing.
+    for (int w : {3, 4}) {
+        Trash trash;
+        HBITMAP mask = trash(MakeSection(w, 2, maskOf)), under = trash(MakeSection(w, 2, underOf)),
+                image = trash(MakeSection(w, 2, imageOf)), large = trash(MakeSection(w + 2, 5, underOf));
+        EXPECT_TRUE(Read(trash(CVuikLib::BlendBitmap(mask, under, image))).Is([&](int x, int y) {
+            return Blend(maskOf(x, y), underOf(x, y), imageOf(x, y));
+        })) << "width "
+            << w;
+        // Over a colour (COLORREF), and over the part of a larger background at an offset.
+        EXPECT_TRUE(Read(trash(CVuikLib::BlendBitmapColor(mask, image, RGB(0x11, 0x22, 0x33)))).Is([&](int x, int y) {
+            return Blend(maskOf(x, y), 0x112233, imageOf(x, y));
+        }));
+        EXPECT_TRUE(Read(trash(CVuikLib::BlendBitmapOffset(mask, large, image, POINT{2, 3}))).Is([&](int x, int y) {
+            return Blend(maskOf(x, y), underOf(x + 2, y + 3), imageOf(x, y));
+        }));
+        for (POINT past : {POINT{3, 3}, POINT{2, 4}})
+            EXPECT_EQ(CVuikLib::BlendBitmapOffset(mask, large, image, past), nullptr);
+        EXPECT_EQ(CVuikLib::BlendBitmap(mask, under, nullptr), nullptr);
+        EXPECT_EQ(CVuikLib::BlendBitmap(nullptr, under, image), nullptr);
+    }
+}
+
+TEST(SkinPrimitives, TilesAndColourFills)
+{
+    Trash trash;
+    auto tileOf = [](int x, int y) { return static_cast<uint32_t>(0x400000 + x * 0x0A0000 + y * 0x10 + 1); };
+    // 10 x 5 into 25 x 12: tiles 10, 10 and 5 wide, rows repeated at 0, 5 and 10, the last 2 high.
+    HBITMAP tiled = trash(CVuikLib::TileBitmap(trash(MakeSection(10, 5, tileOf)), SIZE{25, 12}));
+    EXPECT_TRUE(Read(tiled).Is([&](int x, int y) { return tileOf(x % 10, y % 5); }));
+    // 10 x 30 into 20 x 100: the height 30 is compared with the width 20, so the tile is 100 high and copied
+    // once; rows past the bitmap's 30 don't repeat it.
+    Picture p = Read(trash(CVuikLib::TileBitmap(trash(MakeSection(10, 30, tileOf)), SIZE{20, 100})));
+    ASSERT_EQ(p.height, 100);
+    for (int i = 0; i < 20 * 30; ++i)
+        ASSERT_EQ(p.At(i % 20, i / 20), tileOf(i % 10, i / 20)) << i;
+    for (int y : {30, 60, 99})
+        EXPECT_NE(p.At(0, y), tileOf(0, y % 30)) << y;
+    // Without a bitmap the result is made and left as it is.
+    EXPECT_EQ(Read(trash(CVuikLib::TileBitmap(nullptr, SIZE{3, 2}))).width, 3);
+    EXPECT_TRUE(
+        Read(trash(CVuikLib::CreateColorBitmap(RGB(1, 2, 3), SIZE{4, 3}))).Is([](int, int) { return 0x010203u; }));
+}
+
+TEST(SkinPrimitives, RegionsOfThePixelsThatDontMatch)
+{
+    Trash trash;
+    // The colour is given as the pixel stands in memory (blue low), not as a COLORREF. A picture wholly of
+    // it gives an empty region, not none.
+    HBITMAP one = trash(MakeSolid(1, 1, 0x010203));
+    HRGN region = trash(CVuikLib::BitmapToRegion(one, 0x010203, 0));
+    RECT box = {};
+    ASSERT_NE(region, nullptr);
+    EXPECT_EQ(GetRgnBox(region, &box), NULLREGION);
+    EXPECT_TRUE(PtInRegion(trash(CVuikLib::BitmapToRegion(one, RGB(1, 2, 3), 0)), 0, 0));
+    EXPECT_EQ(CVuikLib::BitmapToRegion(nullptr, 0, 0), nullptr);
+    // 2,001 runs, one a row in the middle column: a full record of 2,000 and one of a single rectangle.
+    HBITMAP tall = trash(MakeSection(3, 2001, [](int x, int) { return x == 1 ? 0x00FF00u : 0xFF00FFu; }));
+    region = trash(CVuikLib::BitmapToRegion(tall, 0xFF00FF, 0));
+    GetRgnBox(region, &box);
+    EXPECT_EQ((std::vector<LONG>{box.left, box.top, box.right, box.bottom}), (std::vector<LONG>{1, 0, 2, 2001}));
+    EXPECT_FALSE(PtInRegion(region, 0, 2000));
+}
+
+TEST(SkinPrimitives, MirrorsOfBitmapsAndIcons)
+{
+    Trash trash;
+    auto colourOf = [](int x, int y) { return static_cast<uint32_t>(x * 0x200000 + y * 0x30 + 7); };
+    auto flippedOf = [&](int x, int y) { return colourOf(4 - x, y); };
+    HBITMAP bitmap = trash(MakeSection(5, 3, colourOf));
+    EXPECT_TRUE(Read(trash(CVuikLib::CreateMirroredBitmap(bitmap))).Is(flippedOf));
+    EXPECT_TRUE(Read(bitmap).Is(colourOf));
+    EXPECT_EQ(CVuikLib::MirrorBitmap(bitmap), 1);
+    EXPECT_TRUE(Read(bitmap).Is(flippedOf));
+    EXPECT_EQ(CVuikLib::MirrorBitmap(bitmap), 1);
+    EXPECT_TRUE(Read(bitmap).Is(colourOf));
+    EXPECT_EQ(CVuikLib::MirrorBitmap(reinterpret_cast<HBITMAP>(trash(CreateSolidBrush(0)))), 0);
+    EXPECT_EQ(CVuikLib::MirrorBitmap(nullptr), 0);
+    EXPECT_EQ(CVuikLib::CreateMirroredBitmap(nullptr), nullptr);
+
+    // An icon whose left two columns are transparent: mirrored, its image and its mask turn round.
+    const BYTE maskRows[] = {0xC0, 0, 0xC0, 0, 0xC0, 0};  // rows of two bytes, the leftmost pixel highest
+    ICONINFO info = {TRUE, 0, 0, trash(CreateBitmap(5, 3, 1, 1, maskRows)), bitmap};
+    HICON icon = CreateIconIndirect(&info);
+    HICON mirrored = CVuikLib::CreateMirroredIcon(icon);
+    ASSERT_NE(mirrored, nullptr);
+    EXPECT_TRUE(Read(trash(CVuikLib::IconToBitmap(mirrored, DI_IMAGE))).Is(flippedOf));
+    EXPECT_TRUE(
+        Read(trash(CVuikLib::IconToBitmap(mirrored, DI_MASK))).Is([](int x, int) { return x >= 3 ? 0xFFFFFFu : 0u; }));
+    EXPECT_TRUE(Read(trash(CVuikLib::IconToBitmap(icon, DI_IMAGE))).Is(colourOf));
+    EXPECT_EQ(CVuikLib::IconToBitmap(nullptr, DI_NORMAL), nullptr);
+    EXPECT_EQ(CVuikLib::CreateMirroredIcon(nullptr), nullptr);
+    DestroyIcon(icon);
+    DestroyIcon(mirrored);
+}
+
+TEST(SkinPrimitives, ManagerSharesPicturesByKey)
+{
+    HMODULE theme = TestTheme();
+    ASSERT_NE(theme, nullptr);
+    auto count = [&](UINT id, int mirror) { return CVuikResourceManager::GetReferenceCount(theme, id, mirror); };
+    CVuikBitmap *a = nullptr, *b = nullptr, *flipped = nullptr, *missing = nullptr;
+    // Two slots, one object with a count of 2; a full slot is refused and the count stays.
+    ASSERT_TRUE(CVuikResourceManager::LoadBitmapW(&a, theme, kColumns, 0, L"ignored"));
+    ASSERT_TRUE(CVuikResourceManager::LoadBitmapW(&b, theme, kColumns, 0, nullptr));
+    EXPECT_EQ(a, b);
+    EXPECT_FALSE(CVuikResourceManager::LoadBitmapW(&b, theme, kOpaque, 0, nullptr));
+    EXPECT_EQ(b, a);
+    EXPECT_EQ(count(kColumns, 0), 2);
+    // Mirror flag 1 is another picture, with its own count, turned round.
+    ASSERT_TRUE(CVuikResourceManager::LoadBitmapW(&flipped, theme, kColumns, 1, nullptr));
+    EXPECT_NE(flipped, a);
+    EXPECT_EQ(count(kColumns, 1), 1);
+    EXPECT_TRUE(Read(flipped->GetPrimary()).Is([](int x, int y) { return ColumnsPixel(9 - x, y); }));
+    EXPECT_TRUE(Read(flipped->GetMask()).Is([](int x, int y) { return ColumnsMask(9 - x, y); }));
+    // An unknown picture, an empty slot pointer and a picture that isn't the manager's are refused.
+    EXPECT_FALSE(CVuikResourceManager::LoadBitmapW(&missing, theme, kMissing, 0, nullptr));
+    EXPECT_EQ(missing, nullptr);
+    EXPECT_EQ(count(kMissing, 0), 0);
+    EXPECT_FALSE(CVuikResourceManager::LoadBitmapW(nullptr, theme, kColumns, 0, nullptr));
+    CVuikBitmap own;
+    CVuikBitmap* ownSlot = &own;
+    EXPECT_FALSE(CVuikResourceManager::UnloadBitmap(&ownSlot));
+    EXPECT_EQ(ownSlot, &own);
+    EXPECT_FALSE(CVuikResourceManager::UnloadBitmap(&missing));
+    // Releases; the last one deletes the picture.
+    EXPECT_TRUE(CVuikResourceManager::UnloadBitmap(&a));
+    EXPECT_EQ(a, nullptr);
+    EXPECT_EQ(count(kColumns, 0), 1);
+    HBITMAP shared = b->GetPrimary();
+    EXPECT_TRUE(CVuikResourceManager::UnloadBitmap(&b));
+    EXPECT_EQ(GetObjectType(shared), 0u);
+    EXPECT_TRUE(CVuikResourceManager::UnloadBitmap(&flipped));
+    EXPECT_EQ(count(kColumns, 0) + count(kColumns, 1), 0);
+}
+
+TEST(SkinPrimitives, LoadScalesAndMirrorsAsTheLibrarySays)
+{
+    LibSettings restore;
+    HMODULE theme = TestTheme();
+    // {auto scale, x, y, size}: both scales must differ from 1.
+    const double cases[][4] = {{0, 1.25, 1.25, 10}, {1, 1.25, 1.0, 10}, {1, 1.0, 1.25, 10}, {1, 1.25, 1.25, 12}};
+    for (const auto& c : cases) {
+        CVuikLib::SetAutoScale(c[0] != 0);
+        Lib::m_ScaleX = c[1];
+        Lib::m_ScaleY = c[2];
+        CVuikBitmap bitmap;
+        bitmap.LoadFromRes(theme, kColumns);
+        EXPECT_EQ((std::vector<int>{bitmap.GetWidth(), bitmap.GetHeight(), Read(bitmap.GetMask()).width}),
+                  std::vector<int>(3, static_cast<int>(c[3])));
+        EXPECT_EQ(bitmap.IsScaled(), c[3] == 12);
+    }
+    CVuikLib::SetAutoScale(false);
+
+    // Left to right the picture is as drawn; right to left it is turned round with its mask, and mirror flag
+    // 1 gives it back.
+    CVuikBitmap plain, rtl;
+    plain.LoadFromRes(theme, kColumns);
+    EXPECT_TRUE(Read(plain.GetPrimary()).Is(ColumnsPixel));
+    EXPECT_TRUE(Read(plain.GetMask()).Is(ColumnsMask));
+    CVuikLib::SetLayout(LAYOUT_RTL);
+    rtl.LoadFromRes(theme, kColumns);
+    EXPECT_TRUE(Read(rtl.GetPrimary()).Is([](int x, int y) { return ColumnsPixel(9 - x, y); }));
+    EXPECT_TRUE(Read(rtl.GetMask()).Is([](int x, int y) { return ColumnsMask(9 - x, y); }));
+    CVuikBitmap* kept = nullptr;
+    ASSERT_TRUE(CVuikResourceManager::LoadBitmapW(&kept, theme, kColumns, 1, nullptr));
+    EXPECT_TRUE(Read(kept->GetPrimary()).Is(ColumnsPixel));
+    EXPECT_TRUE(Read(kept->GetMask()).Is(ColumnsMask));
+    CVuikResourceManager::UnloadBitmap(&kept);
+    CVuikLib::SetLayout(0);
+
+    // GetPixel reads the padded top-down copy (rows of 32 bytes here) at 3x + 4y, whatever the width.
+    EXPECT_EQ(plain.GetPixel(2, 0), ColumnsPixel(2, 0));
+    EXPECT_EQ(plain.GetPixel(0, 8), ColumnsPixel(0, 1));    // byte 32: the first pixel of row 1
+    EXPECT_EQ(plain.GetPixel(8, 26), ColumnsPixel(0, 4));   // byte 128: the first pixel of row 4
+    EXPECT_EQ(plain.GetPixel(105, 0), ColumnsPixel(9, 9));  // byte 315: the last pixel of the last row
+    EXPECT_EQ(plain.GetPixel(106, 0), 0xFFFFFFFFu);         // byte 318: its last byte would be past the copy
+    EXPECT_EQ(plain.GetPixel(-1, 0), 0xFFFFFFFFu);
+    EXPECT_EQ(CVuikBitmap().GetPixel(0, 0), 0xFFFFFFFFu);
+
+    // A load replaces what the object showed: a picture without alpha has no mask, a missing one no primary.
+    plain.LoadFromRes(theme, kOpaque);
+    EXPECT_EQ(plain.GetWidth(), 3);
+    EXPECT_EQ(plain.GetMask(), nullptr);
+    plain.LoadFromRes(theme, kMissing);
+    EXPECT_EQ(plain.GetPrimary(), nullptr);
+}
+
+TEST(SkinPrimitives, AttachDetachAndSnapshots)
+{
+    Trash trash;
+    CVuikBitmap bitmap;
+    bitmap.LoadFromRes(TestTheme(), kOpaque);
+    HBITMAP loaded = bitmap.GetPrimary();
+    // Attach deletes the present primary, the store's frame included, and takes the new one.
+    HBITMAP own = trash(MakeSolid(4, 6, 0x123456));
+    bitmap.Attach(own);
+    EXPECT_EQ(GetObjectType(loaded), 0u);
+    EXPECT_EQ(bitmap.GetWidth(), 4);
+    EXPECT_EQ(bitmap.Detach(), own);
+    EXPECT_EQ(bitmap.GetPrimary(), nullptr);
+    EXPECT_EQ(bitmap.GetHeight(), 0);
+
+    // A snapshot of a context into the background store: reused at one size, replaced at another.
+    HDC dc = CreateCompatibleDC(nullptr);
+    HGDIOBJ old = SelectObject(dc, trash(MakeSection(8, 8, [](int x, int y) { return uint32_t(x << 16 | y << 8); })));
+    EXPECT_EQ(bitmap.GetBackgroundStaticDC(dc, 0, 0, 0, 3, 0, 0), nullptr);
+    EXPECT_EQ(bitmap.GetLastError(), ZBU_BAD_ARG4);
+    EXPECT_EQ(bitmap.GetBackgroundStaticDC(dc, 0, 0, 3, 0, 0, 0), nullptr);
+    EXPECT_EQ(bitmap.GetLastError(), ZBU_BAD_ARG5);
+    HBITMAP shot = bitmap.GetBackgroundStaticDC(dc, 2, 3, 4, 2, 0, 1);
+    EXPECT_EQ(shot, bitmap.GetBitmapHandle(BT_BACKGROUND, 1));
+    EXPECT_TRUE(Read(shot).Is([](int x, int y) { return static_cast<uint32_t>((x + 2) << 16 | (y + 3) << 8); }));
+    EXPECT_EQ(bitmap.GetBackgroundStaticDC(dc, 0, 0, 4, 2, 0, 1), shot);
+    EXPECT_EQ(Read(shot).At(0, 0), 0u);
+    bitmap.GetBackgroundStaticDC(dc, 0, 0, 6, 2, 0, 0);
+    EXPECT_EQ(bitmap.GetBitmapHandle(BT_BACKGROUND, 1), nullptr);
+    SelectObject(dc, old);
+    DeleteDC(dc);
+}
+
+TEST(SkinPrimitives, DrawImageStretchesThenMasks)
+{
+    Trash trash;
+    // The target: a 32-bit section in a memory context, filled with vertical stripes.
+    uint32_t* target = nullptr;
+    auto stripes = [](int x, int) { return x % 2 ? 0xC8C8C8u : 0u; };
+    HDC dc = CreateCompatibleDC(nullptr);
+    HGDIOBJ old = SelectObject(dc, trash(MakeSection(16, 12, stripes, &target)));
+    auto reset = [&] {
+        for (int i = 0; i < 16 * 12; ++i)
+            target[i] = stripes(i % 16, 0);
+    };
+    auto at = [&](int x, int y) {
+        GdiFlush();
+        return target[y * 16 + x] & 0xFFFFFF;
+    };
+    CVuikGraphics graphics(dc);
+
+    // Unmasked, each overload: at its own size, stretched to a size, into a rectangle, a part of it.
+    auto pictureOf = [](int x, int y) { return static_cast<uint32_t>(0x100000 * (x + 1) + 0x20 * (y + 1)); };
+    CVuikBitmap picture, pair, masked, empty;
+    picture.Attach(trash(MakeSection(4, 2, pictureOf)));
+    graphics.DrawImage(&picture, 3, 5);
+    EXPECT_EQ((std::vector<uint32_t>{at(3, 5), at(6, 6), at(7, 6)}),
+              (std::vector<uint32_t>{pictureOf(0, 0), pictureOf(3, 1), stripes(7, 6)}));
+    graphics.DrawImage(&picture, 0, 0, 8, 4);
+    EXPECT_EQ((std::vector<uint32_t>{at(7, 3), at(8, 0)}), (std::vector<uint32_t>{pictureOf(3, 1), stripes(8, 0)}));
+    graphics.DrawImage(&picture, RECT{10, 10, 14, 12});
+    graphics.DrawImage(&picture, RECT{0, 0, 2, 1}, RECT{2, 1, 4, 2});
+    graphics.DrawImage(&picture, RECT{5, 0, 6, 2}, 1, 0, 1, 2);
+    EXPECT_EQ((std::vector<uint32_t>{at(13, 11), at(0, 0), at(1, 0), at(5, 1)}),
+              (std::vector<uint32_t>{pictureOf(3, 1), pictureOf(2, 1), pictureOf(3, 1), pictureOf(1, 1)}));
+    // HALFTONE: a black and a white pixel stretched to 8 mix into greys instead of repeating.
+    pair.Attach(trash(MakeSection(2, 1, [](int x, int) { return x ? 0xFFFFFFu : 0u; })));
+    graphics.DrawImage(&pair, 0, 11, 8, 1);
+    int greys = 0;
+    for (int x = 1; x < 8; ++x) {
+        EXPECT_LE(at(x - 1, 11), at(x, 11)) << x;
+        greys += Near(at(x, 11), 0x808080, 0x60);
+    }
+    EXPECT_EQ(at(0, 11), 0u);
+    EXPECT_GE(greys, 2);
+    reset();
+
+    // Masked: a grey mask stretched to 8 x 6 blends with the stripes at the target's size, pixel by pixel.
+    masked.Attach(trash(MakeSolid(2, 2, 0x3264C8)));
+    masked.AttachMask(MakeSolid(2, 2, 0x808080));  // deleted by the next AttachMask
+    graphics.DrawImage(&masked, 5, 2, 8, 6);
+    for (int x = 4; x <= 13; ++x)
+        EXPECT_EQ(at(x, 4), x >= 5 && x < 13 ? Blend(0x808080, stripes(x, 4), 0x3264C8) : stripes(x, 4)) << x;
+    // Black shows the image, white the background (each at 255/256).
+    masked.AttachMask(trash(MakeSection(2, 1, [](int x, int) { return x ? 0xFFFFFFu : 0u; })));
+    graphics.DrawImage(&masked, 0, 0);
+    EXPECT_EQ(at(0, 0), Blend(0, 0, 0x3264C8));
+    EXPECT_EQ(at(1, 0), Blend(0xFFFFFF, 0xC8C8C8, 0x3264C8));
+
+    // Nothing drawn: no object, no primary, an empty rectangle.
+    reset();
+    graphics.DrawImage(nullptr, 0, 0);
+    graphics.DrawImage(nullptr, RECT{0, 0, 4, 4}, RECT{0, 0, 4, 4});
+    graphics.DrawImage(&empty, RECT{0, 0, 4, 4});
+    graphics.DrawImage(&masked, RECT{2, 2, 2, 2});
+    for (int i = 0; i < 16 * 12; ++i)
+        ASSERT_EQ(at(i % 16, i / 16), stripes(i % 16, 0)) << i;
+    SelectObject(dc, old);
+    DeleteDC(dc);
+}

@@ -1,0 +1,215 @@
+// The tooltip: one shared platform window per top-level window with a count of its controls, text changes
+// without a new registration, the last removal destroying the window, the notifications routed to the tip
+// object, the size fitted to unwrapped text, the flip above the cursor, and the gradient.
+#include <windows.h>
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "MessageSequence.h"
+#include "TestSkins.h"
+#include "zcmod/VuikTooltip.h"
+
+using namespace msgseq;
+using namespace testskin;
+
+namespace {
+
+// Opens the protected notification handlers.
+class CTestTooltip : public CVuikTooltip {
+public:
+    using CVuikTooltip::OnTTNCustomDraw;
+    using CVuikTooltip::OnTTNShow;
+};
+
+HWND Manager(HWND top)
+{
+    return static_cast<HWND>(GetPropW(top, L"__DeskHubCVuikTooltipControlWindowHandle"));
+}
+int Count(HWND top)
+{
+    const int* count = static_cast<const int*>(GetPropW(top, L"__DeskHubCVuikTooltipControlCount"));
+    return count ? *count : -1;
+}
+
+HWND Popup(const RECT& r)
+{
+    return CreateWindowExW(0, L"Static", L"", WS_POPUP | WS_VISIBLE, r.left, r.top, r.right - r.left, r.bottom - r.top,
+                           nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+}
+
+struct Controls {
+    HWND top = nullptr;
+    CTestButtonSkin skin;
+    CTestButton a, b;
+};
+
+void Make(Controls& c, int x)
+{
+    c.top = Popup(RECT{x, 100, x + 200, 200});
+    c.a.Create(c.top, RECT{10, 10, 90, 40}, 11, WS_CHILD | WS_VISIBLE, 0);
+    c.b.Create(c.top, RECT{100, 10, 190, 40}, 12, WS_CHILD | WS_VISIBLE, 0);
+    c.a.SetSkin(&c.skin);
+    c.b.SetSkin(&c.skin);
+}
+
+TEST(Tooltip, OneSharedWindowPerTopLevelWithItsCount)
+{
+    LibraryState lib;
+    Controls one, two;
+    Make(one, 100);
+    Make(two, 400);
+    one.a.SetTooltip(L"first");
+    one.b.SetTooltip(L"second");
+    two.a.SetTooltip(L"other window");
+    const HWND manager = Manager(one.top);
+    ASSERT_TRUE(manager && IsWindow(manager));
+    EXPECT_NE(Manager(two.top), manager);
+    EXPECT_EQ(Count(one.top), 2);
+    EXPECT_EQ(Count(two.top), 1);
+    EXPECT_EQ(SendMessageW(manager, TTM_GETTOOLCOUNT, 0, 0), 2);
+    EXPECT_EQ(GetWindow(manager, GW_OWNER), one.top);
+    EXPECT_TRUE(GetClassLongPtrW(manager, GCL_STYLE) & CS_DROPSHADOW);
+    EXPECT_TRUE(GetPropW(one.a.m_hWnd, L"__DeskHubCVuikTooltipClassPtr"));
+    EXPECT_TRUE(GetPropW(one.a.m_hWnd, L"__DeskHubCVuikTooltipOrgWinproc"));
+
+    // A new text is no new registration: the next show asks for it.
+    const LONG_PTR proc = GetWindowLongPtrW(one.a.m_hWnd, GWLP_WNDPROC);
+    one.a.SetTooltip(L"changed");
+    EXPECT_EQ(Count(one.top), 2);
+    EXPECT_EQ(SendMessageW(manager, TTM_GETTOOLCOUNT, 0, 0), 2);
+    EXPECT_EQ(GetWindowLongPtrW(one.a.m_hWnd, GWLP_WNDPROC), proc);
+    NMTTDISPINFOW info = {};
+    info.hdr.hwndFrom = manager;
+    info.hdr.code = TTN_GETDISPINFOW;
+    SendMessageW(one.a.m_hWnd, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
+    ASSERT_TRUE(info.lpszText);
+    EXPECT_STREQ(info.lpszText, L"changed");
+    // A notification from another window isn't the tip's: it goes on to the control's own procedure.
+    NMTTDISPINFOW foreign = {};
+    foreign.hdr.hwndFrom = two.top;
+    foreign.hdr.code = TTN_GETDISPINFOW;
+    SendMessageW(one.a.m_hWnd, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&foreign));
+    EXPECT_EQ(foreign.lpszText, nullptr);
+
+    // The control still behaves as a button under the tip's procedure.
+    SendMessageW(one.a.m_hWnd, BM_SETSTATE, 1, 0);
+    EXPECT_EQ(one.a.State() & 4, 4);
+
+    // The last removal destroys the shared window and its properties; the next tip makes a new one.
+    one.a.SetTooltip(nullptr);
+    EXPECT_EQ(Count(one.top), 1);
+    EXPECT_TRUE(IsWindow(manager));
+    EXPECT_FALSE(GetPropW(one.a.m_hWnd, L"__DeskHubCVuikTooltipOrgWinproc"));
+    one.a.SetTooltip(nullptr);
+    EXPECT_EQ(Count(one.top), 1) << "removing a tip that isn't there counts nothing";
+    DestroyWindow(one.b.m_hWnd);  // OnDestroy unregisters
+    EXPECT_FALSE(IsWindow(manager));
+    EXPECT_EQ(Manager(one.top), nullptr);
+    EXPECT_EQ(Count(one.top), -1);
+    SendMessageW(one.a.m_hWnd, BM_SETSTATE, 0, 0);
+    EXPECT_EQ(one.a.State() & 4, 0) << "the button works after its tip went";
+    one.a.SetTooltip(L"again");
+    EXPECT_TRUE(IsWindow(Manager(one.top)));
+    EXPECT_NE(Manager(one.top), manager);
+    EXPECT_EQ(Count(one.top), 1);
+    DestroyWindow(one.top);
+    DestroyWindow(two.top);
+}
+
+TEST(Tooltip, ShowFitsTheUnwrappedTextAndFlipsAboveTheCursorNearTheBottom)
+{
+    LibraryState lib;
+    HWND top = Popup(RECT{100, 100, 300, 200});
+    HWND control = CreateWindowExW(0, L"Static", L"", WS_CHILD | WS_VISIBLE, 0, 0, 50, 20, top, nullptr,
+                                   GetModuleHandleW(nullptr), nullptr);
+    HWND tipWindow = Popup(RECT{100, 300, 110, 310});
+    CTestTooltip tip;
+    NMHDR header = {tipWindow, 0, static_cast<UINT>(TTN_SHOW)};
+    auto show = [&](const std::wstring& text, POINT at) {
+        tip.SetTooltip(control, text.c_str());
+        SetWindowPos(tipWindow, nullptr, at.x, at.y, 10, 10, SWP_NOZORDER | SWP_NOACTIVATE);
+        EXPECT_EQ(tip.OnTTNShow(0, reinterpret_cast<LPARAM>(&header)), 1);
+        RECT r;
+        GetWindowRect(tipWindow, &r);
+        return r;
+    };
+    const RECT one = show(L"Tip", POINT{100, 300});
+    EXPECT_EQ(one.left, 100);
+    EXPECT_EQ(one.top, 300);
+    const int lineHeight = one.bottom - one.top - 20;
+    ASSERT_GT(lineHeight, 5);
+    // Lines end only at line breaks: three lines are three times as high, and a long line stays one line.
+    const RECT three = show(L"Tip\nsecond line\nthird", POINT{100, 300});
+    EXPECT_EQ(three.bottom - three.top - 20, 3 * lineHeight);
+    const RECT wide = show(std::wstring(200, L'w') + L" " + std::wstring(200, L'w'), POINT{100, 300});
+    EXPECT_EQ(wide.bottom - wide.top, one.bottom - one.top);
+    EXPECT_GT(wide.right - wide.left, 1000);
+
+    // Near the bottom of the work area the tip goes above the cursor.
+    RECT work;
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    SetCursorPos(150, work.bottom - 40);
+    POINT cursor;
+    GetCursorPos(&cursor);
+    const RECT low = show(L"Tip", POINT{120, work.bottom - 30});
+    EXPECT_EQ(low.top, cursor.y - (one.bottom - one.top));
+    EXPECT_EQ(low.left, 120);
+    const RECT fits = show(L"Tip", POINT{120, work.bottom - 5 - (one.bottom - one.top)});
+    EXPECT_EQ(fits.top, work.bottom - 5 - (one.bottom - one.top)) << "exactly fitting stays";
+    const RECT margin = show(L"Tip", POINT{120, work.bottom - 3 - (one.bottom - one.top)});
+    EXPECT_EQ(margin.top, cursor.y - (one.bottom - one.top)) << "within 5 pixels of the bottom flips";
+    tip.SetTooltip(control, nullptr);
+    DestroyWindow(tipWindow);
+    DestroyWindow(top);
+}
+
+TEST(Tooltip, CustomDrawPaintsTheGradientAndCentredText)
+{
+    LibraryState lib;
+    HWND top = Popup(RECT{100, 100, 300, 200});
+    HWND tipWindow = Popup(RECT{100, 300, 180, 340});  // a client area of 80 x 40
+    CTestTooltip tip;
+    tip.SetTooltip(top, L"ii");
+    HDC screen = GetDC(nullptr);
+    HDC dc = CreateCompatibleDC(screen);
+    HBITMAP target = CreateCompatibleBitmap(screen, 80, 40);
+    HGDIOBJ old = SelectObject(dc, target);
+    RECT all = {0, 0, 80, 40};
+    FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+    NMTTCUSTOMDRAW draw = {};
+    draw.nmcd.hdr.hwndFrom = tipWindow;
+    draw.nmcd.hdr.code = static_cast<UINT>(NM_CUSTOMDRAW);
+    draw.nmcd.hdc = dc;
+    draw.nmcd.dwDrawStage = CDDS_PREPAINT;
+    EXPECT_EQ(tip.OnTTNCustomDraw(0, reinterpret_cast<LPARAM>(&draw)), CDRF_NOTIFYPOSTPAINT);
+    FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));  // clipped away
+    draw.nmcd.dwDrawStage = CDDS_POSTPAINT;
+    EXPECT_EQ(tip.OnTTNCustomDraw(0, reinterpret_cast<LPARAM>(&draw)), CDRF_SKIPDEFAULT);
+    draw.nmcd.dwDrawStage = CDDS_ITEMPREPAINT;
+    EXPECT_EQ(tip.OnTTNCustomDraw(0, reinterpret_cast<LPARAM>(&draw)), 0);
+    SelectObject(dc, old);
+    const Capture c = ReadBitmap(target);
+    EXPECT_TRUE(Near(c.At(2, 1), 0xF8F8F8, 2)) << std::hex << c.At(2, 1);
+    EXPECT_TRUE(Near(c.At(2, 38), 0xE7E7E7, 2)) << std::hex << c.At(2, 38);
+    EXPECT_GT(c.At(2, 10), c.At(2, 30)) << "lighter at the top";
+    // The text is dark, in the middle, and nowhere near the edges.
+    int middle = 0;
+    int edges = 0;
+    for (int y = 0; y < 40; ++y)
+        for (int x = 0; x < 80; ++x)
+            if ((c.At(x, y) & 0xFF) < 0x80)
+                ++((x > 25 && x < 55 && y > 8 && y < 32) ? middle : edges);
+    EXPECT_GT(middle, 3);
+    EXPECT_EQ(edges, 0);
+    DeleteObject(target);
+    DeleteDC(dc);
+    ReleaseDC(nullptr, screen);
+    tip.SetTooltip(top, nullptr);
+    DestroyWindow(tipWindow);
+    DestroyWindow(top);
+}
+
+}  // namespace
