@@ -14,12 +14,22 @@ if(ZCMOD_SANITIZE)
   target_link_options(zcmod_core PUBLIC ${ZCMOD_SANITIZER_FLAGS})
 endif()
 
+# The stand-in service's portable part (vCards, search patterns, the contact generator): equipment, not library.
+set(ZCMOD_STANDIN_CORE_SOURCES ${PROJECT_SOURCE_DIR}/standins/service/core/VCard.cpp
+  ${PROJECT_SOURCE_DIR}/standins/service/core/Search.cpp ${PROJECT_SOURCE_DIR}/standins/service/core/Generator.cpp)
+add_library(zcmod_standin_core STATIC ${ZCMOD_STANDIN_CORE_SOURCES})
+target_include_directories(zcmod_standin_core PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/standins)
+if(ZCMOD_SANITIZE)
+  target_compile_options(zcmod_standin_core PUBLIC ${ZCMOD_SANITIZER_FLAGS})
+  target_link_options(zcmod_standin_core PUBLIC ${ZCMOD_SANITIZER_FLAGS})
+endif()
+
 if(BUILD_TESTING)
   find_package(GTest REQUIRED)
   include(GoogleTest)
   file(GLOB ZCMOD_NATIVE_TESTS CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tests/native/*.cpp)
   add_executable(zcmod_core_tests ${ZCMOD_NATIVE_TESTS})
-  target_link_libraries(zcmod_core_tests PRIVATE zcmod_core GTest::gtest GTest::gtest_main)
+  target_link_libraries(zcmod_core_tests PRIVATE zcmod_core zcmod_standin_core GTest::gtest GTest::gtest_main)
   # libpng's PNG suite, copied out of the libpng source tree by scripts/bootstrap.sh.
   if(DEFINED ENV{ZCMOD_CACHE})
     set(ZCMOD_PNGSUITE_DIR "$ENV{ZCMOD_CACHE}/mingw-deps/share/pngsuite")
@@ -52,4 +62,7 @@ if(ZCMOD_FUZZERS)
     add_test(NAME fuzz.${corpus}.corpus
       COMMAND ${name} -runs=0 ${PROJECT_SOURCE_DIR}/fuzz/corpus/${corpus})
   endforeach()
+  # The vCard reader of the stand-in service lies outside the core.
+  target_sources(vcard_fuzzer PRIVATE ${ZCMOD_STANDIN_CORE_SOURCES})
+  target_include_directories(vcard_fuzzer PRIVATE ${PROJECT_SOURCE_DIR}/standins)
 endif()

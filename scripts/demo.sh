@@ -28,6 +28,7 @@ fi
 "$here/bootstrap.sh"
 cmake --preset mingw >/dev/null
 cmake --build --preset mingw --target gallery zcmod_resources dkhl64
+cmake --build --preset mingw --target zcmod_service_standins phonectl
 
 # The runtime folder: the application, the library with its Lang and Resource folders, and the stand-ins
 # for the closed libraries of a user's machine.
@@ -39,6 +40,9 @@ cp "$bin/gallery.exe" "$bin/zcmod.dll" "$bin/DKHL64.dll" "$run/"
 cp "$bin/Lang/ZCMOD_eng.zlr" "$bin/Lang/ZCMOD_heb.zlr" "$run/Lang/"
 cp "$bin/Resource/ZCMOD_Default.zgr" "$bin/Resource/ZCMOD_Graphite.zgr" "$run/Resource/"
 cp -r "$bin/pictures" "$run/pictures"
+# The stand-in connectivity service and its controller; the virtual phones live in "phones" beside them.
+cp "$bin/standins/service/LinkAPI64.dll" "$bin/standins/service/DAAPI64.dll" \
+   "$bin/standins/service/VersitConverter64.dll" "$bin/phonectl.exe" "$run/"
 
 # The settings the library reads, for the stand-in settings library's manufacturer "Zelvo".
 export WINEPREFIX="$ZCMOD_WINE_DEMO" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
@@ -58,18 +62,36 @@ REGEDIT4
 REG
 
 winpath() { printf 'Z:%s' "$(realpath "$1")" | tr '/' '\\'; }
+regpath() { winpath "$1" | sed 's/\\/\\\\/g'; }
+
+# Where the library finds the connectivity service: the stand-ins of the runtime folder.
+cat >> "$reg" <<REG
+
+[HKEY_LOCAL_MACHINE\\SOFTWARE\\Desk Link Service\\API]
+"DMAPI64"="$(regpath "$run/LinkAPI64.dll")"
+"FSAPI64"="$(regpath "$run/LinkAPI64.dll")"
+"VCAPI64"="$(regpath "$run/VersitConverter64.dll")"
+"CAAPI64"="$(regpath "$run/DAAPI64.dll")"
+REG
+
+# Everything runs in one Wine session: the settings, then a sample phone made by the controller (a few
+# hundred generated contacts and a small file tree), then the gallery. (A Wine process started without a
+# display would leave the session's desktop without one.)
+session='
+  wine regedit /S "$1" >/dev/null 2>&1
+  wine "$2/phonectl.exe" new sample --name "Sample phone" --contacts 300 --files 12 >/dev/null 2>&1 ||
+    { echo "demo: phonectl could not make the sample phone" >&2; exit 1; }
+  reg=$1 run=$2; shift 2
+  wine "$run/gallery.exe" "$@"
+  rc=$?
+  wineserver -w
+  exit $rc'
 
 if [ -n "$screenshots" ]; then
   mkdir -p "$screenshots"
-  out=$(winpath "$screenshots")
-  xvfb-run -a -s "-screen 0 1280x1024x24" sh -c '
-    wine regedit /S "$1" >/dev/null 2>&1
-    wine "$2" --screenshots "$3" $4
-    rc=$?
-    wineserver -w
-    exit $rc' sh "$(winpath "$reg")" "$run/gallery.exe" "$out" "$rtl"
+  xvfb-run -a -s "-screen 0 1280x1024x24" sh -c "$session" sh "$(winpath "$reg")" "$run" \
+    --screenshots "$(winpath "$screenshots")" $rtl
   echo "demo: screenshots in $screenshots"
 else
-  wine regedit /S "$(winpath "$reg")" >/dev/null 2>&1
-  wine "$run/gallery.exe" $rtl
+  sh -c "$session" sh "$(winpath "$reg")" "$run" $rtl
 fi
