@@ -13,6 +13,6 @@ run(${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -G Ninja -DCMAKE_BUIL
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run(${EMULATOR} ${WORK_DIR}/build/consumer.exe)
 message(STATUS "${last_output}")
-if(NOT last_output MATCHES "face=1 scale=1 legacy=1")
+if(NOT last_output MATCHES "face=1 scale=1 legacy=1 skin=1")
   message(FATAL_ERROR "unexpected output: ${last_output}")
 endif()
