@@ -21,9 +21,10 @@ const DWORD kBlue = 0x0000FF;
 const DWORD kGreen = 0x00FF00;
 const DWORD kYellow = 0xFFFF00;
 const DWORD kBlack = 0x000000;
+const RECT kTopRect = {100, 100, 300, 200};
 
-// Builds `panel`'s buffer outside a paint, on a context of its window, as a paint would.
-void Build(CTestPanel& panel)
+// Builds `panel`'s buffer outside a paint, on a context of its window, as a paint would, and reads it.
+Capture Build(CTestPanel& panel)
 {
     RECT client;
     GetClientRect(panel.m_hWnd, &client);
@@ -32,19 +33,24 @@ void Build(CTestPanel& panel)
     panel.DeleteBackBuffer();
     panel.CreateBackBuffer(client.right, client.bottom, &graphics);
     ReleaseDC(panel.m_hWnd, dc);
+    return ReadBitmap(panel.GetBackBuffer());
 }
 
 TEST(BackBuffer, BuiltOnlyInAPaintAndKeptUntilDropped)
 {
     LibraryState lib;
     Recorder rec;
-    CTestPanelSkin skin;
-    CTestPanel panel;
-    panel.SetSkin(&skin);
-    HWND hwnd = panel.CreatePanel(nullptr, RECT{100, 100, 300, 200});
+    CTestSkin skin(kRedBlue);
+    CTestPanel panel, empty;
+    HWND hwnd = panel.CreatePanel(nullptr, kTopRect, &skin);
     ASSERT_TRUE(hwnd);
     rec.Watch(hwnd, "panel");
     rec.Only({WM_PAINT});
+    // Parts with an empty source or destination build nothing.
+    Canvas target(20, 20);
+    const RECT client = {0, 0, 200, 100};
+    panel.DrawBackBufferPart(target, client, RECT{0, 0, 0, 10}, RECT{0, 0, 10, 10});
+    panel.DrawBackBufferPart(target, client, RECT{0, 0, 10, 10}, RECT{5, 5, 10, 5});
     EXPECT_FALSE(panel.GetBackBuffer());
     EXPECT_FALSE(GetPropW(hwnd, L"PROP_BACKBUFFER"));
 
@@ -61,7 +67,7 @@ TEST(BackBuffer, BuiltOnlyInAPaintAndKeptUntilDropped)
     EXPECT_EQ(skin.m_nDraws, 1);
 
     // Dropped, not invalidated: the old picture stays until something repaints.
-    skin.SetSkinDef(PanelDef{RGB(0, 255, 0), RGB(0, 255, 0)});
+    skin.SetSkinDef(SkinDef{RGB(0, 255, 0), RGB(0, 255, 0)});
     rec.Clear();
     EXPECT_EQ(SendMessageW(hwnd, WM_VUIK_INVALIDATE_BACKBUFFER, 0, 0), 0);
     EXPECT_FALSE(panel.GetBackBuffer());
@@ -81,132 +87,101 @@ TEST(BackBuffer, BuiltOnlyInAPaintAndKeptUntilDropped)
     panel.DeleteBackBuffer();
     panel.DeleteBackBuffer();
     EXPECT_FALSE(GetPropW(hwnd, L"PROP_BACKBUFFER"));
+    // A part builds a dropped buffer: here 10 x 10 of the right half stretched to 20 x 20.
+    skin.SetSkinDef(kRedBlue);
+    panel.DrawBackBufferPart(target, client, RECT{150, 40, 160, 50}, RECT{0, 0, 20, 20});
+    EXPECT_EQ(skin.m_nDraws, 3);
+    EXPECT_EQ(target.Read().At(15, 15), kBlue);
     DestroyWindow(hwnd);
-}
-
-TEST(BackBuffer, SearchGoesPastAParentThatHasNotPainted)
-{
-    LibraryState lib;
-    CTestPanelSkin topSkin, middleSkin, clearSkin;
-    middleSkin.SetSkinDef(PanelDef{RGB(0, 255, 0), RGB(255, 255, 0)});
-    clearSkin.SetSkinDef(PanelDef{kNone, kNone});
-    CTestPanel top, middle, inner;
-    top.SetSkin(&topSkin);
-    middle.SetSkin(&middleSkin);
-    inner.SetSkin(&clearSkin);
-    ASSERT_TRUE(top.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
-    ASSERT_TRUE(middle.CreatePanel(top.m_hWnd, RECT{50, 20, 150, 80}));
-    ASSERT_TRUE(inner.CreatePanel(middle.m_hWnd, RECT{10, 10, 90, 50}));  // x 60..140 of the top panel
-    ValidateRect(middle.m_hWnd, nullptr);
-    ValidateRect(inner.m_hWnd, nullptr);
-    UpdateWindow(top.m_hWnd);
-    ASSERT_TRUE(top.GetBackBuffer());
-    ASSERT_FALSE(middle.GetBackBuffer());
-
-    Build(inner);
-    Capture pixels = ReadBitmap(inner.GetBackBuffer());
-    EXPECT_EQ(pixels.At(5, 5), kRed) << "the top panel's left half, through the mapped corner";
-    EXPECT_EQ(pixels.At(75, 35), kBlue);
-
-    // Once the middle panel has painted, it is the nearest.
-    InvalidateRect(middle.m_hWnd, nullptr, TRUE);
-    UpdateWindow(middle.m_hWnd);
-    Build(inner);
-    pixels = ReadBitmap(inner.GetBackBuffer());
-    EXPECT_EQ(pixels.At(5, 5), kGreen);
-    EXPECT_EQ(pixels.At(75, 35), kYellow);
-    DestroyWindow(top.m_hWnd);
-}
-
-TEST(BackBuffer, SetBackgroundForcesOnePaintOfThatWindowOnly)
-{
-    LibraryState lib;
-    Recorder rec;
-    CTestPanelSkin topSkin, clearSkin;
-    clearSkin.SetSkinDef(PanelDef{kNone, kNone});
-    CTestPanel top, child, grandchild;
-    top.SetSkin(&topSkin);
-    child.SetSkin(&clearSkin);
-    grandchild.SetSkin(&clearSkin);
-    ASSERT_TRUE(top.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
-    ASSERT_TRUE(child.CreatePanel(top.m_hWnd, RECT{10, 10, 90, 50}));
-    ValidateRect(top.m_hWnd, nullptr);
-    ValidateRect(child.m_hWnd, nullptr);
-    rec.Watch(top.m_hWnd, "top");
-    rec.Only({WM_PAINT});
-
-    child.SetBackground(top.m_hWnd);
-    Build(child);
-    EXPECT_EQ(rec.Count(WM_PAINT), 1);
-    EXPECT_EQ(topSkin.m_nDraws, 1);
-    EXPECT_EQ(ReadBitmap(child.GetBackBuffer()).At(5, 5), kRed);
-    Build(child);
-    EXPECT_EQ(rec.Count(WM_PAINT), 1) << "once painted, the named window's buffer is used as it is";
-
-    // Only the named window is looked at: a plain window without a buffer gives nothing, although the top
-    // panel above it has one.
-    HWND plain = rec.CreateParent("plain", RECT{100, 50, 190, 95}, top.m_hWnd);
-    ASSERT_TRUE(grandchild.CreatePanel(plain, RECT{0, 0, 40, 40}));
-    ValidateRect(grandchild.m_hWnd, nullptr);
-    grandchild.SetBackground(plain);
-    rec.Clear();
-    Build(grandchild);
-    EXPECT_EQ(rec.Count(WM_PAINT, 1), 1) << "the named window was made to paint";
-    const DWORD corner = ReadBitmap(grandchild.GetBackBuffer()).At(5, 5);
-    EXPECT_NE(corner, kBlue);
-    EXPECT_NE(corner, kRed);
-    DestroyWindow(top.m_hWnd);
-}
-
-TEST(BackBuffer, PartsCopyStretchAndNeverBuildForAnEmptyRectangle)
-{
-    LibraryState lib;
-    CTestPanelSkin skin;
-    CTestPanel panel;
-    panel.SetSkin(&skin);
-    ASSERT_TRUE(panel.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
-    ValidateRect(panel.m_hWnd, nullptr);
-    const RECT client = {0, 0, 200, 100};
-    HDC screen = GetDC(nullptr);
-    HDC memory = CreateCompatibleDC(screen);
-    HBITMAP target = CreateCompatibleBitmap(screen, 20, 20);
-    HGDIOBJ old = SelectObject(memory, target);
-    panel.DrawBackBufferPart(memory, client, RECT{0, 0, 0, 10}, RECT{0, 0, 10, 10});
-    panel.DrawBackBufferPart(memory, client, RECT{0, 0, 10, 10}, RECT{5, 5, 10, 5});
-    EXPECT_EQ(skin.m_nDraws, 0);
-    EXPECT_FALSE(panel.GetBackBuffer());
-    // 10 x 10 of the right half stretched to 20 x 20.
-    panel.DrawBackBufferPart(memory, client, RECT{150, 40, 160, 50}, RECT{0, 0, 20, 20});
-    EXPECT_EQ(skin.m_nDraws, 1);
-    SelectObject(memory, old);
-    EXPECT_EQ(ReadBitmap(target).At(15, 15), kBlue);
-    DeleteObject(target);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
 
     // A window of no size has no buffer, and its paint copies nothing.
-    CTestPanel empty;
-    empty.SetSkin(&skin);
-    ASSERT_TRUE(empty.CreatePanel(nullptr, RECT{0, 0, 0, 0}));
+    ASSERT_TRUE(empty.CreatePanel(nullptr, RECT{0, 0, 0, 0}, &skin));
     UpdateWindow(empty.m_hWnd);
     HDC dc = GetDC(empty.m_hWnd);
     empty.DrawBackBuffer(dc, RECT{0, 0, 0, 0}, RECT{0, 0, 0, 0});
     ReleaseDC(empty.m_hWnd, dc);
     EXPECT_FALSE(empty.GetBackBuffer());
     DestroyWindow(empty.m_hWnd);
-    DestroyWindow(panel.m_hWnd);
 }
 
+// A red and blue top panel that has painted, with a child `child` at `rect` that has not.
+class Nested : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(top.CreatePanel(nullptr, kTopRect, &topSkin));
+        ASSERT_TRUE(child.CreatePanel(top.m_hWnd, RECT{50, 20, 150, 80}, &middleSkin));
+        ValidateRect(child.m_hWnd, nullptr);
+        UpdateWindow(top.m_hWnd);
+    }
+    void TearDown() override { DestroyWindow(top.m_hWnd); }
+
+    LibraryState lib;
+    Recorder rec;
+    CTestSkin topSkin{kRedBlue}, middleSkin{SkinDef{RGB(0, 255, 0), RGB(255, 255, 0)}}, clearSkin;
+    CTestPanel top, child, inner;
+};
+
+TEST_F(Nested, SearchGoesPastAParentThatHasNotPainted)
+{
+    ASSERT_TRUE(inner.CreatePanel(child.m_hWnd, RECT{10, 10, 90, 50}, &clearSkin));  // x 60..140 of the top
+    ValidateRect(inner.m_hWnd, nullptr);
+    ASSERT_TRUE(top.GetBackBuffer());
+    ASSERT_FALSE(child.GetBackBuffer());
+    Capture pixels = Build(inner);
+    EXPECT_EQ(pixels.At(5, 5), kRed) << "the top panel's left half, through the mapped corner";
+    EXPECT_EQ(pixels.At(75, 35), kBlue);
+
+    // Once the middle panel has painted, it is the nearest.
+    InvalidateRect(child.m_hWnd, nullptr, TRUE);
+    UpdateWindow(child.m_hWnd);
+    pixels = Build(inner);
+    EXPECT_EQ(pixels.At(5, 5), kGreen);
+    EXPECT_EQ(pixels.At(75, 35), kYellow);
+}
+
+TEST_F(Nested, SetBackgroundForcesOnePaintOfThatWindowOnly)
+{
+    ValidateRect(top.m_hWnd, nullptr);
+    top.DeleteBackBuffer();
+    child.SetSkin(&clearSkin);
+    rec.Watch(top.m_hWnd, "top");
+    rec.Only({WM_PAINT});
+    topSkin.m_nDraws = 0;
+
+    child.SetBackground(top.m_hWnd);
+    EXPECT_EQ(Build(child).At(5, 5), kRed);
+    EXPECT_EQ(rec.Count(WM_PAINT), 1);
+    EXPECT_EQ(topSkin.m_nDraws, 1);
+    Build(child);
+    EXPECT_EQ(rec.Count(WM_PAINT), 1) << "once painted, the named window's buffer is used as it is";
+
+    // Only the named window is looked at: a plain window without a buffer gives nothing, although the top
+    // panel above it has one.
+    HWND plain = rec.CreateParent("plain", RECT{100, 50, 190, 95}, top.m_hWnd);
+    ASSERT_TRUE(inner.CreatePanel(plain, RECT{0, 0, 40, 40}, &clearSkin));
+    ValidateRect(inner.m_hWnd, nullptr);
+    inner.SetBackground(plain);
+    rec.Clear();
+    const DWORD corner = Build(inner).At(5, 5);
+    EXPECT_EQ(rec.Count(WM_PAINT, 1), 1) << "the named window was made to paint";
+    EXPECT_NE(corner, kBlue);
+    EXPECT_NE(corner, kRed);
+}
+
+// The erase of a button asks its parent for the piece under it, on the child's context; a parent without a
+// valid skin leaves the area as it is.
 TEST(BackBuffer, ButtonEraseAsksItsParentForTheBackground)
 {
     LibraryState lib;
     Recorder rec;
-    CTestPanelSkin skin;
-    CTestButtonSkin buttonSkin;
+    CTestSkin skin(kRedBlue), buttonSkin;
+    struct : CTestSkin {
+        void Validate() override { m_nStatus = StatusInvalid; }
+    } never;
     CTestPanel panel;
     CTestButton button;
-    panel.SetSkin(&skin);
-    ASSERT_TRUE(panel.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
+    ASSERT_TRUE(panel.CreatePanel(nullptr, kTopRect, &skin));
     ASSERT_TRUE(button.Create(panel.m_hWnd, RECT{80, 30, 120, 70}, 1, WS_CHILD | WS_VISIBLE, 0));
     button.SetSkin(&buttonSkin);
     RedrawWindow(panel.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
@@ -219,37 +194,19 @@ TEST(BackBuffer, ButtonEraseAsksItsParentForTheBackground)
                              {1, WM_ERASEBKGND, sent},
                              {0, WM_VUIK_REPAINT, sent | wparam, reinterpret_cast<WPARAM>(button.m_hWnd)}}));
 
-    // The piece of the parent's buffer under the child, on the child's context; nothing from a parent
-    // without a valid skin.
-    HDC screen = GetDC(nullptr);
-    HDC memory = CreateCompatibleDC(screen);
-    HBITMAP target = CreateCompatibleBitmap(screen, 40, 40);
-    HGDIOBJ old = SelectObject(memory, target);
+    Canvas target(40, 40, [](int, int) { return 0xFFFFFFu; });
     PAINTSTRUCT paint = {};
-    paint.hdc = memory;
+    paint.hdc = target;
     paint.rcPaint = RECT{0, 0, 40, 40};
     SendMessageW(panel.m_hWnd, WM_VUIK_REPAINT, reinterpret_cast<WPARAM>(button.m_hWnd),
                  reinterpret_cast<LPARAM>(&paint));
-    SelectObject(memory, old);
-    Capture piece = ReadBitmap(target);
-    EXPECT_EQ(piece.At(5, 5), kRed);
-    EXPECT_EQ(piece.At(35, 5), kBlue);
-    CTestPanelSkin invalid;
-    invalid.SetSkinDef(PanelDef{RGB(1, 2, 3), RGB(1, 2, 3)});
-    struct InvalidSkin : CTestPanelSkin {
-        void Validate() override { m_nStatus = StatusInvalid; }
-    } never;
+    EXPECT_EQ(target.Read().At(5, 5), kRed);
+    EXPECT_EQ(target.Read().At(35, 5), kBlue);
     panel.SetSkin(&never);
-    SelectObject(memory, target);
-    RECT all = {0, 0, 40, 40};
-    FillRect(memory, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    target.Fill([](int, int) { return 0xFFFFFFu; });
     SendMessageW(panel.m_hWnd, WM_VUIK_REPAINT, reinterpret_cast<WPARAM>(button.m_hWnd),
                  reinterpret_cast<LPARAM>(&paint));
-    SelectObject(memory, old);
-    EXPECT_EQ(ReadBitmap(target).At(5, 5), 0xFFFFFFu & 0xFFFFFF);
-    DeleteObject(target);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
+    EXPECT_EQ(target.Read().At(5, 5), 0xFFFFFFu);
     panel.SetSkin(&skin);
     DestroyWindow(panel.m_hWnd);
 }
@@ -271,28 +228,17 @@ TEST_P(SkinnedWindow, ShowsBackgroundsMarksPicturesAndPlaceholders)
 {
     const ScreenCase& c = GetParam();
     LibraryState lib(c.layout);
-    CTestPanelSkin panelSkin;
-    CTestButtonSkin markSkin, badgeSkin, brokenSkin;
-    ButtonDef def = {};
-    for (StateDef& s : def.states)
-        s = StateDef{kNone, RGB(0, 255, 0), 0};
-    markSkin.SetSkinDef(def);
-    for (StateDef& s : def.states)
-        s = StateDef{kNone, kNone, IDB_TEST_BADGE};
-    badgeSkin.SetSkinDef(def);
-    def.states[StateNormal].pictureId = IDB_TEST_MISSING;
-    brokenSkin.SetSkinDef(def);
-    markSkin.Load();
-    badgeSkin.Load();
-    brokenSkin.Load();
-    ASSERT_TRUE(markSkin.IsValid());
+    CTestSkin panelSkin(kRedBlue), markSkin(SkinDef{kNone, kNone, RGB(0, 255, 0)}),
+        badgeSkin(SkinDef{kNone, kNone, kNone, IDB_TEST_BADGE}),
+        brokenSkin(SkinDef{kNone, kNone, kNone, IDB_TEST_MISSING});
+    for (CTestSkin* skin : {&markSkin, &badgeSkin, &brokenSkin})
+        skin->Load();
     ASSERT_TRUE(badgeSkin.IsValid()) << "the test program's own picture loads";
     ASSERT_FALSE(brokenSkin.IsValid());
 
     CTestPanel panel;
     CTestButton mark, badge, broken;
-    panel.SetSkin(&panelSkin);
-    ASSERT_TRUE(panel.CreatePanel(nullptr, RECT{100, 100, 300, 200}));
+    ASSERT_TRUE(panel.CreatePanel(nullptr, kTopRect, &panelSkin));
     ASSERT_TRUE(mark.Create(panel.m_hWnd, RECT{80, 30, 120, 70}, 1, WS_CHILD | WS_VISIBLE, 0));
     ASSERT_TRUE(badge.Create(panel.m_hWnd, RECT{20, 20, 60, 60}, 2, WS_CHILD | WS_VISIBLE, 0));
     ASSERT_TRUE(broken.Create(panel.m_hWnd, RECT{140, 20, 180, 60}, 3, WS_CHILD | WS_VISIBLE, 0));
@@ -306,10 +252,8 @@ TEST_P(SkinnedWindow, ShowsBackgroundsMarksPicturesAndPlaceholders)
     EXPECT_EQ(p.At(10, 90), c.panelLeft);
     EXPECT_EQ(p.At(190, 90), c.panelRight);
     const Capture m = CaptureWindow(mark.m_hWnd);
-    EXPECT_EQ(m.At(5, 20), c.childAt5);
-    EXPECT_EQ(m.At(15, 20), c.childAt15);
-    EXPECT_EQ(m.At(25, 20), c.childAt25);
-    EXPECT_EQ(m.At(35, 20), c.childAt35);
+    EXPECT_EQ((std::vector<uint32_t>{m.At(5, 20), m.At(15, 20), m.At(25, 20), m.At(35, 20)}),
+              (std::vector<uint32_t>{c.childAt5, c.childAt15, c.childAt25, c.childAt35}));
     // The badge: an opaque yellow square in the middle, its transparent frame showing the background.
     const Capture b = CaptureWindow(badge.m_hWnd);
     // Blending through the mask divides by 256, so full colours may come out one step lower.
@@ -318,10 +262,8 @@ TEST_P(SkinnedWindow, ShowsBackgroundsMarksPicturesAndPlaceholders)
     EXPECT_EQ(b.At(2, 2), c.badgeBackground);
     // The placeholder: a box with one diagonal over the parent's background.
     const Capture x = CaptureWindow(broken.m_hWnd);
-    EXPECT_EQ(x.At(0, 20), kBlack);
-    EXPECT_EQ(x.At(20, 0), kBlack);
-    EXPECT_EQ(x.At(20, 20), kBlack);
-    EXPECT_EQ(x.At(7, 7), kBlack);
+    for (POINT line : {POINT{0, 20}, POINT{20, 0}, POINT{20, 20}, POINT{7, 7}})
+        EXPECT_EQ(x.At(line.x, line.y), kBlack) << line.x << "," << line.y;
     EXPECT_EQ(x.At(30, 10), c.placeholderBackground);
     EXPECT_EQ(x.At(10, 30), c.placeholderBackground);
     EXPECT_FALSE(broken.GetBackBuffer()) << "a control without a valid skin builds no buffer";

@@ -2,7 +2,7 @@
 // windows it watches (a recording subclass in front of a window under test, or a window of its recording
 // parent class), each entry with its window, message, sent or posted, and parameters. A test then compares
 // the log with a table of expected entries, in which entries may be optional and parameters are compared only
-// where they matter; on a mismatch both sequences are printed side by side with the first difference marked.
+// where they matter; on a mismatch both sequences are printed with the first difference marked.
 //
 //   msgseq::Recorder rec;
 //   HWND parent = rec.CreateParent("parent", {0, 0, 200, 100});
@@ -43,15 +43,7 @@ struct Expected {
     LPARAM lParam = 0;
 };
 
-struct Entry {
-    HWND hwnd;
-    UINT message;
-    unsigned flags;  // sent or posted
-    WPARAM wParam;
-    LPARAM lParam;
-};
-
-// A parent's answer to a message: return true and set *result to answer it, false to let DefWindowProcW do so.
+// A parent's answer to a message: return true and set *result to answer it, false to let it go on.
 using Handler = std::function<bool(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result)>;
 
 class Recorder {
@@ -63,63 +55,58 @@ public:
 
     // Puts a recording procedure in front of `hwnd`'s present one; returns the window's index.
     int Watch(HWND hwnd, const char* name);
-    // Creates a visible window of the recording class (a top-level popup when `parent` is null, else a child);
-    // it records, then asks the handler, then DefWindowProcW.
-    HWND CreateParent(const char* name, const RECT& rect, HWND parent = nullptr, DWORD style = 0, DWORD exStyle = 0);
-    // Names a window for the printout without recording it; returns its index.
-    int Name(HWND hwnd, const char* name);
-    HWND Window(int index) const;
+    // Creates a visible window of PlainClass() (a top-level popup when `parent` is null, else a child) that
+    // records, then asks the handler, then DefWindowProcW. Its creation is not recorded.
+    HWND CreateParent(const char* name, const RECT& rect, HWND parent = nullptr);
     void SetHandler(Handler handler) { m_handler = std::move(handler); }
 
     // Records only these messages from now on (an empty list: everything but the noise of the window
     // system), and starts the log afresh.
     void Only(std::initializer_list<UINT> messages)
     {
-        m_only.assign(messages.begin(), messages.end());
+        m_only = messages;
         m_entries.clear();
     }
     void Clear() { m_entries.clear(); }
-    const std::vector<Entry>& Entries() const { return m_entries; }
     // Number of recorded `message` entries of window `index` (-1: any window).
     int Count(UINT message, int index = -1) const;
-
     ::testing::AssertionResult Matches(const std::vector<Expected>& expected) const;
 
     // Dispatches what is in the queue, for at least `milliseconds`.
     static void Pump(DWORD milliseconds = 0);
 
 private:
-    static LRESULT CALLBACK SubclassProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-    static LRESULT CALLBACK ParentProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-    static LRESULT CALLBACK GetMessageHook(int code, WPARAM wParam, LPARAM lParam);
-    void Record(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-    int IndexOf(HWND hwnd) const;
-    std::string Describe(const Entry& entry) const;
-    std::string Describe(const Expected& expected) const;
-
     struct Watched {
         HWND hwnd;
         std::string name;
-        WNDPROC previous;  // null for windows of the recording class and for named ones
+        WNDPROC previous;  // null for windows of the recording class
     };
+    static LRESULT CALLBACK Proc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK GetMessageHook(int code, WPARAM wParam, LPARAM lParam);
+    int IndexOf(HWND hwnd) const;
+    std::string Describe(const Expected& e, bool recorded) const;
+
     std::vector<Watched> m_windows;
-    std::vector<Entry> m_entries;
+    std::vector<Expected> m_entries;  // recorded: window index, message, sent or posted, both parameters
     std::vector<UINT> m_only;
     Handler m_handler;
     HHOOK m_hook;
-    MSG m_retrieved;  // the queue message being dispatched, until the first window procedure sees it
-    bool m_haveRetrieved;
+    MSG m_retrieved = {};  // the queue message being dispatched, until the first window procedure sees it
+    bool m_haveRetrieved = false;
 };
 
+// A plain registered window class (DefWindowProcW, double clicks, the window colour) for test windows.
+const wchar_t* PlainClass();
 // The name of a message for the printouts (the toolkit's, the buttons', the common ones), else its number.
 std::string MessageName(UINT message);
 
 // Real input through SendInput; the cursor position is in screen coordinates.
-namespace input {
-void MoveTo(POINT screen);
-void LeftDown();
-void LeftUp();
-void Key(WORD vk, bool up);
-}  // namespace input
+struct input {
+    static void MoveTo(POINT screen);
+    static void LeftDown() { Mouse(MOUSEEVENTF_LEFTDOWN); }
+    static void LeftUp() { Mouse(MOUSEEVENTF_LEFTUP); }
+    static void Key(WORD vk, bool up);
+    static void Mouse(DWORD flags, LONG dx = 0, LONG dy = 0);
+};
 
 }  // namespace msgseq

@@ -1,6 +1,6 @@
-// The stand-in connectivity service through the loaders, as the library will use it: the device list and its
-// notifications, the phone's file system with copies, progress and cancel, the contacts with the searches
-// that the contact search sends, versit conversion, and the controller that drives it from another process.
+// The stand-in connectivity service through the loaders, serving the calls the library makes: the device list
+// and its notifications from the controller in another process, copies with progress and cancel, the contacts
+// with the searches that the contact search sends and the reads of the recipient picker.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,8 +17,7 @@ using namespace zcmod::service;
 
 namespace {
 
-using Event = std::pair<DWORD, std::wstring>;
-using Events = std::vector<Event>;
+using Events = std::vector<std::pair<DWORD, std::wstring>>;
 
 class DeviceRecorder : public IDMAPIDeviceNotify {
 public:
@@ -57,37 +56,20 @@ protected:
     Phones phones;
 };
 
-size_t WatcherCount(const Phones& phones)
-{
-    size_t count = 0;
-    WIN32_FIND_DATAW data;
-    HANDLE find = FindFirstFileW((phones.Path() + L"\\.watchers\\*").c_str(), &data);
-    if (find == INVALID_HANDLE_VALUE)
-        return 0;
-    do
-        count += !(data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY);
-    while (FindNextFileW(find, &data));
-    FindClose(find);
-    return count;
-}
-
 }  // namespace
 
 TEST_F(Service, DeviceListAndItsNotificationsFromTheController)
 {
     const std::wstring anna = phones.New(L"anna", L"--name \"Anna's phone\" --model Z200 --media bluetooth");
     const std::wstring ben = phones.New(L"ben", L"--detached --manufacturer Orbix");
-    ASSERT_FALSE(anna.empty());
-    ASSERT_FALSE(ben.empty());
+    ASSERT_FALSE(anna.empty() || ben.empty());
     ASSERT_EQ(DMAPI_Initialize(kDmapiVersion, 0), S_OK);
     HLNKADM dm = nullptr;
     ASSERT_EQ(LNKAOpenDM(&dm), S_OK);
 
+    // The records as the device selection and the contact search read them; a detached phone isn't listed.
     DWORD count = 0;
     ASSERT_EQ(LNKAGetDeviceCount(dm, &count), S_OK);
-    EXPECT_EQ(count, 1u) << "a detached phone is not listed";
-    count = 0;
-    EXPECT_EQ(LNKAGetDevices(dm, &count, nullptr), LNKA_E_BUFFER_TOO_SMALL);
     EXPECT_EQ(count, 1u);
     LNKA_DEVICE devices[2] = {};
     count = 2;
@@ -102,44 +84,31 @@ TEST_F(Service, DeviceListAndItsNotificationsFromTheController)
     EXPECT_STREQ(devices[0].pItems[0].pstrDeviceName, L"BLUETOOTH");
     EXPECT_NE(devices[0].pItems[0].dwDeviceID, 0u);
     EXPECT_EQ(LNKAFreeDeviceStructure(count, devices), S_OK);
-    EXPECT_EQ(devices[0].pstrSerialNumber, nullptr);
-    EXPECT_EQ(devices[0].pItems, nullptr);
-    EXPECT_EQ(LNKAGetDevice(dm, ben.c_str(), devices), LNKA_E_DEVICE_NOT_CONNECTED);
 
+    // The controller's changes reach a registered interface and a registered callback alike.
     DeviceRecorder viaInterface, viaCallback;
     g_callbackRecorder = &viaCallback;
     ASSERT_EQ(LNKARegisterDMNotifyIF(dm, API_REGISTER, &viaInterface), S_OK);
     ASSERT_EQ(LNKARegisterNotifyCallback(dm, API_REGISTER, RecordingCallback), S_OK);
-    EXPECT_EQ(WatcherCount(phones), 1u);
-
-    ASSERT_EQ(phones.Ctl(L"attach ben").exitCode, 0u);
-    viaInterface.WaitFor(1);
-    ASSERT_EQ(phones.Ctl(L"rename anna \"Anna 2\"").exitCode, 0u);
-    viaInterface.WaitFor(2);
-    ASSERT_EQ(LNKARenameFriendlyName(dm, ben.c_str(), L"Ben's"), S_OK);
-    viaInterface.WaitFor(3);
-    ASSERT_EQ(LNKARefreshDeviceList(dm, 0), S_OK);
-    viaInterface.WaitFor(4);
-    ASSERT_EQ(phones.Ctl(L"detach anna").exitCode, 0u);
-    viaInterface.WaitFor(5);
+    const wchar_t* steps[] = {L"attach ben", L"rename anna \"Anna 2\"", L"detach anna"};
+    for (size_t i = 0; i < std::size(steps); ++i) {
+        ASSERT_EQ(phones.Ctl(steps[i]).exitCode, 0u) << steps[i];
+        viaInterface.WaitFor(i + 1);
+    }
     ASSERT_EQ(phones.Ctl(L"remove " + ben).exitCode, 0u);
-    const Events expected = {{DEVICE_ADDED, ben},        {DEVICE_UPDATED, anna}, {DEVICE_UPDATED, ben},
-                             {DEVICE_LIST_UPDATED, L""}, {DEVICE_REMOVED, anna}, {DEVICE_REMOVED, ben}};
-    EXPECT_EQ(viaInterface.WaitFor(6), expected);
-    EXPECT_EQ(viaCallback.WaitFor(6), expected);
-    EXPECT_NE(phones.Ctl(L"list").output.find("Anna 2"), std::string::npos);
+    const Events expected = {
+        {DEVICE_ADDED, ben}, {DEVICE_UPDATED, anna}, {DEVICE_REMOVED, anna}, {DEVICE_REMOVED, ben}};
+    EXPECT_EQ(viaInterface.WaitFor(4), expected);
+    EXPECT_EQ(viaCallback.WaitFor(4), expected);
 
-    // Unregistered listeners hear nothing more; a second removal is refused.
+    // Unregistered listeners hear nothing more.
     ASSERT_EQ(LNKARegisterDMNotifyIF(dm, API_UNREGISTER, &viaInterface), S_OK);
     ASSERT_EQ(LNKARegisterNotifyCallback(dm, API_UNREGISTER, RecordingCallback), S_OK);
-    EXPECT_EQ(LNKARegisterNotifyCallback(dm, API_UNREGISTER, RecordingCallback), LNKA_E_INVALID_PARAMETER);
     ASSERT_EQ(phones.Ctl(L"attach anna").exitCode, 0u);
     Sleep(300);
-    EXPECT_EQ(viaInterface.WaitFor(0).size(), 6u);
+    EXPECT_EQ(viaInterface.WaitFor(0).size(), 4u);
+    EXPECT_EQ(viaCallback.WaitFor(0).size(), 4u);
     EXPECT_EQ(LNKACloseDM(dm), S_OK);
-    EXPECT_EQ(LNKACloseDM(dm), LNKA_E_INVALID_HANDLE);
-    EXPECT_EQ(DMAPI_Terminate(0), S_OK);
-    EXPECT_EQ(WatcherCount(phones), 0u) << "the watcher is gone with the last Terminate";
 }
 
 namespace {
@@ -159,19 +128,13 @@ public:
     {
         reports.emplace_back(state, percent);
         lastBytes = bytes;
-        if (reports.size() > 1 || state != LNKA_PROGRESS_RUNNING)
-            return S_OK;
-        switch (act) {
-            case Act::Cancel:
-                LNKACancel(fs);
-                break;
-            case Act::Refuse:
+        if (reports.size() == 1 && state == LNKA_PROGRESS_RUNNING) {
+            if (act == Act::Refuse)
                 return LNKA_E_CANCELLED;
-            case Act::Detach:
+            if (act == Act::Cancel)
+                LNKACancel(fs);
+            if (act == Act::Detach)
                 phones->Ctl(L"detach files");
-                break;
-            case Act::None:
-                break;
         }
         return S_OK;
     }
@@ -182,118 +145,58 @@ public:
     }
 };
 
-std::vector<std::wstring> List(HLNKAFS fs, const wchar_t* folder, bool folders, HRESULT* result = nullptr)
-{
-    std::vector<std::wstring> names;
-    HLNKAFIND find = nullptr;
-    const HRESULT begun = LNKAFindBegin(fs, folder, 0, &find);
-    if (result)
-        *result = begun;
-    if (begun != S_OK)
-        return names;
-    LNKA_FILE_INFO* info = nullptr;
-    while ((folders ? LNKAFindNextFolder(find, &info) : LNKAFindNextFile(find, &info)) == S_OK) {
-        names.push_back(info->pstrName);
-        LNKAFreeFileInfoStructure(info);
-    }
-    LNKAFindEnd(find);
-    return names;
-}
-
 }  // namespace
 
-TEST_F(Service, FileSystemFoldersCopiesProgressAndCancel)
+TEST_F(Service, CopiesWithProgressAndCancel)
 {
     const std::wstring serial = phones.New(L"files", L"--files 8");
     ASSERT_EQ(FSAPI_Initialize(kFsapiVersion, 0), S_OK);
     HLNKAFS fs = nullptr;
-    DWORD media = LNKA_MEDIA_BLUETOOTH, id = 0;
-    EXPECT_EQ(LNKAOpenFS(serial.c_str(), &media, &fs, &id), LNKA_E_MEDIA_NOT_AVAILABLE);
-    media = LNKA_MEDIA_USB;
+    DWORD media = LNKA_MEDIA_USB, id = 0;
     ASSERT_EQ(LNKAOpenFS(serial.c_str(), &media, &fs, &id), S_OK);
-    EXPECT_NE(id, 0u);
-    EXPECT_EQ(LNKAOpenFS(L"000", &media, &fs, &id), LNKA_E_DEVICE_NOT_CONNECTED);
-
-    EXPECT_EQ(List(fs, L"\\", true), (std::vector<std::wstring>{L"C:", L"E:"}));
-    EXPECT_EQ(List(fs, L"\\C:\\Pictures", false), (std::vector<std::wstring>{L"IMG_0001.jpg", L"IMG_0002.jpg"}));
-    EXPECT_EQ(List(fs, L"C:/Sounds", false).size(), 2u);
-    const struct {
-        const wchar_t* path;
-        HRESULT result;
-    } paths[] = {{L"\\..", LNKA_E_INVALID_NAME},
-                 {L"\\C:\\..\\..", LNKA_E_INVALID_NAME},
-                 {L"\\C:\\Pictures\\..", LNKA_E_INVALID_NAME},
-                 {L"\\C:\\a:b", LNKA_E_INVALID_NAME},
-                 {L"\\C:\\D:", LNKA_E_INVALID_NAME},
-                 {L"\\nowhere", LNKA_E_FOLDER_NOT_FOUND}};
-    for (const auto& p : paths) {
-        HRESULT result = S_OK;
-        List(fs, p.path, true, &result);
-        EXPECT_EQ(result, p.result) << p.path;
-    }
-
-    // Folders and files.
-    EXPECT_EQ(LNKACreateFolder(fs, L"\\C:", L"Trips"), S_OK);
-    EXPECT_EQ(LNKACreateFolder(fs, L"\\C:", L"Trips"), LNKA_E_ALREADY_EXISTS);
-    EXPECT_EQ(LNKACreateFolder(fs, L"\\C:", L"a\\b"), LNKA_E_INVALID_NAME);
-    EXPECT_EQ(LNKARenameFolder(fs, L"\\C:", L"Trips", L"Travel"), S_OK);
-    LNKA_FOLDER_INFO* folder = nullptr;
-    ASSERT_EQ(LNKAGetFolderInfo(fs, L"\\C:", L"Pictures", 0, &folder, 0), S_OK);
-    EXPECT_STREQ(folder->pstrPath, L"\\C:\\Pictures");
-    EXPECT_EQ(folder->dwFiles, 2u);
-    LNKAFreeFolderInfoStructure(folder);
-    LNKA_FILE_INFO* file = nullptr;
-    ASSERT_EQ(LNKAGetFileInfo(fs, L"\\C:\\Pictures", L"IMG_0001.jpg", &file), S_OK);
-    const std::string picture = ReadWholeFile(phones.Folder(L"files") + L"\\files\\C\\Pictures\\IMG_0001.jpg");
-    EXPECT_EQ(file->qwFileSize, picture.size());
-    LNKAFreeFileInfoStructure(file);
+    const std::wstring drive = phones.Folder(L"files") + L"\\files\\";
+    const std::vector<uint8_t> picture = ReadBytes(drive + L"C\\Pictures\\IMG_0001.jpg");
+    ASSERT_FALSE(picture.empty());
+    ScratchFolder scratch;
+    std::wstring pc = scratch.File(L"");
+    pc.pop_back();
 
     // Down and up, with progress.
-    TempFolder pc(L"pc");
     ProgressRecorder progress;
     progress.fs = fs;
     progress.phones = &phones;
     ASSERT_EQ(LNKARegisterFSNotifyIF(fs, API_REGISTER, &progress), S_OK);
-    ASSERT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"IMG_0001.jpg", L"\\C:\\Pictures", pc.Path().c_str()), S_OK);
-    EXPECT_EQ(ReadWholeFile(pc.Path() + L"\\IMG_0001.jpg"), picture);
+    ASSERT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"IMG_0001.jpg", L"\\C:\\Pictures", pc.c_str()), S_OK);
+    EXPECT_EQ(ReadBytes(scratch.File(L"IMG_0001.jpg")), picture);
     ASSERT_GE(progress.reports.size(), 2u);
     EXPECT_TRUE(std::is_sorted(progress.reports.begin(), progress.reports.end()));
     EXPECT_EQ(progress.reports.back(), std::make_pair(static_cast<DWORD>(LNKA_PROGRESS_RUNNING), 100ul));
     EXPECT_EQ(progress.lastBytes, picture.size());
-    ASSERT_EQ(LNKACopyFile(fs, LNKA_COPY_TO_DEVICE, L"IMG_0001.jpg", pc.Path().c_str(), L"\\C:\\Travel"), S_OK);
-    EXPECT_EQ(ReadWholeFile(phones.Folder(L"files") + L"\\files\\C\\Travel\\IMG_0001.jpg"), picture);
-    EXPECT_EQ(LNKACopyFile(fs, 0x13, L"IMG_0001.jpg", pc.Path().c_str(), L"\\C:"), LNKA_E_INVALID_PARAMETER);
-    EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"none.jpg", L"\\C:", pc.Path().c_str()), LNKA_E_FILE_NOT_FOUND);
-    EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"..\\x", L"\\C:", pc.Path().c_str()), LNKA_E_INVALID_NAME);
+    ASSERT_EQ(LNKACopyFile(fs, LNKA_COPY_TO_DEVICE, L"IMG_0001.jpg", pc.c_str(), L"\\E:"), S_OK);
+    EXPECT_EQ(ReadBytes(drive + L"E\\IMG_0001.jpg"), picture);
+    EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"none.jpg", L"\\C:", pc.c_str()), LNKA_E_FILE_NOT_FOUND);
 
     // Stopped transfers leave the target as it was. A file of 50 blocks, so that a stop has blocks to stop.
-    WriteWholeFile(phones.Folder(L"files") + L"\\files\\C\\Pictures\\big.bin", std::string(200000, 'b'));
-    const std::wstring target = pc.Path() + L"\\big.bin";
+    WriteBytes(drive + L"C\\Pictures\\big.bin", std::vector<uint8_t>(200000, 'b'));
+    const std::vector<uint8_t> old = {'o', 'l', 'd'};
     for (auto act : {ProgressRecorder::Act::Cancel, ProgressRecorder::Act::Refuse}) {
-        WriteWholeFile(target, "old");
+        scratch.Write(L"big.bin", old);
         progress.reports.clear();
         progress.act = act;
-        EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"big.bin", L"\\C:\\Pictures", pc.Path().c_str()),
-                  LNKA_E_CANCELLED);
-        EXPECT_TRUE(ReadWholeFile(target) == "old") << "the target is left as it was";
-        EXPECT_EQ(GetFileAttributesW((target + L".partial").c_str()), INVALID_FILE_ATTRIBUTES);
+        EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"big.bin", L"\\C:\\Pictures", pc.c_str()), LNKA_E_CANCELLED);
+        EXPECT_TRUE(ReadBytes(scratch.File(L"big.bin")) == old) << "the target is left as it was";
+        EXPECT_EQ(GetFileAttributesW(scratch.File(L"big.bin.partial").c_str()), INVALID_FILE_ATTRIBUTES);
         EXPECT_LT(progress.reports.size(), 3u);
     }
-    SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_READONLY);
-    progress.act = ProgressRecorder::Act::None;
-    EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"big.bin", L"\\C:\\Pictures", pc.Path().c_str()),
-              LNKA_E_ACCESS_DENIED);
-    SetFileAttributesW(target.c_str(), FILE_ATTRIBUTE_NORMAL);
 
-    // The phone goes away during a copy.
+    // The phone goes away during a copy; the file system's listener is told.
     progress.reports.clear();
     progress.act = ProgressRecorder::Act::Detach;
-    EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"big.bin", L"\\C:\\Pictures", pc.Path().c_str()),
+    EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"big.bin", L"\\C:\\Pictures", pc.c_str()),
               LNKA_E_DEVICE_NOT_CONNECTED);
     EXPECT_EQ(progress.reports.back().first, static_cast<DWORD>(LNKA_PROGRESS_ABORTED));
-    EXPECT_TRUE(ReadWholeFile(target) == "old");
-    EXPECT_EQ(LNKACreateFolder(fs, L"\\C:", L"More"), LNKA_E_DEVICE_NOT_CONNECTED);
-    EXPECT_TRUE(WaitUntil([&] { return progress.removed == 1; })) << "the watcher tells the file system's listener";
+    EXPECT_TRUE(ReadBytes(scratch.File(L"big.bin")) == old);
+    EXPECT_TRUE(WaitUntil([&] { return progress.removed == 1; }));
     EXPECT_EQ(LNKARegisterFSNotifyIF(fs, API_UNREGISTER, &progress), S_OK);
     EXPECT_EQ(LNKACloseFS(fs), S_OK);
 }
@@ -322,21 +225,20 @@ std::wstring NameOf(const ContactItem& item)
     return first.empty() && last.empty() ? single : first + L" " + last;
 }
 
-std::set<std::wstring> Search(HCA ca, int slot, DWORD fieldClass, DWORD subType, const wchar_t* pattern,
-                              HRESULT* result = nullptr)
+using Names = std::set<std::wstring>;
+
+// A search as the contact search sends it: one field in the personal (0), number (1) or address (2) slot.
+Names Search(HCA ca, int slot, DWORD fieldClass, DWORD subType, const wchar_t* pattern)
 {
     ContactField field = {sizeof(ContactField), 0, fieldClass, subType, const_cast<wchar_t*>(pattern)};
     ContactItem condition = {};
     condition.dwSize = sizeof(condition);
     (slot == 0 ? condition.bPersonalCount : slot == 1 ? condition.bNumberCount : condition.bAddressCount) = 1;
     (slot == 0 ? condition.pPersonal : slot == 1 ? condition.pNumbers : condition.pAddresses) = &field;
-    std::set<std::wstring> names;
+    Names names;
     HCAFIND find = nullptr;
-    const HRESULT begun = CAFindBegin(ca, 0, &condition, &find);
-    if (result)
-        *result = begun;
-    if (begun != S_OK)
-        return names;
+    if (CAFindBegin(ca, 0, &condition, &find) != S_OK)
+        return {L"(no search)"};
     ContactItem item = {};
     item.dwSize = sizeof(item);
     while (CAFindNext(find, CA_DATA_FORMAT_STRUCT, &item) == S_OK) {
@@ -348,21 +250,17 @@ std::set<std::wstring> Search(HCA ca, int slot, DWORD fieldClass, DWORD subType,
     return names;
 }
 
-using Names = std::set<std::wstring>;
-
 }  // namespace
 
-TEST_F(Service, ContactsReadAndSearchedAsTheContactSearchAsks)
+TEST_F(Service, ContactsReadAndSearchedAsTheLibraryAsks)
 {
     const std::wstring serial = phones.New(L"contacts");
-    WriteWholeFile(phones.Folder(L"contacts") + L"\\contacts.vcf", kContacts);
+    WriteBytes(phones.Folder(L"contacts") + L"\\contacts.vcf",
+               std::vector<uint8_t>(std::begin(kContacts), std::end(kContacts) - 1));
     ASSERT_EQ(CAAPI_Initialize(kCaapiVersion, 0), S_OK);
     ASSERT_EQ(VCAPI_Initialize(kVcapiVersion, 0), S_OK);
     HCA ca = nullptr;
-    DWORD target = 2;
-    EXPECT_EQ(DAOpenCA(serial.c_str(), &target, 1, &ca), LNKA_E_NOT_SUPPORTED);
-    target = CA_TARGET_CONTACTS;
-    EXPECT_EQ(DAOpenCA(L"unknown", &target, 1, &ca), LNKA_E_DEVICE_NOT_CONNECTED);
+    DWORD target = CA_TARGET_CONTACTS;
     ASSERT_EQ(DAOpenCA(serial.c_str(), &target, 1, &ca), S_OK);
     ASSERT_NE(ca, nullptr);
 
@@ -388,11 +286,9 @@ TEST_F(Service, ContactsReadAndSearchedAsTheContactSearchAsks)
     };
     for (const auto& s : searches)
         EXPECT_EQ(Search(ca, s.slot, s.fieldClass, s.subType, s.pattern), s.names) << s.pattern << " " << s.subType;
-    HRESULT bad = S_OK;
-    Search(ca, 0, CA_FIELD_CLASS_PERSONAL, 0, nullptr, &bad);
-    EXPECT_EQ(bad, LNKA_E_INVALID_PARAMETER) << "a condition without a value";
 
-    // The folder, the ids and the items, as structures and as vCards read back by the converter.
+    // The recipient picker's reads: the folder, the ids, and each item as a vCard that the converter turns into
+    // the contact that the structure read gives.
     CA_FOLDER_INFO* folder = nullptr;
     ASSERT_EQ(CAGetFolderInfo(ca, &folder), S_OK);
     EXPECT_EQ(folder->dwItemCount, 5u);
@@ -407,61 +303,30 @@ TEST_F(Service, ContactsReadAndSearchedAsTheContactSearchAsks)
         CA_DATA_VERSIT versit = {sizeof(versit), 0, nullptr};
         ASSERT_EQ(CAReadItem(op, ids->pdwIds[i], 0, CA_DATA_FORMAT_STRUCT, &item), S_OK);
         ASSERT_EQ(CAReadItem(op, ids->pdwIds[i], 0, CA_DATA_FORMAT_VERSIT, &versit), S_OK);
-        DWORD format = 0;
-        EXPECT_EQ(ValidateVersitData(&versit, &format), S_OK);
         ASSERT_EQ(ConvertFromVersit(&versit, CA_DATA_FORMAT_STRUCT, &converted), S_OK);
         EXPECT_EQ(NameOf(converted), NameOf(item));
         ASSERT_EQ(converted.bNumberCount + converted.bAddressCount, item.bNumberCount + item.bAddressCount);
         for (BYTE k = 0; k < item.bAddressCount; ++k)
             EXPECT_STREQ(converted.pAddresses[k].pstrValue, item.pAddresses[k].pstrValue);
-        CA_DATA_VERSIT again = {sizeof(again), 0, nullptr};
-        ASSERT_EQ(ConvertToVersit(CA_DATA_FORMAT_STRUCT, &item, &again), S_OK);
-        EXPECT_EQ(std::string(reinterpret_cast<char*>(again.pbVersitObject), again.dwDataLength),
-                  std::string(reinterpret_cast<char*>(versit.pbVersitObject), versit.dwDataLength));
-        EXPECT_EQ(FreeVersitData(&again), S_OK);
         EXPECT_EQ(FreeConverterData(CA_DATA_FORMAT_STRUCT, &converted), S_OK);
         EXPECT_EQ(CAFreeItemData(ca, CA_DATA_FORMAT_VERSIT, &versit), S_OK);
         EXPECT_EQ(CAFreeItemData(ca, CA_DATA_FORMAT_STRUCT, &item), S_OK);
     }
-    ContactItem none = {};
-    none.dwSize = sizeof(none);
-    EXPECT_EQ(CAReadItem(op, 6, 0, CA_DATA_FORMAT_STRUCT, &none), CA_E_ITEM_NOT_FOUND);
-    CA_DATA_VERSIT empty = {sizeof(empty), 4, reinterpret_cast<BYTE*>(const_cast<char*>("junk"))};
-    EXPECT_EQ(ValidateVersitData(&empty, nullptr), CA_E_ITEM_NOT_FOUND);
     EXPECT_EQ(CAEndOperation(op), S_OK);
     CAFreeIdListStructure(ids);
     CAFreeFolderInfoStructure(folder);
 
     // The phone goes away during a search: the search ends with an error.
     ContactField field = {sizeof(ContactField), 0, CA_FIELD_CLASS_ANY, 0, const_cast<wchar_t*>(L"%")};
-    ContactItem condition = {};
-    condition.dwSize = sizeof(condition);
+    ContactItem condition = {}, item = {};
+    condition.dwSize = item.dwSize = sizeof(ContactItem);
     condition.bAddressCount = 1;
     condition.pAddresses = &field;
     HCAFIND find = nullptr;
     ASSERT_EQ(CAFindBegin(ca, 0, &condition, &find), S_OK);
     ASSERT_EQ(phones.Ctl(L"detach contacts").exitCode, 0u);
     Sleep(60);
-    ContactItem item = {};
-    item.dwSize = sizeof(item);
     EXPECT_EQ(CAFindNext(find, CA_DATA_FORMAT_STRUCT, &item), LNKA_E_DEVICE_NOT_CONNECTED);
     EXPECT_EQ(CAFindEnd(find), S_OK);
     EXPECT_EQ(DACloseCA(ca), S_OK);
-}
-
-TEST_F(Service, APhoneOfTenThousandContactsMadeByTheController)
-{
-    const std::wstring serial = phones.New(L"big", L"--contacts 10000 --seed 5 --version 3.0");
-    ASSERT_EQ(CAAPI_Initialize(kCaapiVersion, 0), S_OK);
-    HCA ca = nullptr;
-    DWORD target = CA_TARGET_CONTACTS;
-    ASSERT_EQ(DAOpenCA(serial.c_str(), &target, 1, &ca), S_OK);
-    CA_FOLDER_INFO* folder = nullptr;
-    ASSERT_EQ(CAGetFolderInfo(ca, &folder), S_OK);
-    EXPECT_EQ(folder->dwItemCount, 10000u);
-    CAFreeFolderInfoStructure(folder);
-    const Names found = Search(ca, 0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, L"ann%");
-    EXPECT_GE(found.size(), 4u) << "Anna, Ann, Annabel, Anne Marie with several last names";
-    for (const std::wstring& name : found)
-        EXPECT_EQ(_wcsnicmp(name.c_str(), L"ann", 3), 0) << name;
 }

@@ -4,11 +4,14 @@
 
 #include <windows.h>
 
+#include <shellapi.h>
+
 #include <chrono>
 #include <functional>
 #include <string>
 #include <thread>
 
+#include "ImageTestSupport.h"
 #include "TestSupport.h"
 #include "device/ConnectivityApi.h"
 
@@ -17,13 +20,9 @@ namespace zcmod_test {
 constexpr wchar_t kApiKeyW[] = L"SOFTWARE\\Desk Link Service\\API";
 constexpr wchar_t kStandInServiceKey[] = L"Software\\ZCMOD Stand-ins\\Service";
 
-inline std::wstring ServiceDir()
+inline std::wstring ServiceDir(const wchar_t* kind = L"service")
 {
-    return BinDir() + L"\\standins\\service";
-}
-inline std::wstring PartialServiceDir()
-{
-    return BinDir() + L"\\standins\\service-partial";
+    return BinDir() + L"\\standins\\" + kind;
 }
 
 // Removes the service's keys when made and when destroyed; points the four interfaces at the stand-ins.
@@ -49,7 +48,6 @@ public:
     {
         SetString(HKEY_LOCAL_MACHINE, kApiKeyW, value, path);
     }
-    void SetOptions(DWORD options) { SetDword(HKEY_LOCAL_MACHINE, kApiKeyW, L"Options", options); }
     // A hook of the stand-in (PhoneService.h): "InitializeResult", "TerminateDelay".
     void SetHook(const wchar_t* name, DWORD value) { SetDword(HKEY_CURRENT_USER, kStandInServiceKey, name, value); }
 
@@ -61,70 +59,52 @@ private:
     }
 };
 
+// Removes a folder with all it holds.
 inline void RemoveTree(const std::wstring& folder)
 {
-    WIN32_FIND_DATAW data;
-    HANDLE find = FindFirstFileW((folder + L"\\*").c_str(), &data);
-    if (find != INVALID_HANDLE_VALUE) {
-        do {
-            const std::wstring name = data.cFileName;
-            if (name == L"." || name == L"..")
-                continue;
-            const std::wstring path = folder + L"\\" + name;
-            SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-            if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
-                RemoveTree(path);
-            else
-                DeleteFileW(path.c_str());
-        } while (FindNextFileW(find, &data));
-        FindClose(find);
-    }
-    RemoveDirectoryW(folder.c_str());
+    const std::wstring from = folder + L'\0';  // a list of one name, ended by a second null
+    SHFILEOPSTRUCTW operation = {};
+    operation.wFunc = FO_DELETE;
+    operation.pFrom = from.c_str();
+    operation.fFlags = FOF_NO_UI;
+    SHFileOperationW(&operation);
 }
 
-// A folder of the test's own under the temporary folder, removed at the end.
-class TempFolder {
+// The stand-in's phones root for this test, a fresh folder set in the registry and removed with all it holds;
+// the controller works on it.
+class Phones {
 public:
-    explicit TempFolder(const wchar_t* kind)
+    Phones()
     {
         wchar_t temp[MAX_PATH];
         GetTempPathW(MAX_PATH, temp);
-        static unsigned counter = 0;
-        m_path = std::wstring(temp) + L"zcmod-" + kind + L"-" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-                 std::to_wstring(++counter);
+        m_path = temp + (L"zcmod-phones-" + std::to_wstring(GetCurrentProcessId()));
         RemoveTree(m_path);
         CreateDirectoryW(m_path.c_str(), nullptr);
+        SetString(HKEY_CURRENT_USER, kStandInServiceKey, L"PhonesRoot", m_path);
     }
-    ~TempFolder() { RemoveTree(m_path); }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-    const std::wstring& Path() const { return m_path; }
+    ~Phones() { RemoveTree(m_path); }
+    Phones(const Phones&) = delete;
+    Phones& operator=(const Phones&) = delete;
 
-private:
-    std::wstring m_path;
-};
-
-// The stand-in's phones root for this test, set in the registry; the controller works on it.
-class Phones : public TempFolder {
-public:
-    Phones() : TempFolder(L"phones") { SetString(HKEY_CURRENT_USER, kStandInServiceKey, L"PhonesRoot", Path()); }
     ProcessResult Ctl(const std::wstring& args) const
     {
-        return RunProcess(BinDir() + L"\\phonectl.exe", L"--root \"" + Path() + L"\" " + args, BinDir());
+        return RunProcess(BinDir() + L"\\phonectl.exe", L"--root \"" + m_path + L"\" " + args, BinDir());
     }
     // Creates a phone and gives its serial.
     std::wstring New(const std::wstring& id, const std::wstring& options = L"") const
     {
         const ProcessResult made = Ctl(L"new " + id + L" " + options);
-        const size_t blank = made.output.find(' ');
+        const size_t blank = made.output.find(' '), end = made.output.find_first_of("\r\n");
         if (made.exitCode != 0 || blank == std::string::npos)
             return L"";
-        std::string serial = made.output.substr(blank + 1);
-        while (!serial.empty() && (serial.back() == '\n' || serial.back() == '\r'))
-            serial.pop_back();
+        const std::string serial = made.output.substr(blank + 1, end == std::string::npos ? end : end - blank - 1);
         return std::wstring(serial.begin(), serial.end());
     }
-    std::wstring Folder(const std::wstring& id) const { return Path() + L"\\" + id; }
+    std::wstring Folder(const std::wstring& id) const { return m_path + L"\\" + id; }
+
+private:
+    std::wstring m_path;
 };
 
 // Polls `done` until it holds or `timeoutMs` has passed.
@@ -152,36 +132,9 @@ inline void SignalServiceEvent(const char* name)
 inline void TerminateAllInterfaces()
 {
     using namespace zcmod::service;
-    while (DMAPI_Terminate(0) == S_OK) {
-    }
-    while (FSAPI_Terminate(0) == S_OK) {
-    }
-    while (VCAPI_Terminate(0) == S_OK) {
-    }
-    while (CAAPI_Terminate(0) == S_OK) {
-    }
-}
-
-inline std::string ReadWholeFile(const std::wstring& path)
-{
-    std::string bytes;
-    HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-        return bytes;
-    char buffer[65536];
-    DWORD got = 0;
-    while (ReadFile(file, buffer, sizeof(buffer), &got, nullptr) && got)
-        bytes.append(buffer, got);
-    CloseHandle(file);
-    return bytes;
-}
-
-inline void WriteWholeFile(const std::wstring& path, const std::string& bytes)
-{
-    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    DWORD written = 0;
-    WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-    CloseHandle(file);
+    for (HRESULT (*terminate)(DWORD) : {DMAPI_Terminate, FSAPI_Terminate, VCAPI_Terminate, CAAPI_Terminate})
+        while (terminate(0) == S_OK) {
+        }
 }
 
 }  // namespace zcmod_test

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 #include "ImageTestSupport.h"
+#include "TestSkins.h"
 #include "TestSupport.h"
 #include "zcmod/VuikBitmap.h"
 #include "zcmod/VuikGraphics.h"
@@ -14,15 +14,9 @@
 #include "zcmod/VuikResourceManager.h"
 
 using namespace zcmod_test;
+using namespace testskin;
 
 namespace {
-
-// CVuikLib can't be instantiated: its protected parts are reached through a class derived from it.
-struct Lib : CVuikLib {
-    using CVuikLib::BlenderFunc;
-    using CVuikLib::m_ScaleX;
-    using CVuikLib::m_ScaleY;
-};
 
 constexpr UINT kColumns = 900;  // RGBA 10 x 10: red 20x + 5, green 20y + 5, blue 100; mask 25x
 constexpr UINT kOpaque = 901;   // RGB 3 x 2, no mask
@@ -36,62 +30,17 @@ uint32_t ColumnsMask(int x, int)
 {
     return 0x010101u * static_cast<uint32_t>(25 * x);
 }
-
-using Colour = std::function<uint32_t(int x, int y)>;
-
-// A 32-bit top-down section of 0x00RRGGBB pixels.
-HBITMAP MakeSection(int w, int h, const Colour& colour, uint32_t** bits = nullptr)
+uint32_t FlippedPixel(int x, int y)
 {
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, -h, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* memory = nullptr;
-    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &memory, nullptr, 0);
-    auto* pixels = static_cast<uint32_t*>(memory);
-    for (int i = 0; bitmap && i < w * h; ++i)
-        pixels[i] = colour(i % w, i / w);
-    if (bits)
-        *bits = pixels;
-    return bitmap;
+    return ColumnsPixel(9 - x, y);
+}
+uint32_t FlippedMask(int x, int y)
+{
+    return ColumnsMask(9 - x, y);
 }
 HBITMAP MakeSolid(int w, int h, uint32_t rgb)
 {
     return MakeSection(w, h, [rgb](int, int) { return rgb; });
-}
-
-// Any bitmap's pixels, top-down, as 0x00RRGGBB.
-struct Picture {
-    int width = 0;
-    int height = 0;
-    std::vector<uint32_t> pixels;
-    uint32_t At(int x, int y) const { return pixels[static_cast<size_t>(y) * width + x] & 0xFFFFFF; }
-    // Every pixel as `expected` says; the first that isn't is reported.
-    bool Is(const Colour& expected) const
-    {
-        for (int i = 0; i < width * height; ++i)
-            if (At(i % width, i / width) != expected(i % width, i / width)) {
-                ADD_FAILURE() << "pixel " << i % width << "," << i / width << ": " << std::hex
-                              << At(i % width, i / width) << " not " << expected(i % width, i / width);
-                return false;
-            }
-        return width > 0;
-    }
-};
-Picture Read(HBITMAP bitmap)
-{
-    Picture p;
-    BITMAP bm = {};
-    if (!bitmap || !GetObjectW(bitmap, sizeof(bm), &bm))
-        return p;
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), bm.bmWidth, -bm.bmHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    p.pixels.resize(static_cast<size_t>(bm.bmWidth) * bm.bmHeight);
-    HDC screen = GetDC(nullptr);
-    if (GetDIBits(screen, bitmap, 0, bm.bmHeight, p.pixels.data(), &info, DIB_RGB_COLORS) == bm.bmHeight) {
-        p.width = bm.bmWidth;
-        p.height = bm.bmHeight;
-    }
-    ReleaseDC(nullptr, screen);
-    return p;
 }
 
 uint32_t Blend(uint32_t mask, uint32_t under, uint32_t image)
@@ -124,20 +73,6 @@ struct Trash {
     {
         objects.push_back(object);
         return object;
-    }
-};
-
-// Puts the library's layout and scale back as they were.
-struct LibSettings {
-    DWORD layout = CVuikLib::GetLayout();
-    bool autoScale = CVuikLib::GetAutoScale();
-    double x = Lib::m_ScaleX, y = Lib::m_ScaleY;
-    ~LibSettings()
-    {
-        CVuikLib::SetLayout(layout);
-        CVuikLib::SetAutoScale(autoScale);
-        Lib::m_ScaleX = x;
-        Lib::m_ScaleY = y;
     }
 };
 
@@ -184,17 +119,19 @@ TEST(SkinPrimitives, BlendThroughTheMask)
         Trash trash;
         HBITMAP mask = trash(MakeSection(w, 2, maskOf)), under = trash(MakeSection(w, 2, underOf)),
                 image = trash(MakeSection(w, 2, imageOf)), large = trash(MakeSection(w + 2, 5, underOf));
-        EXPECT_TRUE(Read(trash(CVuikLib::BlendBitmap(mask, under, image))).Is([&](int x, int y) {
+        EXPECT_TRUE(ReadBitmap(trash(CVuikLib::BlendBitmap(mask, under, image))).Is([&](int x, int y) {
             return Blend(maskOf(x, y), underOf(x, y), imageOf(x, y));
         })) << "width "
             << w;
         // Over a colour (COLORREF), and over the part of a larger background at an offset.
-        EXPECT_TRUE(Read(trash(CVuikLib::BlendBitmapColor(mask, image, RGB(0x11, 0x22, 0x33)))).Is([&](int x, int y) {
-            return Blend(maskOf(x, y), 0x112233, imageOf(x, y));
-        }));
-        EXPECT_TRUE(Read(trash(CVuikLib::BlendBitmapOffset(mask, large, image, POINT{2, 3}))).Is([&](int x, int y) {
-            return Blend(maskOf(x, y), underOf(x + 2, y + 3), imageOf(x, y));
-        }));
+        EXPECT_TRUE(
+            ReadBitmap(trash(CVuikLib::BlendBitmapColor(mask, image, RGB(0x11, 0x22, 0x33)))).Is([&](int x, int y) {
+                return Blend(maskOf(x, y), 0x112233, imageOf(x, y));
+            }));
+        EXPECT_TRUE(
+            ReadBitmap(trash(CVuikLib::BlendBitmapOffset(mask, large, image, POINT{2, 3}))).Is([&](int x, int y) {
+                return Blend(maskOf(x, y), underOf(x + 2, y + 3), imageOf(x, y));
+            }));
         for (POINT past : {POINT{3, 3}, POINT{2, 4}})
             EXPECT_EQ(CVuikLib::BlendBitmapOffset(mask, large, image, past), nullptr);
         EXPECT_EQ(CVuikLib::BlendBitmap(mask, under, nullptr), nullptr);
@@ -208,19 +145,20 @@ TEST(SkinPrimitives, TilesAndColourFills)
     auto tileOf = [](int x, int y) { return static_cast<uint32_t>(0x400000 + x * 0x0A0000 + y * 0x10 + 1); };
     // 10 x 5 into 25 x 12: tiles 10, 10 and 5 wide, rows repeated at 0, 5 and 10, the last 2 high.
     HBITMAP tiled = trash(CVuikLib::TileBitmap(trash(MakeSection(10, 5, tileOf)), SIZE{25, 12}));
-    EXPECT_TRUE(Read(tiled).Is([&](int x, int y) { return tileOf(x % 10, y % 5); }));
+    EXPECT_TRUE(ReadBitmap(tiled).Is([&](int x, int y) { return tileOf(x % 10, y % 5); }));
     // 10 x 30 into 20 x 100: the height 30 is compared with the width 20, so the tile is 100 high and copied
     // once; rows past the bitmap's 30 don't repeat it.
-    Picture p = Read(trash(CVuikLib::TileBitmap(trash(MakeSection(10, 30, tileOf)), SIZE{20, 100})));
+    Capture p = ReadBitmap(trash(CVuikLib::TileBitmap(trash(MakeSection(10, 30, tileOf)), SIZE{20, 100})));
     ASSERT_EQ(p.height, 100);
     for (int i = 0; i < 20 * 30; ++i)
         ASSERT_EQ(p.At(i % 20, i / 20), tileOf(i % 10, i / 20)) << i;
     for (int y : {30, 60, 99})
         EXPECT_NE(p.At(0, y), tileOf(0, y % 30)) << y;
     // Without a bitmap the result is made and left as it is.
-    EXPECT_EQ(Read(trash(CVuikLib::TileBitmap(nullptr, SIZE{3, 2}))).width, 3);
-    EXPECT_TRUE(
-        Read(trash(CVuikLib::CreateColorBitmap(RGB(1, 2, 3), SIZE{4, 3}))).Is([](int, int) { return 0x010203u; }));
+    EXPECT_EQ(ReadBitmap(trash(CVuikLib::TileBitmap(nullptr, SIZE{3, 2}))).width, 3);
+    EXPECT_TRUE(ReadBitmap(trash(CVuikLib::CreateColorBitmap(RGB(1, 2, 3), SIZE{4, 3}))).Is([](int, int) {
+        return 0x010203u;
+    }));
 }
 
 TEST(SkinPrimitives, RegionsOfThePixelsThatDontMatch)
@@ -249,12 +187,12 @@ TEST(SkinPrimitives, MirrorsOfBitmapsAndIcons)
     auto colourOf = [](int x, int y) { return static_cast<uint32_t>(x * 0x200000 + y * 0x30 + 7); };
     auto flippedOf = [&](int x, int y) { return colourOf(4 - x, y); };
     HBITMAP bitmap = trash(MakeSection(5, 3, colourOf));
-    EXPECT_TRUE(Read(trash(CVuikLib::CreateMirroredBitmap(bitmap))).Is(flippedOf));
-    EXPECT_TRUE(Read(bitmap).Is(colourOf));
+    EXPECT_TRUE(ReadBitmap(trash(CVuikLib::CreateMirroredBitmap(bitmap))).Is(flippedOf));
+    EXPECT_TRUE(ReadBitmap(bitmap).Is(colourOf));
     EXPECT_EQ(CVuikLib::MirrorBitmap(bitmap), 1);
-    EXPECT_TRUE(Read(bitmap).Is(flippedOf));
+    EXPECT_TRUE(ReadBitmap(bitmap).Is(flippedOf));
     EXPECT_EQ(CVuikLib::MirrorBitmap(bitmap), 1);
-    EXPECT_TRUE(Read(bitmap).Is(colourOf));
+    EXPECT_TRUE(ReadBitmap(bitmap).Is(colourOf));
     EXPECT_EQ(CVuikLib::MirrorBitmap(reinterpret_cast<HBITMAP>(trash(CreateSolidBrush(0)))), 0);
     EXPECT_EQ(CVuikLib::MirrorBitmap(nullptr), 0);
     EXPECT_EQ(CVuikLib::CreateMirroredBitmap(nullptr), nullptr);
@@ -265,10 +203,11 @@ TEST(SkinPrimitives, MirrorsOfBitmapsAndIcons)
     HICON icon = CreateIconIndirect(&info);
     HICON mirrored = CVuikLib::CreateMirroredIcon(icon);
     ASSERT_NE(mirrored, nullptr);
-    EXPECT_TRUE(Read(trash(CVuikLib::IconToBitmap(mirrored, DI_IMAGE))).Is(flippedOf));
-    EXPECT_TRUE(
-        Read(trash(CVuikLib::IconToBitmap(mirrored, DI_MASK))).Is([](int x, int) { return x >= 3 ? 0xFFFFFFu : 0u; }));
-    EXPECT_TRUE(Read(trash(CVuikLib::IconToBitmap(icon, DI_IMAGE))).Is(colourOf));
+    EXPECT_TRUE(ReadBitmap(trash(CVuikLib::IconToBitmap(mirrored, DI_IMAGE))).Is(flippedOf));
+    EXPECT_TRUE(ReadBitmap(trash(CVuikLib::IconToBitmap(mirrored, DI_MASK))).Is([](int x, int) {
+        return x >= 3 ? 0xFFFFFFu : 0u;
+    }));
+    EXPECT_TRUE(ReadBitmap(trash(CVuikLib::IconToBitmap(icon, DI_IMAGE))).Is(colourOf));
     EXPECT_EQ(CVuikLib::IconToBitmap(nullptr, DI_NORMAL), nullptr);
     EXPECT_EQ(CVuikLib::CreateMirroredIcon(nullptr), nullptr);
     DestroyIcon(icon);
@@ -292,8 +231,8 @@ TEST(SkinPrimitives, ManagerSharesPicturesByKey)
     ASSERT_TRUE(CVuikResourceManager::LoadBitmapW(&flipped, theme, kColumns, 1, nullptr));
     EXPECT_NE(flipped, a);
     EXPECT_EQ(count(kColumns, 1), 1);
-    EXPECT_TRUE(Read(flipped->GetPrimary()).Is([](int x, int y) { return ColumnsPixel(9 - x, y); }));
-    EXPECT_TRUE(Read(flipped->GetMask()).Is([](int x, int y) { return ColumnsMask(9 - x, y); }));
+    EXPECT_TRUE(ReadBitmap(flipped->GetPrimary()).Is(FlippedPixel));
+    EXPECT_TRUE(ReadBitmap(flipped->GetMask()).Is(FlippedMask));
     // An unknown picture, an empty slot pointer and a picture that isn't the manager's are refused.
     EXPECT_FALSE(CVuikResourceManager::LoadBitmapW(&missing, theme, kMissing, 0, nullptr));
     EXPECT_EQ(missing, nullptr);
@@ -317,7 +256,7 @@ TEST(SkinPrimitives, ManagerSharesPicturesByKey)
 
 TEST(SkinPrimitives, LoadScalesAndMirrorsAsTheLibrarySays)
 {
-    LibSettings restore;
+    LibraryState restore;
     HMODULE theme = TestTheme();
     // {auto scale, x, y, size}: both scales must differ from 1.
     const double cases[][4] = {{0, 1.25, 1.25, 10}, {1, 1.25, 1.0, 10}, {1, 1.0, 1.25, 10}, {1, 1.25, 1.25, 12}};
@@ -327,7 +266,7 @@ TEST(SkinPrimitives, LoadScalesAndMirrorsAsTheLibrarySays)
         Lib::m_ScaleY = c[2];
         CVuikBitmap bitmap;
         bitmap.LoadFromRes(theme, kColumns);
-        EXPECT_EQ((std::vector<int>{bitmap.GetWidth(), bitmap.GetHeight(), Read(bitmap.GetMask()).width}),
+        EXPECT_EQ((std::vector<int>{bitmap.GetWidth(), bitmap.GetHeight(), ReadBitmap(bitmap.GetMask()).width}),
                   std::vector<int>(3, static_cast<int>(c[3])));
         EXPECT_EQ(bitmap.IsScaled(), c[3] == 12);
     }
@@ -337,16 +276,16 @@ TEST(SkinPrimitives, LoadScalesAndMirrorsAsTheLibrarySays)
     // 1 gives it back.
     CVuikBitmap plain, rtl;
     plain.LoadFromRes(theme, kColumns);
-    EXPECT_TRUE(Read(plain.GetPrimary()).Is(ColumnsPixel));
-    EXPECT_TRUE(Read(plain.GetMask()).Is(ColumnsMask));
+    EXPECT_TRUE(ReadBitmap(plain.GetPrimary()).Is(ColumnsPixel));
+    EXPECT_TRUE(ReadBitmap(plain.GetMask()).Is(ColumnsMask));
     CVuikLib::SetLayout(LAYOUT_RTL);
     rtl.LoadFromRes(theme, kColumns);
-    EXPECT_TRUE(Read(rtl.GetPrimary()).Is([](int x, int y) { return ColumnsPixel(9 - x, y); }));
-    EXPECT_TRUE(Read(rtl.GetMask()).Is([](int x, int y) { return ColumnsMask(9 - x, y); }));
+    EXPECT_TRUE(ReadBitmap(rtl.GetPrimary()).Is(FlippedPixel));
+    EXPECT_TRUE(ReadBitmap(rtl.GetMask()).Is(FlippedMask));
     CVuikBitmap* kept = nullptr;
     ASSERT_TRUE(CVuikResourceManager::LoadBitmapW(&kept, theme, kColumns, 1, nullptr));
-    EXPECT_TRUE(Read(kept->GetPrimary()).Is(ColumnsPixel));
-    EXPECT_TRUE(Read(kept->GetMask()).Is(ColumnsMask));
+    EXPECT_TRUE(ReadBitmap(kept->GetPrimary()).Is(ColumnsPixel));
+    EXPECT_TRUE(ReadBitmap(kept->GetMask()).Is(ColumnsMask));
     CVuikResourceManager::UnloadBitmap(&kept);
     CVuikLib::SetLayout(0);
 
@@ -383,40 +322,28 @@ TEST(SkinPrimitives, AttachDetachAndSnapshots)
     EXPECT_EQ(bitmap.GetHeight(), 0);
 
     // A snapshot of a context into the background store: reused at one size, replaced at another.
-    HDC dc = CreateCompatibleDC(nullptr);
-    HGDIOBJ old = SelectObject(dc, trash(MakeSection(8, 8, [](int x, int y) { return uint32_t(x << 16 | y << 8); })));
+    Canvas dc(8, 8, [](int x, int y) { return static_cast<uint32_t>(x << 16 | y << 8); });
     EXPECT_EQ(bitmap.GetBackgroundStaticDC(dc, 0, 0, 0, 3, 0, 0), nullptr);
     EXPECT_EQ(bitmap.GetLastError(), ZBU_BAD_ARG4);
     EXPECT_EQ(bitmap.GetBackgroundStaticDC(dc, 0, 0, 3, 0, 0, 0), nullptr);
     EXPECT_EQ(bitmap.GetLastError(), ZBU_BAD_ARG5);
     HBITMAP shot = bitmap.GetBackgroundStaticDC(dc, 2, 3, 4, 2, 0, 1);
     EXPECT_EQ(shot, bitmap.GetBitmapHandle(BT_BACKGROUND, 1));
-    EXPECT_TRUE(Read(shot).Is([](int x, int y) { return static_cast<uint32_t>((x + 2) << 16 | (y + 3) << 8); }));
+    EXPECT_TRUE(ReadBitmap(shot).Is([](int x, int y) { return static_cast<uint32_t>((x + 2) << 16 | (y + 3) << 8); }));
     EXPECT_EQ(bitmap.GetBackgroundStaticDC(dc, 0, 0, 4, 2, 0, 1), shot);
-    EXPECT_EQ(Read(shot).At(0, 0), 0u);
+    EXPECT_EQ(ReadBitmap(shot).At(0, 0), 0u);
     bitmap.GetBackgroundStaticDC(dc, 0, 0, 6, 2, 0, 0);
     EXPECT_EQ(bitmap.GetBitmapHandle(BT_BACKGROUND, 1), nullptr);
-    SelectObject(dc, old);
-    DeleteDC(dc);
 }
 
 TEST(SkinPrimitives, DrawImageStretchesThenMasks)
 {
     Trash trash;
     // The target: a 32-bit section in a memory context, filled with vertical stripes.
-    uint32_t* target = nullptr;
     auto stripes = [](int x, int) { return x % 2 ? 0xC8C8C8u : 0u; };
-    HDC dc = CreateCompatibleDC(nullptr);
-    HGDIOBJ old = SelectObject(dc, trash(MakeSection(16, 12, stripes, &target)));
-    auto reset = [&] {
-        for (int i = 0; i < 16 * 12; ++i)
-            target[i] = stripes(i % 16, 0);
-    };
-    auto at = [&](int x, int y) {
-        GdiFlush();
-        return target[y * 16 + x] & 0xFFFFFF;
-    };
-    CVuikGraphics graphics(dc);
+    Canvas target(16, 12, stripes);
+    auto at = [&](int x, int y) { return target.Read().At(x, y); };
+    CVuikGraphics graphics(target);
 
     // Unmasked, each overload: at its own size, stretched to a size, into a rectangle, a part of it.
     auto pictureOf = [](int x, int y) { return static_cast<uint32_t>(0x100000 * (x + 1) + 0x20 * (y + 1)); };
@@ -442,7 +369,7 @@ TEST(SkinPrimitives, DrawImageStretchesThenMasks)
     }
     EXPECT_EQ(at(0, 11), 0u);
     EXPECT_GE(greys, 2);
-    reset();
+    target.Fill(stripes);
 
     // Masked: a grey mask stretched to 8 x 6 blends with the stripes at the target's size, pixel by pixel.
     masked.Attach(trash(MakeSolid(2, 2, 0x3264C8)));
@@ -457,13 +384,10 @@ TEST(SkinPrimitives, DrawImageStretchesThenMasks)
     EXPECT_EQ(at(1, 0), Blend(0xFFFFFF, 0xC8C8C8, 0x3264C8));
 
     // Nothing drawn: no object, no primary, an empty rectangle.
-    reset();
+    target.Fill(stripes);
     graphics.DrawImage(nullptr, 0, 0);
     graphics.DrawImage(nullptr, RECT{0, 0, 4, 4}, RECT{0, 0, 4, 4});
     graphics.DrawImage(&empty, RECT{0, 0, 4, 4});
     graphics.DrawImage(&masked, RECT{2, 2, 2, 2});
-    for (int i = 0; i < 16 * 12; ++i)
-        ASSERT_EQ(at(i % 16, i / 16), stripes(i % 16, 0)) << i;
-    SelectObject(dc, old);
-    DeleteDC(dc);
+    EXPECT_TRUE(target.Read().Is(stripes));
 }

@@ -1,16 +1,19 @@
-// Skins and controls of the window base tests, drawn with plain GDI where no picture is needed:
-//   CTestStateSkin   a leaf: a fill, a mark over the left quarter (to see mirroring) and a masked picture
-//                    in the middle, each optional; it counts its draws, which are the builds of a buffer;
-//   CTestButtonSkin  a composite of four state skins (normal, pushed, hover, checked), picked through a
-//                    checked cast of the window to CTestButton;
-//   CTestPanelSkin   a background: left half and right half in two colours;
-//   CTestButton      a control on CVuikButtonImpl over a "Button" window; CTestPanel on CVuikWindowImpl.
+// Skins and controls of the skin framework's tests, drawn with plain GDI, and the reading of pixels:
+//   CTestSkin    one skin for panels and buttons: a left and a right half in two colours, a mark over the left
+//                quarter (to see mirroring) and a masked picture in the middle, each optional; it counts its
+//                draws, which are the builds of a buffer;
+//   CTestButton  a control on CVuikButtonImpl over a "Button" window; CTestPanel one on CVuikWindowImpl;
+//   Capture      the pixels of a bitmap or of what a window shows; Canvas a memory context to draw on.
 #pragma once
 
 #include <windows.h>
 
+#include <cstdint>
+#include <functional>
 #include <vector>
 
+#include "ImageTestSupport.h"
+#include "MessageSequence.h"
 #include "zcmod/VuikBaseSkinImpl.h"
 #include "zcmod/VuikBitmap.h"
 #include "zcmod/VuikButtonImpl.h"
@@ -21,28 +24,31 @@
 
 namespace testskin {
 
+using zcmod_test::Near;
+
 const COLORREF kNone = CLR_INVALID;
 
-inline void Fill(HDC dc, int left, int top, int right, int bottom, COLORREF colour)
+struct SkinDef {
+    COLORREF left = kNone, right = kNone, mark = kNone;
+    UINT pictureId = 0;
+};
+const SkinDef kRedBlue = {RGB(255, 0, 0), RGB(0, 0, 255)};
+
+// Columns `left` to `right` of the whole height, unless the colour is kNone.
+inline void Fill(HDC dc, int left, int right, int height, COLORREF colour)
 {
     if (colour == kNone)
         return;
-    const RECT r = {left, top, right, bottom};
+    const RECT r = {left, 0, right, height};
     HBRUSH brush = CreateSolidBrush(colour);
     FillRect(dc, &r, brush);
     DeleteObject(brush);
 }
 
-struct StateDef {
-    COLORREF fill;
-    COLORREF mark;
-    UINT pictureId;
-};
-
-class CTestStateSkin : public CVuikBaseSkinImpl<CTestStateSkin, StateDef> {
+class CTestSkin : public CVuikBaseSkinImpl<CTestSkin, SkinDef> {
 public:
-    CTestStateSkin() : m_pPicture(nullptr), m_nDraws(0) { m_SkinDef = StateDef{kNone, kNone, 0}; }
-    ~CTestStateSkin() { Unload(); }
+    explicit CTestSkin(const SkinDef& def = {}) { m_SkinDef = def; }
+    ~CTestSkin() { Unload(); }
 
     void Load() override
     {
@@ -52,127 +58,47 @@ public:
                                               nullptr);
         Validate();
     }
-    void Unload() override
-    {
-        if (m_pPicture)
-            CVuikResourceManager::UnloadBitmap(&m_pPicture);
-        m_pPicture = nullptr;
-    }
+    void Unload() override { CVuikResourceManager::UnloadBitmap(&m_pPicture); }
     void Validate() override { m_nStatus = (m_SkinDef.pictureId && !m_pPicture) ? StatusInvalid : StatusValid; }
     void Draw(CVuikWindow*, CVuikGraphics* graphics, int width, int height) override
     {
         ++m_nDraws;
-        HDC dc = *graphics;
-        Fill(dc, 0, 0, width, height, m_SkinDef.fill);
-        Fill(dc, 0, 0, width / 4, height, m_SkinDef.mark);
+        Fill(*graphics, 0, width / 2, height, m_SkinDef.left);
+        Fill(*graphics, width / 2, width, height, m_SkinDef.right);
+        Fill(*graphics, 0, width / 4, height, m_SkinDef.mark);
         if (m_pPicture)
             graphics->DrawImage(m_pPicture, (width - m_pPicture->GetWidth()) / 2,
                                 (height - m_pPicture->GetHeight()) / 2);
     }
 
-    CVuikBitmap* m_pPicture;
-    int m_nDraws;
+    CVuikBitmap* m_pPicture = nullptr;
+    int m_nDraws = 0;
 };
 
-enum { StateNormal, StatePushed, StateHover, StateChecked, StateCount };
-
-struct ButtonDef {
-    StateDef states[StateCount];
-};
-
-class CTestButtonSkin : public CVuikBaseSkinImpl<CTestButtonSkin, ButtonDef> {
+class CTestButton : public CVuikButtonImpl<CTestSkin> {
 public:
-    CTestButtonSkin()
-    {
-        for (int i = 0; i < StateCount; ++i)
-            m_SkinDef.states[i] = StateDef{kNone, kNone, 0};
-        SetSkinDef(m_SkinDef);
-    }
-    void SetSkinDef(ButtonDef def) override
-    {
-        m_SkinDef = def;
-        for (int i = 0; i < StateCount; ++i)
-            m_States[i].SetSkinDef(def.states[i]);
-    }
-    void Load() override
-    {
-        for (CTestStateSkin& s : m_States)
-            s.Load();
-    }
-    void Unload() override
-    {
-        for (CTestStateSkin& s : m_States)
-            s.Unload();
-    }
-    void Validate() override
-    {
-        for (CTestStateSkin& s : m_States)
-            s.Validate();
-    }
-    bool IsValid() override
-    {
-        for (CTestStateSkin& s : m_States)
-            if (!s.IsValid())
-                return false;
-        return true;
-    }
-    void Draw(CVuikWindow* window, CVuikGraphics* graphics, int width, int height) override;
-
-    int Draws() const
-    {
-        int n = 0;
-        for (const CTestStateSkin& s : m_States)
-            n += s.m_nDraws;
-        return n;
-    }
-
-    CTestStateSkin m_States[StateCount];
-};
-
-class CTestButton : public CVuikButtonImpl<CTestButtonSkin> {
-    typedef CVuikWindowImpl<CTestButtonSkin> Window;
-
-public:
-    using CVuikButtonImpl<CTestButtonSkin>::Create;
+    using CVuikButtonImpl<CTestSkin>::Create;
+    using CVuikButtonImpl<CTestSkin>::OnPaint;
     HWND Create(HWND parent, const RECT& rect, UINT id, DWORD style, DWORD exStyle) override
     {
-        HWND hwnd = Window::Create(L"Button", parent, rect, L"", id, style, exStyle, nullptr);
-        if (hwnd)
-            m_nCtrlId = GetDlgCtrlID(hwnd);
+        HWND hwnd = CVuikWindowImpl<CTestSkin>::Create(L"Button", parent, rect, L"", id, style, exStyle, nullptr);
+        m_nCtrlId = hwnd ? GetDlgCtrlID(hwnd) : 0;
         return hwnd;
     }
-    BOOL SubclassWindow(HWND hwnd) override
-    {
-        const BOOL ok = Window::SubclassWindow(hwnd);
-        if (ok)
-            m_nCtrlId = GetDlgCtrlID(hwnd);
-        return ok;
-    }
     void SizeToContent() override { ++m_nSizeToContent; }
+    // The buffer when the skin is valid, else the placeholder.
     LRESULT OnPaint(HWND hwnd, UINT, WPARAM, LPARAM) override
     {
         PAINTSTRUCT paint;
-        if (!BeginPaint(hwnd, &paint))
-            return 0;
-        RECT client;
-        GetClientRect(hwnd, &client);
-        if (SkinIsValid())
-            DrawBackBuffer(paint.hdc, client, paint.rcPaint);
-        else
-            DrawPlaceHolder(paint.hdc);
-        EndPaint(hwnd, &paint);
-        ++m_nPaints;
+        if (BeginPaint(hwnd, &paint)) {
+            OnPaint(&paint);
+            if (!SkinIsValid())
+                DrawPlaceHolder(paint.hdc);
+            EndPaint(hwnd, &paint);
+        }
         return 0;
     }
 
-    int GraphicalState() const
-    {
-        if (m_nState & StatePushed)
-            return testskin::StatePushed;
-        if (m_nState & StateCheckMask)
-            return testskin::StateChecked;
-        return m_bHover ? testskin::StateHover : testskin::StateNormal;
-    }
     LONGLONG State() const { return m_nState; }
     bool Hover() const { return m_bHover; }
     bool Tracking() const { return m_bTracking; }
@@ -180,140 +106,140 @@ public:
     WNDPROC OwnWindowProc() const { return m_pfnWindowProc; }
 
     int m_nSizeToContent = 0;
-    int m_nPaints = 0;
 };
 
-inline void CTestButtonSkin::Draw(CVuikWindow* window, CVuikGraphics* graphics, int width, int height)
-{
-    const CTestButton* button = dynamic_cast<CTestButton*>(window);
-    const int state = button ? button->GraphicalState() : StateNormal;
-    m_States[state].Draw(window, graphics, width, height);
-}
-
-struct PanelDef {
-    COLORREF left;
-    COLORREF right;
-};
-
-class CTestPanelSkin : public CVuikBaseSkinImpl<CTestPanelSkin, PanelDef> {
+class CTestPanel : public CVuikWindowImpl<CTestSkin> {
 public:
-    CTestPanelSkin() : m_nDraws(0) { m_SkinDef = PanelDef{RGB(255, 0, 0), RGB(0, 0, 255)}; }
-    void Validate() override { m_nStatus = StatusValid; }
-    void Draw(CVuikWindow*, CVuikGraphics* graphics, int width, int height) override
+    // A visible top-level popup when `parent` is null, else a child, with `skin`.
+    HWND CreatePanel(HWND parent, const RECT& rect, CTestSkin* skin)
     {
-        ++m_nDraws;
-        Fill(*graphics, 0, 0, width / 2, height, m_SkinDef.left);
-        Fill(*graphics, width / 2, 0, width, height, m_SkinDef.right);
-    }
-    int m_nDraws;
-};
-
-// A plain window class for panels: the window base does all of the painting.
-inline const wchar_t* PanelClass()
-{
-    static ATOM atom = 0;
-    if (!atom) {
-        WNDCLASSEXW wc = {};
-        wc.cbSize = sizeof(wc);
-        wc.style = CS_DBLCLKS;
-        wc.lpfnWndProc = DefWindowProcW;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.lpszClassName = L"ZcmodTestPanel";
-        atom = RegisterClassExW(&wc);
-    }
-    return L"ZcmodTestPanel";
-}
-
-class CTestPanel : public CVuikWindowImpl<CTestPanelSkin> {
-public:
-    // A top-level popup when `parent` is null, else a child; visible either way.
-    HWND CreatePanel(HWND parent, const RECT& rect, UINT id = 0)
-    {
+        SetSkin(skin);
         const DWORD style = (parent ? WS_CHILD : WS_POPUP) | WS_VISIBLE | WS_CLIPCHILDREN;
-        return Create(PanelClass(), parent, rect, L"", id, style, 0, nullptr);
+        return Create(msgseq::PlainClass(), parent, rect, L"", 0, style, 0, nullptr);
     }
 };
 
-}  // namespace testskin
+using Colour = std::function<uint32_t(int x, int y)>;
 
-namespace testskin {
-
-// What a window shows on the screen, captured with BitBlt from its DC into a 32-bit DIB.
+// Pixels top-down as 0x00RRGGBB; 0xFFFFFFFF outside.
 struct Capture {
     int width = 0;
     int height = 0;
-    std::vector<DWORD> pixels;
-    // 0x00RRGGBB, or 0xFFFFFFFF outside.
-    DWORD At(int x, int y) const
+    std::vector<uint32_t> pixels;
+    uint32_t At(int x, int y) const
     {
         return x < 0 || y < 0 || x >= width || y >= height ? 0xFFFFFFFF
                                                            : pixels[static_cast<size_t>(y) * width + x] & 0xFFFFFF;
     }
+    // Every pixel as `expected` says; the first that isn't is reported.
+    bool Is(const Colour& expected) const
+    {
+        for (int i = 0; i < width * height; ++i)
+            if (At(i % width, i / width) != expected(i % width, i / width)) {
+                ADD_FAILURE() << "pixel " << i % width << "," << i / width << ": " << std::hex
+                              << At(i % width, i / width) << " not " << expected(i % width, i / width);
+                return false;
+            }
+        return width > 0;
+    }
 };
 
-// The pixels of a bitmap (a back buffer, say), or of a window's client area as shown.
 inline Capture ReadBitmap(HBITMAP bitmap)
 {
     Capture c;
     BITMAP bm = {};
     if (!bitmap || !GetObjectW(bitmap, sizeof(bm), &bm))
         return c;
-    c.width = bm.bmWidth;
-    c.height = bm.bmHeight;
-    c.pixels.assign(static_cast<size_t>(c.width) * c.height, 0);
     BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = c.width;
-    info.bmiHeader.biHeight = -c.height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), bm.bmWidth, -bm.bmHeight, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    c.pixels.resize(static_cast<size_t>(bm.bmWidth) * bm.bmHeight);
     HDC screen = GetDC(nullptr);
-    GetDIBits(screen, bitmap, 0, c.height, c.pixels.data(), &info, DIB_RGB_COLORS);
+    if (GetDIBits(screen, bitmap, 0, bm.bmHeight, c.pixels.data(), &info, DIB_RGB_COLORS) == bm.bmHeight) {
+        c.width = bm.bmWidth;
+        c.height = bm.bmHeight;
+    }
     ReleaseDC(nullptr, screen);
     return c;
 }
 
+// A 32-bit top-down section of w x h pixels given by `colour`; `bits` receives its memory.
+inline HBITMAP MakeSection(int w, int h, const Colour& colour, uint32_t** bits = nullptr)
+{
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, -h, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* memory = nullptr;
+    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &memory, nullptr, 0);
+    auto* pixels = static_cast<uint32_t*>(memory);
+    for (int i = 0; bitmap && i < w * h; ++i)
+        pixels[i] = colour(i % w, i / w);
+    if (bits)
+        *bits = pixels;
+    return bitmap;
+}
+
+// A memory context with a section of its own selected: a target to draw on, whose pixels Read() gives.
+class Canvas {
+public:
+    Canvas(
+        int w, int h, const Colour& colour = [](int, int) { return 0u; })
+        : m_width(w), m_height(h)
+    {
+        m_bitmap = MakeSection(w, h, colour, &m_bits);
+        m_old = SelectObject(m_dc, m_bitmap);
+    }
+    ~Canvas()
+    {
+        SelectObject(m_dc, m_old);
+        DeleteObject(m_bitmap);
+        DeleteDC(m_dc);
+    }
+    Canvas(const Canvas&) = delete;
+    Canvas& operator=(const Canvas&) = delete;
+    operator HDC() const { return m_dc; }
+    Capture Read() const
+    {
+        GdiFlush();
+        return Capture{m_width, m_height, std::vector<uint32_t>(m_bits, m_bits + m_width * m_height)};
+    }
+    void Fill(const Colour& colour)
+    {
+        GdiFlush();
+        for (int i = 0; i < m_width * m_height; ++i)
+            m_bits[i] = colour(i % m_width, i / m_width);
+    }
+
+private:
+    HDC m_dc = CreateCompatibleDC(nullptr);
+    uint32_t* m_bits = nullptr;
+    HBITMAP m_bitmap;
+    HGDIOBJ m_old;
+    int m_width, m_height;
+};
+
+// A window's client area as it shows on the screen.
 inline Capture CaptureWindow(HWND hwnd)
 {
     RECT client;
     GetClientRect(hwnd, &client);
+    Canvas canvas(client.right, client.bottom);
     HDC dc = GetDC(hwnd);
-    HDC memory = CreateCompatibleDC(dc);
-    HBITMAP bitmap = CreateCompatibleBitmap(dc, client.right, client.bottom);
-    HGDIOBJ old = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
-    SelectObject(memory, old);
-    DeleteDC(memory);
+    BitBlt(canvas, 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
     ReleaseDC(hwnd, dc);
-    Capture c = ReadBitmap(bitmap);
-    DeleteObject(bitmap);
-    return c;
+    return canvas.Read();
 }
 
-// Channels of two 0x00RRGGBB colours differ by at most `tolerance`.
-inline bool Near(DWORD a, DWORD b, int tolerance)
-{
-    for (int shift = 0; shift < 24; shift += 8) {
-        const int d = static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF);
-        if (d > tolerance || d < -tolerance)
-            return false;
-    }
-    return true;
-}
+// CVuikLib's protected parts.
+struct Lib : CVuikLib {
+    using CVuikLib::BlenderFunc;
+    using CVuikLib::m_ScaleX;
+    using CVuikLib::m_ScaleY;
+};
 
-// 0x00RRGGBB of a COLORREF, for comparing with captures.
-inline DWORD Rgb(COLORREF c)
-{
-    return (GetRValue(c) << 16) | (GetGValue(c) << 8) | GetBValue(c);
-}
-
-// Sets the library's instances to the test program (its pictures are resources of the program) and a
-// layout, and puts the old values back.
+// Points the library's instances at the test program (its pictures are resources of the program) and sets
+// a layout; puts these, the auto scale and the scales back at the end.
 class LibraryState {
 public:
     explicit LibraryState(DWORD layout = 0)
-        : m_inst(CVuikLib::GetInstance()), m_res(CVuikLib::GetResourceInstance()), m_layout(CVuikLib::GetLayout())
     {
         CVuikLib::SetInstance(GetModuleHandleW(nullptr));
         CVuikLib::SetResourceInstance(GetModuleHandleW(nullptr));
@@ -324,14 +250,18 @@ public:
         CVuikLib::SetInstance(m_inst);
         CVuikLib::SetResourceInstance(m_res);
         CVuikLib::SetLayout(m_layout);
+        CVuikLib::SetAutoScale(m_autoScale);
+        Lib::m_ScaleX = m_scaleX;
+        Lib::m_ScaleY = m_scaleY;
     }
     LibraryState(const LibraryState&) = delete;
     LibraryState& operator=(const LibraryState&) = delete;
 
 private:
-    HINSTANCE m_inst;
-    HINSTANCE m_res;
-    DWORD m_layout;
+    HINSTANCE m_inst = CVuikLib::GetInstance(), m_res = CVuikLib::GetResourceInstance();
+    DWORD m_layout = CVuikLib::GetLayout();
+    bool m_autoScale = CVuikLib::GetAutoScale();
+    double m_scaleX = Lib::m_ScaleX, m_scaleY = Lib::m_ScaleY;
 };
 
 }  // namespace testskin

@@ -8,11 +8,9 @@
 
 #include <string>
 
-#include "MessageSequence.h"
 #include "TestSkins.h"
 #include "zcmod/VuikTooltip.h"
 
-using namespace msgseq;
 using namespace testskin;
 
 namespace {
@@ -33,34 +31,31 @@ int Count(HWND top)
     const int* count = static_cast<const int*>(GetPropW(top, L"__DeskHubCVuikTooltipControlCount"));
     return count ? *count : -1;
 }
-
-HWND Popup(const RECT& r)
+HWND Popup(const RECT& r, HWND parent = nullptr)
 {
-    return CreateWindowExW(0, L"Static", L"", WS_POPUP | WS_VISIBLE, r.left, r.top, r.right - r.left, r.bottom - r.top,
-                           nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    return CreateWindowExW(0, L"Static", L"", (parent ? WS_CHILD : WS_POPUP) | WS_VISIBLE, r.left, r.top,
+                           r.right - r.left, r.bottom - r.top, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
 }
 
+// A top-level window with two skinned buttons.
 struct Controls {
-    HWND top = nullptr;
-    CTestButtonSkin skin;
+    explicit Controls(int x) : top(Popup(RECT{x, 100, x + 200, 200}))
+    {
+        a.Create(top, RECT{10, 10, 90, 40}, 11, WS_CHILD | WS_VISIBLE, 0);
+        b.Create(top, RECT{100, 10, 190, 40}, 12, WS_CHILD | WS_VISIBLE, 0);
+        a.SetSkin(&skin);
+        b.SetSkin(&skin);
+    }
+    ~Controls() { DestroyWindow(top); }
+    HWND top;
+    CTestSkin skin;
     CTestButton a, b;
 };
-
-void Make(Controls& c, int x)
-{
-    c.top = Popup(RECT{x, 100, x + 200, 200});
-    c.a.Create(c.top, RECT{10, 10, 90, 40}, 11, WS_CHILD | WS_VISIBLE, 0);
-    c.b.Create(c.top, RECT{100, 10, 190, 40}, 12, WS_CHILD | WS_VISIBLE, 0);
-    c.a.SetSkin(&c.skin);
-    c.b.SetSkin(&c.skin);
-}
 
 TEST(Tooltip, OneSharedWindowPerTopLevelWithItsCount)
 {
     LibraryState lib;
-    Controls one, two;
-    Make(one, 100);
-    Make(two, 400);
+    Controls one(100), two(400);
     one.a.SetTooltip(L"first");
     one.b.SetTooltip(L"second");
     two.a.SetTooltip(L"other window");
@@ -75,24 +70,20 @@ TEST(Tooltip, OneSharedWindowPerTopLevelWithItsCount)
     EXPECT_TRUE(GetPropW(one.a.m_hWnd, L"__DeskHubCVuikTooltipClassPtr"));
     EXPECT_TRUE(GetPropW(one.a.m_hWnd, L"__DeskHubCVuikTooltipOrgWinproc"));
 
-    // A new text is no new registration: the next show asks for it.
+    // A new text is no new registration: the next show asks for it. A notification from another window isn't
+    // the tip's: it goes on to the control's own procedure.
     const LONG_PTR proc = GetWindowLongPtrW(one.a.m_hWnd, GWLP_WNDPROC);
     one.a.SetTooltip(L"changed");
     EXPECT_EQ(Count(one.top), 2);
     EXPECT_EQ(SendMessageW(manager, TTM_GETTOOLCOUNT, 0, 0), 2);
     EXPECT_EQ(GetWindowLongPtrW(one.a.m_hWnd, GWLP_WNDPROC), proc);
-    NMTTDISPINFOW info = {};
-    info.hdr.hwndFrom = manager;
-    info.hdr.code = TTN_GETDISPINFOW;
-    SendMessageW(one.a.m_hWnd, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
-    ASSERT_TRUE(info.lpszText);
-    EXPECT_STREQ(info.lpszText, L"changed");
-    // A notification from another window isn't the tip's: it goes on to the control's own procedure.
-    NMTTDISPINFOW foreign = {};
-    foreign.hdr.hwndFrom = two.top;
-    foreign.hdr.code = TTN_GETDISPINFOW;
-    SendMessageW(one.a.m_hWnd, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&foreign));
-    EXPECT_EQ(foreign.lpszText, nullptr);
+    for (HWND from : {manager, two.top}) {
+        NMTTDISPINFOW info = {};
+        info.hdr.hwndFrom = from;
+        info.hdr.code = TTN_GETDISPINFOW;
+        SendMessageW(one.a.m_hWnd, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&info));
+        EXPECT_STREQ(info.lpszText, from == manager ? L"changed" : nullptr);
+    }
 
     // The control still behaves as a button under the tip's procedure.
     SendMessageW(one.a.m_hWnd, BM_SETSTATE, 1, 0);
@@ -115,99 +106,83 @@ TEST(Tooltip, OneSharedWindowPerTopLevelWithItsCount)
     EXPECT_TRUE(IsWindow(Manager(one.top)));
     EXPECT_NE(Manager(one.top), manager);
     EXPECT_EQ(Count(one.top), 1);
-    DestroyWindow(one.top);
-    DestroyWindow(two.top);
 }
 
-TEST(Tooltip, ShowFitsTheUnwrappedTextAndFlipsAboveTheCursorNearTheBottom)
+// The show fits the size to unwrapped text and flips above the cursor near the bottom; the custom draw paints
+// the gradient and centred text.
+TEST(Tooltip, ShowAndCustomDraw)
 {
     LibraryState lib;
     HWND top = Popup(RECT{100, 100, 300, 200});
-    HWND control = CreateWindowExW(0, L"Static", L"", WS_CHILD | WS_VISIBLE, 0, 0, 50, 20, top, nullptr,
-                                   GetModuleHandleW(nullptr), nullptr);
+    HWND control = Popup(RECT{0, 0, 50, 20}, top);
     HWND tipWindow = Popup(RECT{100, 300, 110, 310});
     CTestTooltip tip;
     NMHDR header = {tipWindow, 0, static_cast<UINT>(TTN_SHOW)};
-    auto show = [&](const std::wstring& text, POINT at) {
+    auto show = [&](const std::wstring& text, int x, int y) {
         tip.SetTooltip(control, text.c_str());
-        SetWindowPos(tipWindow, nullptr, at.x, at.y, 10, 10, SWP_NOZORDER | SWP_NOACTIVATE);
+        SetWindowPos(tipWindow, nullptr, x, y, 10, 10, SWP_NOZORDER | SWP_NOACTIVATE);
         EXPECT_EQ(tip.OnTTNShow(0, reinterpret_cast<LPARAM>(&header)), 1);
         RECT r;
         GetWindowRect(tipWindow, &r);
         return r;
     };
-    const RECT one = show(L"Tip", POINT{100, 300});
+    const RECT one = show(L"Tip", 100, 300);
     EXPECT_EQ(one.left, 100);
     EXPECT_EQ(one.top, 300);
-    const int lineHeight = one.bottom - one.top - 20;
+    const int height = one.bottom - one.top, lineHeight = height - 20;
     ASSERT_GT(lineHeight, 5);
     // Lines end only at line breaks: three lines are three times as high, and a long line stays one line.
-    const RECT three = show(L"Tip\nsecond line\nthird", POINT{100, 300});
+    const RECT three = show(L"Tip\nsecond line\nthird", 100, 300);
     EXPECT_EQ(three.bottom - three.top - 20, 3 * lineHeight);
-    const RECT wide = show(std::wstring(200, L'w') + L" " + std::wstring(200, L'w'), POINT{100, 300});
-    EXPECT_EQ(wide.bottom - wide.top, one.bottom - one.top);
+    const RECT wide = show(std::wstring(200, L'w') + L" " + std::wstring(200, L'w'), 100, 300);
+    EXPECT_EQ(wide.bottom - wide.top, height);
     EXPECT_GT(wide.right - wide.left, 1000);
 
-    // Near the bottom of the work area the tip goes above the cursor.
+    // Near the bottom of the work area (within 5 pixels) the tip goes above the cursor; exactly fitting stays.
     RECT work;
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
     SetCursorPos(150, work.bottom - 40);
     POINT cursor;
     GetCursorPos(&cursor);
-    const RECT low = show(L"Tip", POINT{120, work.bottom - 30});
-    EXPECT_EQ(low.top, cursor.y - (one.bottom - one.top));
-    EXPECT_EQ(low.left, 120);
-    const RECT fits = show(L"Tip", POINT{120, work.bottom - 5 - (one.bottom - one.top)});
-    EXPECT_EQ(fits.top, work.bottom - 5 - (one.bottom - one.top)) << "exactly fitting stays";
-    const RECT margin = show(L"Tip", POINT{120, work.bottom - 3 - (one.bottom - one.top)});
-    EXPECT_EQ(margin.top, cursor.y - (one.bottom - one.top)) << "within 5 pixels of the bottom flips";
-    tip.SetTooltip(control, nullptr);
-    DestroyWindow(tipWindow);
-    DestroyWindow(top);
-}
+    const struct {
+        int top, shown;
+    } cases[] = {{work.bottom - 30, cursor.y - height},
+                 {work.bottom - 5 - height, work.bottom - 5 - height},
+                 {work.bottom - 3 - height, cursor.y - height}};
+    for (const auto& c : cases) {
+        const RECT r = show(L"Tip", 120, c.top);
+        EXPECT_EQ(r.top, c.shown) << c.top;
+        EXPECT_EQ(r.left, 120);
+    }
 
-TEST(Tooltip, CustomDrawPaintsTheGradientAndCentredText)
-{
-    LibraryState lib;
-    HWND top = Popup(RECT{100, 100, 300, 200});
-    HWND tipWindow = Popup(RECT{100, 300, 180, 340});  // a client area of 80 x 40
-    CTestTooltip tip;
-    tip.SetTooltip(top, L"ii");
-    HDC screen = GetDC(nullptr);
-    HDC dc = CreateCompatibleDC(screen);
-    HBITMAP target = CreateCompatibleBitmap(screen, 80, 40);
-    HGDIOBJ old = SelectObject(dc, target);
-    RECT all = {0, 0, 80, 40};
-    FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
+    // The custom draw: the gradient, and the text in the middle.
+    tip.SetTooltip(control, L"ii");
+    SetWindowPos(tipWindow, nullptr, 100, 300, 80, 40, SWP_NOZORDER | SWP_NOACTIVATE);  // a client area of 80 x 40
+    Canvas canvas(80, 40);
     NMTTCUSTOMDRAW draw = {};
-    draw.nmcd.hdr.hwndFrom = tipWindow;
-    draw.nmcd.hdr.code = static_cast<UINT>(NM_CUSTOMDRAW);
-    draw.nmcd.hdc = dc;
+    draw.nmcd.hdr = {tipWindow, 0, static_cast<UINT>(NM_CUSTOMDRAW)};
+    draw.nmcd.hdc = canvas;
     draw.nmcd.dwDrawStage = CDDS_PREPAINT;
     EXPECT_EQ(tip.OnTTNCustomDraw(0, reinterpret_cast<LPARAM>(&draw)), CDRF_NOTIFYPOSTPAINT);
-    FillRect(dc, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));  // clipped away
+    const RECT all = {0, 0, 80, 40};
+    FillRect(canvas, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));  // clipped away
     draw.nmcd.dwDrawStage = CDDS_POSTPAINT;
     EXPECT_EQ(tip.OnTTNCustomDraw(0, reinterpret_cast<LPARAM>(&draw)), CDRF_SKIPDEFAULT);
     draw.nmcd.dwDrawStage = CDDS_ITEMPREPAINT;
     EXPECT_EQ(tip.OnTTNCustomDraw(0, reinterpret_cast<LPARAM>(&draw)), 0);
-    SelectObject(dc, old);
-    const Capture c = ReadBitmap(target);
+    const Capture c = canvas.Read();
     EXPECT_TRUE(Near(c.At(2, 1), 0xF8F8F8, 2)) << std::hex << c.At(2, 1);
     EXPECT_TRUE(Near(c.At(2, 38), 0xE7E7E7, 2)) << std::hex << c.At(2, 38);
     EXPECT_GT(c.At(2, 10), c.At(2, 30)) << "lighter at the top";
     // The text is dark, in the middle, and nowhere near the edges.
-    int middle = 0;
-    int edges = 0;
+    int middle = 0, edges = 0;
     for (int y = 0; y < 40; ++y)
         for (int x = 0; x < 80; ++x)
             if ((c.At(x, y) & 0xFF) < 0x80)
                 ++((x > 25 && x < 55 && y > 8 && y < 32) ? middle : edges);
     EXPECT_GT(middle, 3);
     EXPECT_EQ(edges, 0);
-    DeleteObject(target);
-    DeleteDC(dc);
-    ReleaseDC(nullptr, screen);
-    tip.SetTooltip(top, nullptr);
+    tip.SetTooltip(control, nullptr);
     DestroyWindow(tipWindow);
     DestroyWindow(top);
 }
