@@ -118,10 +118,42 @@ public:
     SelectGuard(const SelectGuard&) = delete;
     SelectGuard& operator=(const SelectGuard&) = delete;
 
+    // False when nothing was selected (no context, no object, or the platform refused it).
+    explicit operator bool() const noexcept { return m_old != nullptr; }
+
 private:
     HDC m_hdc;
     HGDIOBJ m_old;
 };
+
+// A memory context compatible with `compatible` with `bitmap` selected into it for the scope; false when
+// either could not be had (a bitmap selected into another context can't be selected here).
+class BitmapDC {
+public:
+    BitmapDC(HDC compatible, HBITMAP bitmap) noexcept
+        : m_dc(CreateCompatibleDC(compatible)), m_select(m_dc.Get(), bitmap)
+    {
+    }
+    BitmapDC(const BitmapDC&) = delete;
+    BitmapDC& operator=(const BitmapDC&) = delete;
+
+    HDC Get() const noexcept { return m_dc.Get(); }
+    explicit operator bool() const noexcept { return m_dc && m_select; }
+
+private:
+    MemoryDC m_dc;       // made first and deleted last,
+    SelectGuard m_select;  // so that the bitmap is taken out before the context goes
+};
+
+// Copies the width x height piece of `from` at (sx, sy) to (x, y) of `to`, through two memory contexts
+// compatible with `compatible`. True when the copy was made.
+inline bool CopyBitmapPiece(HDC compatible, HBITMAP to, int x, int y, int width, int height, HBITMAP from, int sx,
+                            int sy) noexcept
+{
+    BitmapDC source(compatible, from);
+    BitmapDC target(compatible, to);
+    return source && target && BitBlt(target.Get(), x, y, width, height, source.Get(), sx, sy, SRCCOPY) != FALSE;
+}
 
 // Saves a device context's state and restores it on scope exit.
 class SaveDCGuard {

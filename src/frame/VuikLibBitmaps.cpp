@@ -57,22 +57,6 @@ public:
     DesktopDC() : WindowDC(GetDesktopWindow()) {}
 };
 
-// A memory context with `bitmap` selected into it for the scope; Ok() is false when either failed.
-class BitmapDC {
-public:
-    BitmapDC(HDC compatible, HBITMAP bitmap) : m_dc(CreateCompatibleDC(compatible)), m_select(m_dc.Get(), bitmap)
-    {
-        m_ok = m_dc && bitmap;
-    }
-    HDC Get() const { return m_dc.Get(); }
-    bool Ok() const { return m_ok; }
-
-private:
-    MemoryDC m_dc;
-    SelectGuard m_select;
-    bool m_ok = false;
-};
-
 // A bitmap of `size` compatible with the desktop, filled with `colour`; null on failure.
 HBITMAP CreateFilledBitmap(HDC desktop, int width, int height, COLORREF colour)
 {
@@ -81,7 +65,7 @@ HBITMAP CreateFilledBitmap(HDC desktop, int width, int height, COLORREF colour)
         return nullptr;
     BitmapDC dc(desktop, bitmap.Get());
     BrushHandle brush(CreateSolidBrush(colour));
-    if (!dc.Ok() || !brush)
+    if (!dc || !brush)
         return nullptr;
     RECT all = {0, 0, width, height};
     FillRect(dc.Get(), &all, brush.Get());
@@ -217,11 +201,7 @@ HBITMAP CVuikLib::BlendBitmapOffset(HBITMAP mask, HBITMAP under, HBITMAP image, 
     BitmapHandle part(CreateCompatibleBitmap(desktop.Get(), imageBm.bmWidth, imageBm.bmHeight));
     if (!part)
         return nullptr;
-    {
-        BitmapDC from(desktop.Get(), under);
-        BitmapDC to(desktop.Get(), part.Get());
-        BitBlt(to.Get(), 0, 0, imageBm.bmWidth, imageBm.bmHeight, from.Get(), offset.x, offset.y, SRCCOPY);
-    }
+    CopyBitmapPiece(desktop.Get(), part.Get(), 0, 0, imageBm.bmWidth, imageBm.bmHeight, under, offset.x, offset.y);
     return BlendBitmap(mask, part.Get(), image);
 }
 

@@ -50,6 +50,21 @@ ReadResult ReadWholeFile(const wchar_t* file, long limit, long refuseAbove, std:
     return ok ? ReadResult::Ok : ReadResult::ShortRead;
 }
 
+// The error word of a read: the file can't be opened, is too long to be one (unread), or came short.
+ZBUError ReadError(ReadResult result)
+{
+    switch (result) {
+    case ReadResult::Ok:
+        return ZBU_OK;
+    case ReadResult::OpenFailed:
+        return ZBU_FILE_OPEN;
+    case ReadResult::TooLong:
+        return ZBU_BAD_FORMAT;
+    default:
+        return ZBU_READ_FAILED;
+    }
+}
+
 // Writes `bytes` to `file` and checks the length of what is on the disk. The byte count, or 0.
 int WriteAndVerify(const wchar_t* file, const std::vector<uint8_t>& bytes)
 {
@@ -84,16 +99,9 @@ HBITMAP CNBitmapUtil::LoadWBMPFile(const wchar_t* file, BitmapType type, int ind
     m_eLastError = ZBU_OK;
     std::vector<uint8_t> bytes;
     size_t length = 0;
-    switch (ReadWholeFile(file, kWbmpMaxUsefulBytes, -1, bytes, length)) {
-        case ReadResult::OpenFailed:
-            m_eLastError = ZBU_FILE_OPEN;
-            return nullptr;
-        case ReadResult::Ok:
-            break;
-        default:
-            m_eLastError = ZBU_READ_FAILED;
-            return nullptr;
-    }
+    const ZBUError read = ReadError(ReadWholeFile(file, kWbmpMaxUsefulBytes, -1, bytes, length));
+    if (read != ZBU_OK)
+        return SetError(read, nullptr);
     int width = 0;
     int height = 0;
     size_t dataOffset = 0;
@@ -118,20 +126,10 @@ HBITMAP CNBitmapUtil::LoadOTABMPFile(const wchar_t* file, BitmapType type, int i
     m_eLastError = ZBU_OK;
     std::vector<uint8_t> bytes;
     size_t length = 0;
-    switch (
-        ReadWholeFile(file, static_cast<long>(kOtaMaxFileSize), static_cast<long>(kOtaMaxFileSize), bytes, length)) {
-        case ReadResult::OpenFailed:
-            m_eLastError = ZBU_FILE_OPEN;
-            return nullptr;
-        case ReadResult::TooLong:
-            m_eLastError = ZBU_BAD_FORMAT;
-            return nullptr;
-        case ReadResult::Ok:
-            break;
-        default:
-            m_eLastError = ZBU_READ_FAILED;
-            return nullptr;
-    }
+    const ZBUError read = ReadError(
+        ReadWholeFile(file, static_cast<long>(kOtaMaxFileSize), static_cast<long>(kOtaMaxFileSize), bytes, length));
+    if (read != ZBU_OK)
+        return SetError(read, nullptr);
     // The replace rule runs on bytes 1 and 2 before anything else is tested.
     int width = 0;
     int height = 0;

@@ -107,15 +107,7 @@ int CNBitmapUtil::CreateBitmapFromHandle(HBITMAP source, BitmapType type, int in
     if (!section)
         return 0;
     WindowDC screen(nullptr);
-    MemoryDC from(CreateCompatibleDC(screen.Get()));
-    MemoryDC to(CreateCompatibleDC(screen.Get()));
-    if (!from || !to)
-        return 0;
-    {
-        SelectGuard selectFrom(from.Get(), source);
-        SelectGuard selectTo(to.Get(), section.Get());
-        BitBlt(to.Get(), 0, 0, width, height, from.Get(), 0, 0, SRCCOPY);
-    }
+    CopyBitmapPiece(screen.Get(), section.Get(), 0, 0, width, height, source, 0, 0);
     record->m_hBitmap[index] = section.Release();
     AdoptInfo(record, NewInfo24(width, height));
     return 1;
@@ -127,17 +119,9 @@ HBITMAP CNBitmapUtil::CreateBitmapFromBitmapSection(int x, int y, int width, int
     if (!desktop || !source)
         return nullptr;
     BitmapHandle made(CreateCompatibleBitmap(desktop.Get(), width, height));
-    MemoryDC from(CreateCompatibleDC(desktop.Get()));
-    MemoryDC to(CreateCompatibleDC(desktop.Get()));
-    if (!made || !from || !to)
+    if (!made || !CopyBitmapPiece(desktop.Get(), made.Get(), 0, 0, width, height, source, x, y))
         return nullptr;
-    bool copied = false;
-    {
-        SelectGuard selectFrom(from.Get(), source);
-        SelectGuard selectTo(to.Get(), made.Get());
-        copied = BitBlt(to.Get(), 0, 0, width, height, from.Get(), x, y, SRCCOPY) != FALSE;
-    }
-    return copied ? made.Release() : nullptr;
+    return made.Release();
 }
 
 int CNBitmapUtil::Clone(BitmapType from, int fromIndex, BitmapType to, int toIndex)
@@ -464,14 +448,9 @@ int CNBitmapUtil::AlphaBlendBitmapsBGPos(int mode, int x, int y, int set, int in
         const int width = image->m_pInfo->bmiHeader.biWidth;
         const int height = HeightOf(image->m_pInfo);
         WindowDC screen(nullptr);
-        MemoryDC from(CreateCompatibleDC(screen.Get()));
-        MemoryDC to(CreateCompatibleDC(screen.Get()));
         HBITMAP made = CreateCompatibleBitmap(screen.Get(), width, height);
-        if (made && from && to) {
-            SelectGuard selectFrom(from.Get(), backgroundFrame);
-            SelectGuard selectTo(to.Get(), made);
-            BitBlt(to.Get(), 0, 0, width, height, from.Get(), x, y, SRCCOPY);
-        }
+        if (made)
+            CopyBitmapPiece(screen.Get(), made, 0, 0, width, height, backgroundFrame, x, y);
         if (made && IsFrameIndex(index))
             piece->m_hBitmap[index] = made;
         else if (made)

@@ -936,19 +936,9 @@ HBITMAP ZCMOD_LoadBitmap(UINT id)
     if (loaded && desktopDC) {
         const int width = util.GetBitmapWidth(BT_IMAGE);
         const int height = util.GetBitmapHeight(BT_IMAGE);
-        MemoryDC source(CreateCompatibleDC(desktopDC.Get()));
-        MemoryDC target(CreateCompatibleDC(desktopDC.Get()));
         BitmapHandle made(CreateCompatibleBitmap(desktopDC.Get(), width, height));
-        if (source && target && made) {
-            bool copied = false;
-            {
-                SelectGuard selectSource(source.Get(), loaded);
-                SelectGuard selectTarget(target.Get(), made.Get());
-                copied = BitBlt(target.Get(), 0, 0, width, height, source.Get(), 0, 0, SRCCOPY) != FALSE;
-            }
-            if (copied)
-                copy = made.Release();
-        }
+        if (made && CopyBitmapPiece(desktopDC.Get(), made.Get(), 0, 0, width, height, loaded, 0, 0))
+            copy = made.Release();
     }
     util.Clear();
     return copy;
