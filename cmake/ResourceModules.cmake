@@ -20,6 +20,18 @@ function(zcmod_font_family family outdir outvar)
   set(${outvar} ${made} PARENT_SCOPE)
 endfunction()
 
+# zcmod_theme_art(<theme> <output dir> <out var>)
+# Renders the artwork of <theme> (themes/art: drawing code to SVG, SVG to PNG by rsvg-convert) into
+# <output dir> and sets <out var> to the fragment art.rc that lists the pictures by resource id.
+function(zcmod_theme_art theme outdir outvar)
+  file(GLOB_RECURSE art_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/themes/art/*.py)
+  add_custom_command(OUTPUT ${outdir}/art.rc
+    COMMAND /usr/bin/python3 ${PROJECT_SOURCE_DIR}/themes/art/render.py ${theme} ${outdir}
+    DEPENDS ${art_sources}
+    COMMENT "Artwork of the theme ${theme}" VERBATIM)
+  set(${outvar} ${outdir}/art.rc PARENT_SCOPE)
+endfunction()
+
 # zcmod_resource_module(<target> <script> <output file> [DEPENDS files...] [INCLUDES dirs...])
 # Compiles <script> with windres (UTF-8) and links it into a resource-only module with no entry point.
 function(zcmod_resource_module target script output)

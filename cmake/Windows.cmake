@@ -50,10 +50,14 @@ set_source_files_properties(src/zcmod.rc PROPERTIES
 zcmod_font_family("Zelvo Sans Wide" ${CMAKE_BINARY_DIR}/fonts ZCMOD_FONTS)
 zcmod_resource_module(zcmod_lang_eng lang/ZCMOD_eng.rc ${ZCMOD_RUNTIME_DIR}/Lang/ZCMOD_eng.zlr)
 zcmod_resource_module(zcmod_lang_heb lang/ZCMOD_heb.rc ${ZCMOD_RUNTIME_DIR}/Lang/ZCMOD_heb.zlr)
+zcmod_theme_art(Default ${CMAKE_BINARY_DIR}/art/Default ZCMOD_ART_DEFAULT)
+zcmod_theme_art(Graphite ${CMAKE_BINARY_DIR}/art/Graphite ZCMOD_ART_GRAPHITE)
 zcmod_resource_module(zcmod_theme_default themes/Default/ZCMOD_Default.rc
-  ${ZCMOD_RUNTIME_DIR}/Resource/ZCMOD_Default.zgr DEPENDS ${ZCMOD_FONTS})
+  ${ZCMOD_RUNTIME_DIR}/Resource/ZCMOD_Default.zgr DEPENDS ${ZCMOD_FONTS} ${ZCMOD_ART_DEFAULT}
+  INCLUDES ${CMAKE_BINARY_DIR}/art/Default)
 zcmod_resource_module(zcmod_theme_graphite themes/Graphite/ZCMOD_Graphite.rc
-  ${ZCMOD_RUNTIME_DIR}/Resource/ZCMOD_Graphite.zgr DEPENDS ${ZCMOD_FONTS})
+  ${ZCMOD_RUNTIME_DIR}/Resource/ZCMOD_Graphite.zgr DEPENDS ${ZCMOD_FONTS} ${ZCMOD_ART_GRAPHITE}
+  INCLUDES ${CMAKE_BINARY_DIR}/art/Graphite)
 add_custom_target(zcmod_resources ALL DEPENDS
   zcmod_lang_eng zcmod_lang_heb zcmod_theme_default zcmod_theme_graphite)
 add_dependencies(zcmod zcmod_resources)

@@ -16,7 +16,7 @@ log() { printf '[bootstrap] %s\n' "$*"; }
 packages=(
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix mingw-w64-tools libz-mingw-w64-dev
   wine wine64 xvfb xauth cmake ninja-build googletest dpkg-dev imagemagick netpbm
-  python3-fonttools fonts-dejavu-core fonts-dejavu-extra
+  python3-fonttools fonts-dejavu-core fonts-dejavu-extra librsvg2-bin ccache
   clang libclang-rt-14-dev libpng-dev zlib1g-dev libgtest-dev libgmock-dev
 )
 missing=()

@@ -1,0 +1,63 @@
+#!/usr/bin/python3
+"""Renders the artwork of one theme: every picture that a module under families/ declares is written as an
+SVG file, turned into a 32-bit PNG (alpha becomes the picture's mask) by rsvg-convert, and listed in a
+resource script fragment `art.rc` that the theme's script includes.
+
+    render.py THEME OUTPUT_DIR
+
+Each module of families/ holds a list ART of Artwork entries: a resource id, a file name and a function that
+takes the theme's Palette and returns the SVG text. The functions are plain drawing code, so one change to a
+shape or a colour rule changes every state and both themes together."""
+import importlib.util
+import pathlib
+import subprocess
+import sys
+
+HERE = pathlib.Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE))
+
+from palettes import PALETTES  # noqa: E402
+
+
+def load_families():
+    """Every module of families/, in the order of their file names, so the output is the same each run."""
+    families = []
+    for path in sorted((HERE / "families").glob("*.py")):
+        spec = importlib.util.spec_from_file_location("family_" + path.stem, path)
+        module = importlib.util.module_from_spec(spec)
+        spec.loader.exec_module(module)
+        families.append((path.stem, getattr(module, "ART", [])))
+    return families
+
+
+def main():
+    if len(sys.argv) != 3 or sys.argv[1] not in PALETTES:
+        sys.exit("usage: render.py {%s} OUTPUT_DIR" % "|".join(sorted(PALETTES)))
+    theme, out = sys.argv[1], pathlib.Path(sys.argv[2])
+    palette = PALETTES[theme]
+    (out / "svg").mkdir(parents=True, exist_ok=True)
+    seen_ids, seen_names = {}, {}
+    lines = ["/* Made by themes/art/render.py for the theme %s; do not edit. */" % theme]
+    for family, art in load_families():
+        lines.append("/* %s */" % family)
+        for item in art:
+            for seen, key in ((seen_ids, item.id), (seen_names, item.name)):
+                if key in seen:
+                    sys.exit("render.py: %r of %s is also in %s" % (key, family, seen[key]))
+                seen[key] = family
+            svg_path = out / "svg" / (item.name + ".svg")
+            png_path = out / (item.name + ".png")
+            text = item.draw(palette)
+            # Rewrite only what changed, so a build after an unrelated edit stays quick.
+            if not svg_path.exists() or svg_path.read_text(encoding="utf-8") != text or not png_path.exists():
+                svg_path.write_text(text, encoding="utf-8")
+                subprocess.run(["rsvg-convert", "-f", "png", "-o", str(png_path), str(svg_path)], check=True)
+            lines.append('%d PNG "%s.png"' % (item.id, item.name))
+    rc = "\n".join(lines) + "\n"
+    rc_path = out / "art.rc"
+    if not rc_path.exists() or rc_path.read_text(encoding="utf-8") != rc:
+        rc_path.write_text(rc, encoding="utf-8")
+
+
+if __name__ == "__main__":
+    main()
