@@ -20,13 +20,21 @@ function(zcmod_font_family family outdir outvar)
   set(${outvar} ${made} PARENT_SCOPE)
 endfunction()
 
-# zcmod_theme_art(<theme> <output dir> <out var>)
+# zcmod_theme_art(<theme> <output dir> <out var> [FAMILIES <dir>])
 # Renders the artwork of <theme> (themes/art: drawing code to SVG, SVG to PNG by rsvg-convert) into
-# <output dir> and sets <out var> to the fragment art.rc that lists the pictures by resource id.
+# <output dir> and sets <out var> to the fragment art.rc that lists the pictures by resource id. FAMILIES
+# names another folder of drawing modules (an application's own pictures) instead of themes/art/families.
 function(zcmod_theme_art theme outdir outvar)
+  cmake_parse_arguments(ARG "" "FAMILIES" "" ${ARGN})
   file(GLOB_RECURSE art_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/themes/art/*.py)
+  set(families)
+  if(ARG_FAMILIES)
+    file(GLOB own_sources CONFIGURE_DEPENDS ${ARG_FAMILIES}/*.py)
+    list(APPEND art_sources ${own_sources})
+    set(families ${ARG_FAMILIES})
+  endif()
   add_custom_command(OUTPUT ${outdir}/art.rc
-    COMMAND /usr/bin/python3 ${PROJECT_SOURCE_DIR}/themes/art/render.py ${theme} ${outdir}
+    COMMAND /usr/bin/python3 ${PROJECT_SOURCE_DIR}/themes/art/render.py ${theme} ${outdir} ${families}
     DEPENDS ${art_sources}
     COMMENT "Artwork of the theme ${theme}" VERBATIM)
   set(${outvar} ${outdir}/art.rc PARENT_SCOPE)

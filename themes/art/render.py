@@ -3,9 +3,10 @@
 SVG file, turned into a 32-bit PNG (alpha becomes the picture's mask) by rsvg-convert, and listed in a
 resource script fragment `art.rc` that the theme's script includes.
 
-    render.py THEME OUTPUT_DIR
+    render.py THEME OUTPUT_DIR [FAMILIES_DIR]
 
-Each module of families/ holds a list ART of Artwork entries: a resource id, a file name and a function that
+Each module of families/ (or of FAMILIES_DIR: an application such as the gallery draws its own pictures with
+the same vocabulary and palettes) holds a list ART of Artwork entries: a resource id, a file name and a function that
 takes the theme's Palette and returns the SVG text. The functions are plain drawing code, so one change to a
 shape or a colour rule changes every state and both themes together."""
 import importlib.util
@@ -19,10 +20,10 @@ sys.path.insert(0, str(HERE))
 from palettes import PALETTES  # noqa: E402
 
 
-def load_families():
-    """Every module of families/, in the order of their file names, so the output is the same each run."""
+def load_families(folder):
+    """Every module of `folder`, in the order of their file names, so the output is the same each run."""
     families = []
-    for path in sorted((HERE / "families").glob("*.py")):
+    for path in sorted(folder.glob("*.py")):
         spec = importlib.util.spec_from_file_location("family_" + path.stem, path)
         module = importlib.util.module_from_spec(spec)
         spec.loader.exec_module(module)
@@ -31,14 +32,15 @@ def load_families():
 
 
 def main():
-    if len(sys.argv) != 3 or sys.argv[1] not in PALETTES:
-        sys.exit("usage: render.py {%s} OUTPUT_DIR" % "|".join(sorted(PALETTES)))
+    if len(sys.argv) not in (3, 4) or sys.argv[1] not in PALETTES:
+        sys.exit("usage: render.py {%s} OUTPUT_DIR [FAMILIES_DIR]" % "|".join(sorted(PALETTES)))
     theme, out = sys.argv[1], pathlib.Path(sys.argv[2])
+    folder = pathlib.Path(sys.argv[3]) if len(sys.argv) == 4 else HERE / "families"
     palette = PALETTES[theme]
     (out / "svg").mkdir(parents=True, exist_ok=True)
     seen_ids, seen_names = {}, {}
     lines = ["/* Made by themes/art/render.py for the theme %s; do not edit. */" % theme]
-    for family, art in load_families():
+    for family, art in load_families(folder):
         lines.append("/* %s */" % family)
         for item in art:
             for seen, key in ((seen_ids, item.id), (seen_names, item.name)):
