@@ -515,13 +515,15 @@ TEST_F(StaticFamily, AnimationShowsFramesOnTimeStopsAndEndsWithAnInvalidSkin)
 
     ani.StopAnimation();
     const UINT stopped = ani.GetCurrentFrame();
+    ASSERT_EQ(stopped, 1u);
     Recorder::Pump(3 * kFrameTime);
     EXPECT_EQ(ani.GetCurrentFrame(), stopped);
     EXPECT_TRUE(Shows(ani.m_hWnd, {{4, 4, frames[stopped]}})) << "the frame stays shown";
 
-    // The skin turns invalid while running: the next tick neither draws nor re-arms, so the run has ended even
-    // once the skin is good again.
+    // A new start shows the first frame again at once. Then the skin turns invalid while running: the next
+    // tick neither draws nor re-arms, so the run has ended even once the skin is good again.
     ani.StartAnimation();
+    EXPECT_TRUE(Shows(ani.m_hWnd, {{4, 4, frames[0]}}));
     skin.SetSkinDef(CVuikAniStaticSkinDef{IDB_TEST_MISSING, IDB_TEST_MISSING, kFrameTime, 1});
     skin.Load();
     Recorder::Pump(3 * kFrameTime);
