@@ -593,7 +593,8 @@ TEST_F(StaticFamily, ChangesAndCyclesLeaveNoHandleBehind)
     // A hidden parent: the paints are sent, not waited for, and nothing reaches the screen.
     HWND parent = CreateWindowExW(0, PlainClass(), L"", WS_POPUP, 0, 0, 200, 100, nullptr, nullptr, nullptr, nullptr);
     ASSERT_TRUE(parent);
-    const RECT rect = {10, 10, 60, 40};
+    // Small controls: the bar draws two tiles, the gradient 20 columns.
+    const RECT rect = {10, 10, 30, 24};
     CVuikBaseSkin* labelSkins[] = {nullptr, &gradient, &chrome, &icon};
     // One create, paint and destroy of a class: the label and picture with each skin in turn, the bar, the
     // animation with its timer running.
