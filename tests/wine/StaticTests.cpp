@@ -526,10 +526,16 @@ TEST_F(StaticFamily, AnimationShowsFramesOnTimeStopsAndEndsWithAnInvalidSkin)
     EXPECT_TRUE(Shows(ani.m_hWnd, {{4, 4, frames[0]}}));
     skin.SetSkinDef(CVuikAniStaticSkinDef{IDB_TEST_MISSING, IDB_TEST_MISSING, kFrameTime, 1});
     skin.Load();
-    Recorder::Pump(3 * kFrameTime);
+    Recorder rec;
+    rec.Watch(ani.m_hWnd, "ani");
+    rec.Only({WM_TIMER});
+    for (int waited = 0; rec.Count(WM_TIMER) == 0 && waited < 2000; waited += 10)
+        Recorder::Pump(10);
+    ASSERT_EQ(rec.Count(WM_TIMER), 1);
     skin.SetSkinDef(good);
     skin.Load();
     Recorder::Pump(4 * kFrameTime);
+    EXPECT_EQ(rec.Count(WM_TIMER), 1) << "no tick after the one that found the skin invalid";
     EXPECT_EQ(ani.GetCurrentFrame(), 0u);
     DestroyWindow(ani.m_hWnd);
 }
