@@ -1,6 +1,7 @@
 #include "zcmod/VuikBarStaticCtrl.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <vector>
 
 #include "controls/core/StaticLayout.h"
