@@ -383,6 +383,8 @@ long DeviceSelection::RunModal(unsigned long mode, const wchar_t* filter, int hi
     RECT around = {};
     if (!m_owner || !GetWindowRect(m_owner, &around) || IsIconic(m_owner))
         SystemParametersInfoW(SPI_GETWORKAREA, 0, &around, 0);
+    if (m_owner)
+        EnableWindow(m_owner, FALSE);
     RECT own = {};
     GetWindowRect(m_window, &own);
     const int width = own.right - own.left, height = own.bottom - own.top;
@@ -392,8 +394,6 @@ long DeviceSelection::RunModal(unsigned long mode, const wchar_t* filter, int hi
     SetForegroundWindow(m_window);
     SetFocus(IsWindowVisible(m_list) ? m_list : GetDlgItem(m_window, kCmdCancel));
 
-    if (m_owner)
-        EnableWindow(m_owner, FALSE);
     m_inModal = true;
     long result = kNoSelection;
     bool quit = false;
