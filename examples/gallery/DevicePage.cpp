@@ -319,6 +319,7 @@ private:
         RECT rect = {};
         GetWindowRect(window, &rect);
         HDC source = GetWindowDC(window);
+        SetLayout(source, 0);  // the pixels as the screen shows them, not mirrored once more
         HDC memory = CreateCompatibleDC(source);
         m_snapshot = CreateCompatibleBitmap(source, rect.right - rect.left, rect.bottom - rect.top);
         HGDIOBJ previous = SelectObject(memory, m_snapshot);

@@ -515,7 +515,7 @@ bool DeviceSelection::BuildWindow()
     SetWindowLongPtrW(m_window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
 
     const auto child = [&](const wchar_t* className, const std::wstring& text, DWORD style, int id, DWORD exStyle = 0) {
-        HWND control = CreateWindowExW(exStyle, className, text.c_str(), WS_CHILD | WS_VISIBLE | style, 0, 0, 10, 10,
+        HWND control = CreateWindowExW(exStyle | (rtl ? WS_EX_RTLREADING : 0u), className, text.c_str(), WS_CHILD | WS_VISIBLE | style, 0, 0, 10, 10,
                                        m_window, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), instance, nullptr);
         if (control)
             SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
@@ -585,13 +585,15 @@ void DeviceSelection::DrawRow(const DRAWITEMSTRUCT& item)
         RECT detail = {rect.left + 12, rect.top + 21, rect.right - 8, rect.bottom - 2};
         HGDIOBJ previous = SelectObject(dc, m_boldFont);
         SetTextColor(dc, strong);
-        DrawTextW(dc, record->friendlyName.c_str(), -1, &name, DT_LEFT | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
+        const UINT reading = CVuikLib::IsLayoutRTL() ? DT_RTLREADING : 0;
+        DrawTextW(dc, record->friendlyName.c_str(), -1, &name,
+                  DT_LEFT | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX | reading);
         SelectObject(dc, m_font);
         std::wstring text = record->manufacturer + L" " + record->model + L"  \x00B7  " + record->mediaText;
         if (!record->supported)
             text += L"  \x00B7  " + LoadText(ZLR_STR_DEVSEL_UNSUPPORTED);
         SetTextColor(dc, m_colors[TextDisabled]);
-        DrawTextW(dc, text.c_str(), -1, &detail, DT_LEFT | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX);
+        DrawTextW(dc, text.c_str(), -1, &detail, DT_LEFT | DT_SINGLELINE | DT_END_ELLIPSIS | DT_NOPREFIX | reading);
         SelectObject(dc, previous);
         RECT line = {rect.left + 8, rect.bottom - 1, rect.right - 8, rect.bottom};
         SetBkColor(dc, m_colors[Border]);
