@@ -1,6 +1,9 @@
 // The capability text and the device filter that decides which phones an application supports.
 #include <gtest/gtest.h>
 
+#include <cwchar>
+#include <ostream>
+
 #include "device/core/DeviceCapabilities.h"
 
 using namespace zcmod::device;
@@ -28,6 +31,11 @@ struct FilterCase {
     bool passes;
 };
 
+void PrintTo(const FilterCase& c, std::ostream* out)
+{
+    *out << '"' << std::string(c.filter, c.filter + std::wcslen(c.filter)) << (c.serial[0] ? "\" own line" : "\"");
+}
+
 class DeviceFilter : public ::testing::TestWithParam<FilterCase> {};
 
 TEST_P(DeviceFilter, DecidesByTheDevicesEntry)
@@ -36,7 +44,7 @@ TEST_P(DeviceFilter, DecidesByTheDevicesEntry)
     capabilities.Parse(kText);
     const FilterCase& c = GetParam();
     EXPECT_EQ(PassesFilter(capabilities, capabilities.PhoneTypeOf(L"Ignored", L"X"), c.serial, c.filter), c.passes)
-        << "filter \"" << std::wstring(c.filter).size() << " chars\" serial " << (c.serial[0] ? "own" : "none");
+        << ::testing::PrintToString(c);
 }
 
 INSTANTIATE_TEST_SUITE_P(
