@@ -89,10 +89,8 @@ void DeviceSelection::Destroy()
         service::LNKACloseDM(m_dm);
         m_dm = nullptr;
     }
-    if (m_serviceStarted) {
+    for (; m_serviceStarts > 0; --m_serviceStarts)
         service::DMAPI_Terminate(0);
-        m_serviceStarted = false;
-    }
     if (m_window) {
         SetWindowLongPtrW(m_window, GWLP_USERDATA, 0);
         DestroyWindow(m_window);
@@ -124,17 +122,35 @@ long DeviceSelection::Start()
         return static_cast<long>(0x80004005L);
     }
     // The service: its absence is no failure here; the list simply stays empty.
-    m_serviceStarted = true;
-    m_status = service::DMAPI_Initialize(service::kDmapiVersion, 0);
-    if (m_status >= 0)
-        m_status = service::LNKAOpenDM(&m_dm);
-    if (m_status == 0) {
-        g_notifyWindow = m_window;
-        m_status = service::LNKARegisterNotifyCallback(m_dm, API_REGISTER, &DeviceSelection::ServiceCallback);
-    }
+    Connect();
     ReadDevices();
     Refill(0, false);
     return 0;
+}
+
+DeviceSelection::Connection DeviceSelection::Connect()
+{
+    DWORD count = 0;
+    if (m_dm && service::LNKAGetDeviceCount(m_dm, &count) == 0)
+        return Connection::Kept;
+    // A session from before the service went away is stale: a new one, with its registration, replaces it.
+    if (m_dm) {
+        service::LNKACloseDM(m_dm);
+        m_dm = nullptr;
+    }
+    HRESULT result = 0;
+    if (m_serviceStarts == 0 || service::DMAPI_GetAPIVersion() == service::kNotInitialised) {
+        ++m_serviceStarts;  // each start, failed or not, has its end
+        result = service::DMAPI_Initialize(service::kDmapiVersion, 0);
+    }
+    if (result >= 0)
+        result = service::LNKAOpenDM(&m_dm);
+    if (result == 0) {
+        g_notifyWindow = m_window;
+        result = service::LNKARegisterNotifyCallback(m_dm, API_REGISTER, &DeviceSelection::ServiceCallback);
+    }
+    m_status = result;
+    return result == 0 ? Connection::Made : Connection::Failed;
 }
 
 HRESULT CALLBACK DeviceSelection::ServiceCallback(DWORD status, const wchar_t*)
@@ -368,6 +384,9 @@ long DeviceSelection::RunModal(unsigned long mode, const wchar_t* filter, int hi
 {
     if (!m_window || m_inModal)
         return kNoSelection;
+    // The service may have gone away and come back since the list was read.
+    if (Connect() == Connection::Made)
+        Refresh();
     SendMessageW(m_window, kMsgSetMode, 0, static_cast<LPARAM>(mode));
     m_hadSelection = SelectedId(m_openedWith) == 0;
     SendMessageW(m_window, kMsgSetFilter, 0, reinterpret_cast<LPARAM>(filter ? filter : L""));
@@ -677,8 +696,11 @@ LRESULT DeviceSelection::Handle(UINT message, WPARAM wParam, LPARAM lParam)
                                 MB_OK | MB_ICONINFORMATION | (CVuikLib::IsLayoutRTL() ? MB_RTLREADING | MB_RIGHT : 0));
                     return 0;
                 case kCmdRefresh:
-                    if (m_dm)
-                        service::LNKARefreshDeviceList(m_dm, 0);
+                    // The service answers with a notification; a stale session is renewed and read at once.
+                    if (!m_dm || service::LNKARefreshDeviceList(m_dm, 0) != 0) {
+                        if (Connect() != Connection::Failed)
+                            Refresh();
+                    }
                     return 0;
                 case kDeviceListId:
                     if (HIWORD(wParam) == LBN_SELCHANGE)

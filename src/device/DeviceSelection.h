@@ -102,6 +102,8 @@ private:
     static HRESULT CALLBACK ServiceCallback(DWORD status, const wchar_t* serial);
     LRESULT Handle(UINT message, WPARAM wParam, LPARAM lParam);
 
+    enum class Connection { Kept, Made, Failed };
+    Connection Connect();
     bool BuildWindow();
     void Layout();
     void ReadDevices();
@@ -129,7 +131,7 @@ private:
     bool m_inModal = false;
     HRESULT m_status = 0;
     HLNKADM m_dm = nullptr;
-    bool m_serviceStarted = false;
+    int m_serviceStarts = 0;  // DMAPI_Initialize calls, each ended by a DMAPI_Terminate
 
     HWND m_window = nullptr;
     HWND m_list = nullptr;

@@ -73,6 +73,24 @@ TEST_F(DeviceSelection, RefusesWhatItCannotWatch)
     EXPECT_EQ(wrapper.SelectDevice(1), static_cast<long>(0x80004003L));
 }
 
+TEST(DeviceSelectionResources, MissingModulesFailTheStart)
+{
+    SuiteRegistry suite;
+    AppWindow app;
+    CCSDWrapper wrapper;
+    {
+        FreshResources resources(suite, L"xyz");
+        EXPECT_EQ(wrapper.Initialize(app.Get()), -11);
+    }
+    {
+        FreshResources resources(suite, L"eng", L"NoSuchTheme");
+        suite.SetMachineTheme(L"NoSuchTheme");
+        EXPECT_EQ(wrapper.Initialize(app.Get()), -13);
+    }
+    EXPECT_EQ(GetPropW(app.Get(), L"__DeskHubCCSDWrapperImplInstancePtr"), nullptr);
+    EXPECT_EQ(SelectionWindow(), nullptr);
+}
+
 // One phone plugged in with none current is taken silently; an unsupported one only reports itself; pulling
 // the current phone with another supported one there takes that one; the last one gone is a detach.
 TEST_F(DeviceSelection, ListenerCallsAsPhonesComeAndGo)
@@ -216,6 +234,31 @@ TEST_F(DeviceSelection, PlugDuringTheModalLoop)
     EXPECT_EQ(rowsAfter, 2);
     EXPECT_EQ(recorder.calls, Calls({Attached(L"Alpha", a), Attached(L"Beta", b)}));
     EXPECT_EQ(wrapper.GetDeviceCount(), 2);
+}
+
+// The service stops and starts again: its notifications no longer come, and opening the window reads the list
+// anew on a new session.
+TEST_F(DeviceSelection, TheWindowReadsTheListAgainAfterTheServiceCameBack)
+{
+    phones.New(L"A");
+    Start();
+    ASSERT_EQ(wrapper.SelectDevice(1), 0);
+    ASSERT_EQ(phones.Ctl(L"stop").exitCode, 0u);
+    ASSERT_TRUE(PumpUntil([] { return GetModuleHandleW(L"LinkAPI64.dll") == nullptr; }));
+    ASSERT_EQ(phones.Ctl(L"start").exitCode, 0u);
+    ASSERT_TRUE(PumpUntil([] { return GetModuleHandleW(L"LinkAPI64.dll") != nullptr; }));
+    phones.New(L"B");
+    int rows = 0;
+    const ModalRun run = RunSelectionWindow(wrapper, [&](HWND, HWND list) {
+        rows = ListRows(list);
+        PostKey(list, VK_ESCAPE);
+    });
+    ASSERT_FALSE(run.timedOut);
+    EXPECT_EQ(rows, 2);
+    EXPECT_EQ(wrapper.GetSupportedDeviceCount(), 2);
+    // Notifications come again on the new session.
+    Ctl(L"unplug A", 2);
+    EXPECT_EQ(recorder.calls.back().substr(0, 14), L"attached B USB");
 }
 
 TEST_F(DeviceSelection, NoHandleLeftOverOpeningAndClosingTheWindow)
