@@ -2,6 +2,8 @@
 // controller in another process; the selection window driven by posted keys; the title bar helper.
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "DeviceTestSupport.h"
 #include "HandleCounter.h"
 #include "zcmod/ResourceIds.h"
@@ -295,6 +297,11 @@ struct TitleCase {
     const wchar_t* unsupported;
     const wchar_t* choose;
 };
+
+void PrintTo(const TitleCase& c, std::ostream* out)
+{
+    *out << std::string(c.language, c.language + 3);
+}
 
 class TitleBar : public ::testing::TestWithParam<TitleCase> {
 protected:
