@@ -99,6 +99,9 @@ TEST_F(DeviceSelection, ListenerCallsAsPhonesComeAndGo)
 {
     Start();
     EXPECT_EQ(wrapper.SelectDevice(1), -5) << "no phone";
+    HWND window = SelectionWindow();
+    EXPECT_TRUE(GetWindowLongPtrW(GetDlgItem(window, zcmod::device::kEmptyTextId), GWL_STYLE) & WS_VISIBLE)
+        << "an empty list says how to connect a phone";
     const std::wstring a = phones.New(L"A", L"--name Alpha");
     ASSERT_TRUE(recorder.WaitFor(1));
     EXPECT_EQ(recorder.calls, Calls({Attached(L"Alpha", a)}));
