@@ -38,13 +38,13 @@ zcmod::RecipientSearch InstalledSearch(bool unlimited)
             return 0;
         std::wstring wide = FromText16(text);
         std::vector<std::wstring> found;
-        // Checking a finished name must see every contact, also below the shortest searched length.
-        const bool limit = CSearchEngineControl::m_bApplySearchLimit;
+        // Checking a finished name must see every contact, also below the shortest searched length; the limit
+        // is on again afterwards.
         if (unlimited)
             CSearchEngineControl::m_bApplySearchLimit = false;
         const int result = search(wide, byName, found);
         if (unlimited)
-            CSearchEngineControl::m_bApplySearchLimit = limit;
+            CSearchEngineControl::m_bApplySearchLimit = true;
         for (const std::wstring& entry : found)
             results.push_back(ToText16(entry));
         return result;
