@@ -19,6 +19,7 @@
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/DkhDialog.h"
 #include "zcmod/RTLHelper.h"
+#include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
 #include "zcmod/SearchEngineControl.h"
 
@@ -252,6 +253,7 @@ class ProbeDialog : public CDkhDialog {
 public:
     explicit ProbeDialog(WORD id) : CDkhDialog(id) {}
     std::function<void(ProbeDialog&)> step;
+    int closings = 0;
     HBRUSH BackgroundBrush() const { return m_hBackgroundBrush; }
     HBRUSH NullBrush() const { return m_hNullBrush; }
 
@@ -271,6 +273,16 @@ protected:
             return 1;
         }
         return CDkhDialog::DialogProc(message, wParam, lParam);
+    }
+    void OnOK() override
+    {
+        ++closings;
+        CDkhDialog::OnOK();
+    }
+    void OnCancel() override
+    {
+        ++closings;
+        CDkhDialog::OnCancel();
     }
 };
 
@@ -311,16 +323,28 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
         WPARAM closer;
         WORD dialogId;
         int controlId;
+        const wchar_t* language;
+        bool rtl;
     } cases[] = {{L"Test", RGB(201, 202, 203), RGB(11, 12, 13), IDOK, IDD_ZCMOD_SYSTEM_INFORMATION,
-                  IDC_ZCMOD_SYSTEM_INFORMATION_TEXT},
-                 // A theme without the dialog colours gives black; the recipient picker's template.
-                 {L"Other", 0, 0, IDCANCEL, IDD_ZCMOD_RECIPIENTS, IDC_ZCMOD_RECIPIENTS_LIST}};
+                  IDC_ZCMOD_SYSTEM_INFORMATION_TEXT, L"eng", false},
+                 // A theme without the dialog colours gives black; the recipient picker's template, in Hebrew.
+                 {L"Other", 0, 0, IDCANCEL, IDD_ZCMOD_RECIPIENTS, IDC_ZCMOD_RECIPIENTS_LIST, L"heb", true}};
     INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&controls);
+    CCommonModuleState& state = CCommonModuleState::Get();
+    struct Restore {
+        CCommonModuleState& state;
+        CResHandler* handler;
+        ~Restore() { state.m_pResHandler = handler; }
+    } restore{state, state.m_pResHandler};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.theme);
         registry.SetUserTheme(c.theme);
-        CCommonModuleState::Get().ResetColorLoader();
+        registry.SetLanguage(c.language);
+        // The language is chosen once per handler: a fresh one for each case, the process's back afterwards.
+        CResHandler handler;
+        state.m_pResHandler = &handler;
+        state.ResetColorLoader();
         HandleCounter counter;
         const HandleCounter::Counts before = counter.Live();
 
@@ -334,6 +358,7 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
             brush = d.BackgroundBrush();
             EXPECT_EQ(CDkhDialog::FromHandle(seen), &d);
             EXPECT_NE(GetDlgItem(seen, c.controlId), nullptr);
+            EXPECT_EQ((GetWindowLongW(seen, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0, c.rtl);
             EXPECT_EQ(counter.Live()[HandleCounter::Brush], before[HandleCounter::Brush] + 1);
 
             // Colours by message: the brush returned, the text and background colours left on the DC.
@@ -367,7 +392,7 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
             // A click carries its notification in the high word; only the whole word 1 or 2 closes.
             SendMessageW(seen, WM_COMMAND, MAKEWPARAM(IDOK, EN_CHANGE), 0);
             SendMessageW(seen, WM_COMMAND, MAKEWPARAM(IDCANCEL, 1), 0);
-            EXPECT_TRUE(IsWindowVisible(seen));
+            EXPECT_EQ(d.closings, 0);
             PostMessageW(seen, WM_COMMAND, c.closer, 0);
         };
         g_watchdogFired = false;
@@ -375,6 +400,7 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
         const INT_PTR result = dialog.DoModal(nullptr);
         KillTimer(nullptr, watchdog);
         g_watchedDialog = nullptr;
+        state.m_pResHandler = restore.handler;
         ASSERT_FALSE(g_watchdogFired) << "the dialog never closed";
         EXPECT_EQ(result, static_cast<INT_PTR>(c.closer));
         ASSERT_NE(seen, nullptr);
