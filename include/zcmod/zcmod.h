@@ -2,6 +2,7 @@
 // get the whole interface.
 #pragma once
 
+#include "zcmod/CSDWrapper.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/DKHLInfoReader.h"
 #include "zcmod/FaultReporting.h"
@@ -9,6 +10,7 @@
 #include "zcmod/PhoneFileDialog.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
+#include "zcmod/TitleBarHelper.h"
 #include "zcmod/Utils.h"
 #include "zcmod/VuikAniStaticCtrl.h"
 #include "zcmod/VuikBackBuffer.h"
@@ -22,3 +24,6 @@
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
+#include "zcmod/RTLHelper.h"
+#include "zcmod/DkhDialog.h"
+#include "zcmod/SearchEngineControl.h"
