@@ -4,6 +4,7 @@
 // set of the theme in use from its window colour. Right to left, the page is laid out from the right.
 #include <windows.h>
 
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -108,6 +109,7 @@ public:
         m_width = area.right;
         m_rtl = CVuikLib::IsLayoutRTL() != 0;
         const COLORREF window = DkhLoadColor(nullptr, ZGR_COLOR_WINDOW);
+        m_window = window;
         const COLORREF text = DkhLoadColor(nullptr, ZGR_COLOR_TEXT);
         const COLORREF accent = DkhLoadColor(nullptr, ZGR_COLOR_ACCENT);
         const UINT base = IDB_GALLERY_STATIC_BASE + (IsDark(window) ? IDB_GALLERY_STATIC_THEME_STEP : 0);
@@ -159,6 +161,7 @@ public:
         Head(kMargin, y, 900, L"Nine-piece frame with labels on it, animation, bars across and downwards");
         y += 28;
         CVuikStaticCtrl* card = Skinned(panel, Place(kMargin, y, 300, 120), &m_card);
+        m_cardWindow = card->m_hWnd;
         SetWindowLongW(card->m_hWnd, GWL_STYLE, GetWindowLongW(card->m_hWnd, GWL_STYLE) | WS_CLIPCHILDREN);
         Label(card->m_hWnd, Local(RECT{16, 16, 284, 40}, 300), SS_LEFT, L"Phone connected", text)
             ->SetVerticalAlignment(CVuikStaticCtrl::VA_CENTER);
@@ -230,6 +233,18 @@ public:
         GetClientRect(m_down->m_hWnd, &r);
         if (r.right != 28)
             return L"the bar downwards didn't take its pieces' width";
+        // The card's rounded corner lets the page show through (within the blend's rounding); its left edge is
+        // its own border.
+        HDC dc = GetDC(m_cardWindow);
+        const COLORREF corner = GetPixel(dc, 0, 0), edge = GetPixel(dc, 0, 60);
+        ReleaseDC(m_cardWindow, dc);
+        auto likePage = [this](COLORREF c, int tolerance) {
+            return std::abs(GetRValue(c) - GetRValue(m_window)) <= tolerance &&
+                   std::abs(GetGValue(c) - GetGValue(m_window)) <= tolerance &&
+                   std::abs(GetBValue(c) - GetBValue(m_window)) <= tolerance;
+        };
+        if (!likePage(corner, 2) || likePage(edge, 20))
+            return L"the card doesn't sit on the page: " + Format(L"%06x %06x", corner, edge);
         return L"";
     }
 
@@ -303,6 +318,8 @@ private:
 
     bool m_rtl = false;
     int m_width = 0;
+    COLORREF m_window = 0;
+    HWND m_cardWindow = nullptr;
     HFONT m_font = nullptr;
     CPanelSkin m_panelSkin;
     CVuikStaticBitmapSkin m_ownSize, m_stretched;
