@@ -72,7 +72,7 @@ void CVuikAniStaticSkin::Draw(CVuikWindow* window, CVuikGraphics* graphics, int,
     if (!window || !graphics || !window->m_hWnd)
         return;
     HWND hwnd = window->m_hWnd;
-    RECT area;
+    RECT area = {};
     GetClientRect(hwnd, &area);
     if (CVuikLib::IsLayoutRTL())
         area.left -= 1;
@@ -128,7 +128,7 @@ HWND CVuikAniStaticCtrl::UnsubclassWindow(int force)
 
 void CVuikAniStaticCtrl::Redraw()
 {
-    RECT client;
+    RECT client = {};
     GetClientRect(m_hWnd, &client);
     WindowDC dc(m_hWnd);
     if (dc)
@@ -200,7 +200,7 @@ LRESULT CVuikAniStaticCtrl::OnEraseBkgnd(HWND, UINT, WPARAM, LPARAM)
 
 LRESULT CVuikAniStaticCtrl::OnPaint(HWND hwnd, UINT message, WPARAM, LPARAM lParam)
 {
-    RECT client;
+    RECT client = {};
     GetClientRect(hwnd, &client);
     const DRAWITEMSTRUCT* item = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
     if (message == WM_DRAWITEM && item && item->hDC) {

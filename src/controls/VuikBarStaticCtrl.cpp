@@ -130,7 +130,7 @@ void CVuikBarStaticCtrl::SizeToContent()
     if (!m_hWnd || !m_pSkin)
         return;
     const SIZE largest = m_pSkin->GetLargestPiece();
-    RECT client;
+    RECT client = {};
     GetClientRect(m_hWnd, &client);
     const UINT flags = SWP_NOMOVE | SWP_NOZORDER | SWP_NOREDRAW | SWP_NOACTIVATE;
     if (!m_pSkin->IsHorizontal()) {
@@ -189,7 +189,7 @@ LRESULT CVuikBarStaticCtrl::OnPaint(HWND hwnd, UINT, WPARAM, LPARAM)
     HDC dc = BeginPaint(hwnd, &paint);
     if (!dc)
         return 0;
-    RECT client;
+    RECT client = {};
     GetClientRect(hwnd, &client);
     if (SkinIsValid())
         DrawBackBuffer(dc, client, paint.rcPaint);
@@ -212,7 +212,7 @@ LRESULT CVuikBarStaticCtrl::OnRepaint(HWND hwnd, UINT, WPARAM wParam, LPARAM lPa
         return 0;
     RECT mapped = paint->rcPaint;
     MapWindowPoints(reinterpret_cast<HWND>(wParam), hwnd, reinterpret_cast<POINT*>(&mapped), 2);
-    RECT client;
+    RECT client = {};
     GetClientRect(hwnd, &client);
     WindowDC unused(hwnd);
     DrawBackBufferPart(paint->hdc, client, mapped, paint->rcPaint);

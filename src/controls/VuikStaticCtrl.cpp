@@ -324,7 +324,7 @@ int CVuikStaticCtrl::GetTextHeight()
     if (!m_hWnd || !IsWindow(m_hWnd))
         return 0;
     const UINT flags = zcmod::LabelTextFlags(static_cast<DWORD>(GetWindowLongW(m_hWnd, GWL_STYLE))) | DT_CALCRECT;
-    RECT r;
+    RECT r = {};
     GetClientRect(m_hWnd, &r);
     const std::wstring text = WindowText(m_hWnd);
     // The context comes from a paint of its own. Outside a paint that would validate what is waiting to be
@@ -403,7 +403,7 @@ LRESULT CVuikStaticCtrl::OnPaint(HWND hwnd, UINT, WPARAM, LPARAM)
     HDC dc = BeginPaint(hwnd, &paint);
     if (!dc)
         return 0;
-    RECT client;
+    RECT client = {};
     GetClientRect(hwnd, &client);
     if (SkinIsValid()) {
         DrawBackBuffer(dc, client, paint.rcPaint);
@@ -443,7 +443,7 @@ LRESULT CVuikStaticCtrl::OnRepaint(HWND hwnd, UINT, WPARAM wParam, LPARAM lParam
         return 0;
     RECT mapped = paint->rcPaint;
     MapWindowPoints(reinterpret_cast<HWND>(wParam), hwnd, reinterpret_cast<POINT*>(&mapped), 2);
-    RECT client;
+    RECT client = {};
     GetClientRect(hwnd, &client);
     DrawBackBufferPart(paint->hdc, client, mapped, paint->rcPaint);
     return 0;
