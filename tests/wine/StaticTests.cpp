@@ -410,6 +410,15 @@ TEST_F(StaticFamily, StylesOfCreateAndSubclassDiffer)
     EXPECT_EQ(style(takenBar.m_hWnd), (base & ~0xDu) | WS_CLIPSIBLINGS);
     EXPECT_EQ(style(takenAni.m_hWnd), base | 0x600000Du);
     EXPECT_EQ(style(takenLabel.m_hWnd), base);
+    // Once the windows are gone the controls' calls do nothing.
+    DestroyWindow(m_panel.m_hWnd);
+    m_panel.m_hWnd = nullptr;
+    takenLabel.SetTextAlignment(SS_RIGHT);
+    EXPECT_EQ(takenLabel.GetTextHeight(), 0);
+    takenAni.StartAnimation();
+    takenAni.SizeToContent();
+    createdBar.SizeToContent();
+    EXPECT_EQ(takenAni.GetCurrentFrame(), 0u);
 }
 
 // A child of each control asks for what lies under it; the label without a skin and a bar with an invalid
