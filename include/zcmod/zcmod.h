@@ -18,6 +18,7 @@
 #include "zcmod/VuikButtonImpl.h"
 #include "zcmod/VuikLib.h"
 #include "zcmod/VuikMessages.h"
+#include "zcmod/VuikTabCtrl.h"
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
