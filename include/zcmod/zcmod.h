@@ -21,6 +21,7 @@
 #include "zcmod/VuikLib.h"
 #include "zcmod/VuikMessages.h"
 #include "zcmod/VuikStaticCtrl.h"
+#include "zcmod/VuikTabCtrl.h"
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
