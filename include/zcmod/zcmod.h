@@ -19,6 +19,7 @@
 #include "zcmod/VuikLib.h"
 #include "zcmod/VuikMessages.h"
 #include "zcmod/VuikTooltip.h"
+#include "zcmod/VuikMenuBarCtrl.h"
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
 #include "zcmod/RTLHelper.h"
