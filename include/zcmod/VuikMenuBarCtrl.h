@@ -233,6 +233,8 @@ protected:
     bool m_bKeyboardMode;
     POINT m_ptKeyboard;
     CVuikMenuBarSkin* m_pOwnSkin;
+    // The bar itself is ending the open popup to open another one.
+    bool m_bMovingOn;
 
     // The open popup's hook and bar: one popup at a time in the process.
     static HHOOK s_hHook;

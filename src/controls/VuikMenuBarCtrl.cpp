@@ -529,7 +529,8 @@ CVuikMenuBarCtrl::CVuikMenuBarCtrl()
       m_bIgnoreNextDown(false),
       m_bKeyboardMode(false),
       m_ptKeyboard(),
-      m_pOwnSkin(nullptr)
+      m_pOwnSkin(nullptr),
+      m_bMovingOn(false)
 {
     m_pfnWindowProc = WindowProc;
 }
@@ -793,11 +794,17 @@ LRESULT CVuikMenuBarCtrl::OnFilterMenuMessage(HWND, UINT message, WPARAM, LPARAM
 {
     if (message == WM_EXITMENULOOP && m_pActiveButton) {
         // A click on the open button closes the menu; the same click then reaches the button, and must not
-        // open it again.
+        // open it again. A menu that the bar itself ends (a key or the mouse moving to another button), or
+        // that Escape ends, has no such click coming: a cursor resting on the button must not eat the next one.
         POINT cursor;
         RECT rect;
-        if (GetCursorPos(&cursor) && GetWindowRect(m_pActiveButton->m_hWnd, &rect) && PtInRect(&rect, cursor))
+        MSG pending;
+        if (!m_bMovingOn && GetCursorPos(&cursor) && GetWindowRect(m_pActiveButton->m_hWnd, &rect) &&
+            PtInRect(&rect, cursor) &&
+            (PeekMessageW(&pending, nullptr, WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_NOREMOVE | PM_NOYIELD) ||
+             GetAsyncKeyState(VK_LBUTTON) < 0))
             m_bIgnoreNextDown = true;
+        m_bMovingOn = false;
         SendMessageW(m_pActiveButton->m_hWnd, BM_SETCHECK, 0, 0);
         m_pActiveButton = nullptr;
     }
@@ -951,6 +958,7 @@ void CVuikMenuBarCtrl::OnMouseMoveOnBarButton(CVuikMenuBarButtonCtrl* button)
     const int index = IndexOf(button);
     if (index < 0)
         return;
+    m_bMovingOn = true;
     SendMessageW(m_hWnd, WM_CANCELMODE, 0, 0);
     PostMessageW(m_hWnd, WM_VUIK_MENUBAR_OPENPOPUP, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(button));
 }
@@ -968,6 +976,7 @@ void CVuikMenuBarCtrl::OnOpenPopup(int index, CVuikMenuBarButtonCtrl* button)
             PostMessageW(m_hHost, WM_COMMAND, id, 0);
         return;
     }
+    m_bMovingOn = false;
     RECT rect;
     GetWindowRect(button->m_hWnd, &rect);
     SendMessageW(button->m_hWnd, BM_SETCHECK, 1, 0);
@@ -1028,6 +1037,7 @@ void CVuikMenuBarCtrl::FilterMessage(const MSG* msg)
         }
         if (next == active)
             return;
+        m_bMovingOn = true;
         SendMessageW(m_hWnd, WM_CANCELMODE, 0, 0);
         GetCursorPos(&m_ptKeyboard);
         m_bKeyboardMode = true;
