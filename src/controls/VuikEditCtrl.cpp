@@ -134,7 +134,9 @@ void CVuikEditCtrl::DrawParentBackBuffer(HDC hdc, RECT area)
         SetViewportOrgEx(hdc, old.x, old.y, nullptr);
         return;
     }
-    // A plain parent: its own erase, shifted so that its client area lands where the edit lies on it.
+    // No ancestor has a buffer yet. A plain parent paints its own erase, shifted so that its client area lands
+    // where the edit lies on it; a skinned parent that hasn't painted yet answers WM_VUIK_REPAINT, which builds
+    // its buffer, over that.
     HWND parent = GetParent(m_hWnd);
     if (!parent)
         return;
@@ -143,6 +145,12 @@ void CVuikEditCtrl::DrawParentBackBuffer(HDC hdc, RECT area)
     POINT old;
     SetViewportOrgEx(hdc, -corner.x, -corner.y, &old);
     SendMessageW(parent, WM_ERASEBKGND, reinterpret_cast<WPARAM>(hdc), 0);
+    SetViewportOrgEx(hdc, border.cx, border.cy, nullptr);
+    PAINTSTRUCT paint = {};
+    paint.hdc = hdc;
+    paint.rcPaint = area;
+    OffsetRect(&paint.rcPaint, -border.cx, -border.cy);
+    SendMessageW(parent, WM_VUIK_REPAINT, reinterpret_cast<WPARAM>(m_hWnd), reinterpret_cast<LPARAM>(&paint));
     SetViewportOrgEx(hdc, old.x, old.y, nullptr);
 }
 
