@@ -301,8 +301,8 @@ TEST_F(ListViewCtrlTest, AnyStyleBecomesAnOwnerDrawnReportView)
         ASSERT_TRUE(header && header == ListView_GetHeader(list));
         EXPECT_EQ(reinterpret_cast<HFONT>(SendMessageW(header, WM_GETFONT, 0, 0)), ctrl.GetHeaderSkin()->GetFont());
         EXPECT_EQ(GetWindowLongPtrW(header, GWLP_USERDATA), reinterpret_cast<LONG_PTR>(&ctrl));
-        EXPECT_TRUE(ctrl.SkinIsValid());
 
+        Recorder::Pump(20);
         RedrawWindow(header, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
         const Capture c = CaptureScreen(header, true);
         ASSERT_GT(c.height, 2);
@@ -313,7 +313,6 @@ TEST_F(ListViewCtrlTest, AnyStyleBecomesAnOwnerDrawnReportView)
         EXPECT_TRUE(Near(c.At(c.width / 2, 0), 0xFFFFFF, 2));
         DestroyWindow(m_owner);
         m_owner = nullptr;
-        EXPECT_EQ(ctrl.GetHeader(), header);
     }
 }
 
@@ -378,11 +377,10 @@ TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
             return -1;
         };
         EXPECT_EQ(firstInk(0, 10), -1);
-        EXPECT_GE(firstInk(10, 120), 10);
-        EXPECT_LE(firstInk(10, 120), 12);
-        EXPECT_LE(firstInk(130, 230), 132);
-        EXPECT_GE(firstInk(230, 240), -1);
-        EXPECT_LE(firstInk(240, 320), 242);
+        for (int left : {0, 120, 230}) {
+            const int ink = firstInk(left, left + 60);
+            EXPECT_TRUE(ink >= left + 10 && ink <= left + 12) << left << ": " << ink;
+        }
         EXPECT_EQ(firstInk(320, head.width), -1) << "the long text is clipped to its column";
 
         const Capture whole = CaptureScreen(list);
