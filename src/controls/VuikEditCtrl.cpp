@@ -138,8 +138,11 @@ void CVuikEditCtrl::DrawParentBackBuffer(HDC hdc, RECT area)
     // where the edit lies on it; a skinned parent that hasn't painted yet answers WM_VUIK_REPAINT, which builds
     // its buffer, over that.
     HWND parent = GetParent(m_hWnd);
-    if (!parent)
+    if (!parent) {
+        // A top-level edit: its ring shows the window colour, as the edit's own background does.
+        FillRect(hdc, &area, GetSysColorBrush(COLOR_WINDOW));
         return;
+    }
     POINT corner = {-border.cx, -border.cy};
     MapWindowPoints(m_hWnd, parent, &corner, 1);
     POINT old;

@@ -205,6 +205,21 @@ TEST_F(EditCtrlTest, TypingKeepsTheBorderAndShowsTheParent)
         }
 }
 
+// An edit without a parent asks nobody for its background: its ring shows the window colour.
+TEST_F(EditCtrlTest, WithoutAParentTheRingShowsTheWindowColour)
+{
+    LibraryState lib;
+    HWND hwnd = CreateWindowExW(WS_EX_CLIENTEDGE, L"Edit", L"top", WS_POPUP | WS_VISIBLE, 300, 300, 160, 26, nullptr,
+                                nullptr, GetModuleHandleW(nullptr), nullptr);
+    CVuikEditCtrl edit;
+    ASSERT_TRUE(edit.SubclassWindow(hwnd));
+    RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW);
+    const Capture c = CaptureScreen(hwnd);
+    EXPECT_EQ(c.At(0, c.height / 2), Rgb(GetSysColor(COLOR_WINDOW))) << std::hex << c.At(0, c.height / 2);
+    EXPECT_TRUE(Near(c.At(c.width / 2, 1), 0x656464, 8)) << std::hex << c.At(c.width / 2, 1);
+    DestroyWindow(hwnd);
+}
+
 // ---- List view -------------------------------------------------------------------------------------------
 
 // A recording owner that draws the list's rows: the skin's fill, the theme's highlight for the selection and
