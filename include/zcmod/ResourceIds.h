@@ -56,4 +56,22 @@
 #define ZGR_FONT_OBLIQUE 34003
 #define ZGR_FONT_BOLD_OBLIQUE 34004
 
+/* Graphics module: the colours of the plain dialogs of CDkhDialog. */
+#define ZGR_COLOR_DIALOG_BACKGROUND 2
+#define ZGR_COLOR_DIALOG_TEXT 100
+
+/* Language module: the recipient box's messages on a malformed or unknown recipient. */
+#define ZLR_STR_RECIPIENT_PHONE_ONLY 0x8344
+#define ZLR_STR_RECIPIENT_EMAIL_ONLY 0x8345
+#define ZLR_STR_RECIPIENT_PHONE_OR_EMAIL 0x8346
+#define ZLR_STR_RECIPIENT_UNKNOWN 0x8347
+
+/* The library's own module: plain dialog templates served by CDkhDialog, in English and Hebrew. */
+#define IDD_ZCMOD_SYSTEM_INFORMATION 105
+#define IDC_ZCMOD_SYSTEM_INFORMATION_TEXT 1001
+#define IDD_ZCMOD_RECIPIENTS 701
+#define IDC_ZCMOD_RECIPIENTS_LIST 1002
+#define IDC_ZCMOD_RECIPIENTS_FILTER 1003
+#define IDC_ZCMOD_RECIPIENTS_LABEL 1004
+
 #endif

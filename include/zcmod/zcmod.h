@@ -23,3 +23,6 @@
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
+#include "zcmod/RTLHelper.h"
+#include "zcmod/DkhDialog.h"
+#include "zcmod/SearchEngineControl.h"
