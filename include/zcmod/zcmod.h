@@ -20,6 +20,7 @@
 #include "zcmod/VuikLib.h"
 #include "zcmod/VuikListViewCtrl.h"
 #include "zcmod/VuikMessages.h"
+#include "zcmod/VuikTabCtrl.h"
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
