@@ -36,6 +36,8 @@ std::unique_ptr<GalleryPage> MakePicturesPage();
 std::unique_ptr<GalleryPage> MakeSkinPage();
 std::unique_ptr<GalleryPage> MakeDevicePage();
 std::unique_ptr<GalleryPage> MakeRtlPage();
+std::unique_ptr<GalleryPage> MakeTabsPage();
+std::unique_ptr<GalleryPage> MakeListViewPage();
 std::unique_ptr<GalleryPage> MakeMenuBarPage();
 
 // Every page, in the order of the list.
