@@ -329,7 +329,6 @@ TEST_F(MenuBar, ButtonsAcceleratorsAndOwnerDrawnItems)
         EXPECT_EQ(GetDlgCtrlID(Button(i)), 0x1000 + i);
         x = r.right + 6;
     }
-    EXPECT_GT(x, 11 + 4 * 16);
 
     // Every item of every drop-down is owner-drawn, with its level as item data; text and radio type stay.
     const struct {
@@ -530,7 +529,7 @@ TEST_F(MenuBar, HookRemovedOnEveryWayOut)
         Way way;
     } cases[] = {{"Escape", Escape},
                  {"a click outside", ClickOutside},
-                 {"an item chosen", ChooseItem},
+                 {"an item chosen by its letter", ChooseItem},
                  {"the window destroyed", DestroyWindowDuring},
                  {"the bar deleted", DeleteBarDuring}};
     for (const auto& c : cases) {
@@ -551,7 +550,7 @@ TEST_F(MenuBar, HookRemovedOnEveryWayOut)
                 steps.push_back(ClickAt([] { return kAway; }));
                 break;
             case ChooseItem:
-                steps.insert(steps.end(), {Press(VK_DOWN), Pause(60), Press(VK_RETURN)});
+                steps.push_back(Press('U'));  // the "&Undo" item's letter, though the items are owner-drawn
                 break;
             case DestroyWindowDuring:
                 steps.push_back(Do([&] { DestroyWindow(frame.m_hWnd); }));
