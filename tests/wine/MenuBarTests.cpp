@@ -189,6 +189,11 @@ Step Do(std::function<void()> action)
     };
 }
 Step Until(std::function<bool()> condition) { return condition; }
+// Waits for a state, but at most `limit`: a wrong state then shows in the test's own comparison.
+Step Settle(std::function<bool()> condition, DWORD limit = 2000)
+{
+    return [condition, limit] { return condition() || Script::s_current->Elapsed() >= limit; };
+}
 Step Pause(DWORD milliseconds)
 {
     return [milliseconds] { return Script::s_current->Elapsed() >= milliseconds; };
@@ -424,7 +429,8 @@ TEST_F(MenuBar, KeyboardMovesAcrossTheBar)
         int seenActive = -2;
         size_t seenWindows = 0;
         bool keyboard = false;
-        steps.insert(steps.end(), {Until([&] { return bar->ActiveIndex() >= 0; }), Pause(60), Do([&] {
+        steps.insert(steps.end(), {Settle([&] { return bar->ActiveIndex() == c.active && PopupWindows().size() == c.windows; }),
+                                   Pause(100), Do([&] {
                                        seenActive = bar->ActiveIndex();
                                        seenWindows = PopupWindows().size();
                                        keyboard = bar->KeyboardMode();
@@ -509,7 +515,10 @@ TEST_F(MenuBar, MouseSlidesClicksAndNudges)
         for (Step& s : c.middle(*this))
             steps.push_back(s);
         int seen = -2;
-        steps.insert(steps.end(), {Pause(400), Do([&] { seen = bar->ActiveIndex(); }),
+        steps.insert(steps.end(), {Settle([&] {
+                                       return bar->ActiveIndex() == c.active && PopupWindows().empty() == (c.active < 0);
+                                   }),
+                                   Pause(300), Do([&] { seen = bar->ActiveIndex(); }),
                                    Do([] { input::MoveTo(kAway); }), Pause(60), Press(VK_ESCAPE), Until(Closed())});
         ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
         EXPECT_EQ(seen, c.active);
