@@ -714,10 +714,12 @@ TEST_F(MenuBar, Goldens)
         DWORD layout;
         int open;         // -1: the bar alone
         int downPresses;  // keys that move the selection in the popup before the picture
+        int hover = -1;   // the button under the mouse, for the bar alone
     } cases[] = {
         {"menubar_bar_ltr", 0, -1, 0},          {"menubar_bar_rtl", LAYOUT_RTL, -1, 0},
-        {"menubar_file_open_ltr", 0, 0, 1},     {"menubar_file_open_rtl", LAYOUT_RTL, 0, 1},
-        {"menubar_view_open_ltr", 0, 2, 0},     {"menubar_file_submenu_ltr", 0, 0, 3},
+        {"menubar_hover_ltr", 0, -1, 0, 1},     {"menubar_file_open_ltr", 0, 0, 1},
+        {"menubar_file_open_rtl", LAYOUT_RTL, 0, 1}, {"menubar_view_open_ltr", 0, 2, 0},
+        {"menubar_file_submenu_ltr", 0, 0, 3},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -744,7 +746,13 @@ TEST_F(MenuBar, Goldens)
             EXPECT_TRUE(zcmod_test::MatchesGolden(std::string(c.name) + "_popup", popupPicture.width,
                                                   popupPicture.height, popupPicture.pixels.data()));
         } else {
+            if (c.hover >= 0) {
+                input::MoveTo(Centre(Button(c.hover)));
+                Recorder::Pump(60);
+                UpdateWindow(bar->m_hWnd);
+            }
             barPicture = CaptureShown(bar->m_hWnd);
+            input::MoveTo(kAway);
         }
         // The strip shows through the bar and its closed buttons.
         EXPECT_EQ(barPicture.At(2, 2), 0x373737u) << std::hex << barPicture.At(2, 2);
