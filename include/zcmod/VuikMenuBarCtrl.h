@@ -173,6 +173,13 @@ public:
     virtual ~CVuikMenuBarCtrl();
 
     using Base::OnPaint;
+
+protected:
+    // The platform window: a "Static" taken over by the bar's procedure.
+    virtual HWND Create(const wchar_t* className, HWND parent, const RECT& rect, const wchar_t* title, UINT id,
+                        DWORD style, DWORD exStyle, LPVOID param);
+
+public:
     // Makes the bar over `parent` at `point`, as wide as the parent's client area and 30 high, with one
     // button per top-level item of `menu` (which stays the caller's). Commands and menu messages go to
     // `host`, or to the parent when `host` is empty. Returns the bar's window, or nothing.
@@ -195,8 +202,6 @@ public:
     static LRESULT CALLBACK WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
 protected:
-    virtual HWND Create(const wchar_t* className, HWND parent, const RECT& rect, const wchar_t* title, UINT id,
-                        DWORD style, DWORD exStyle, LPVOID param);
     virtual LRESULT OnDestroy(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     virtual LRESULT OnPaint(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     virtual LRESULT OnRepaint(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
