@@ -119,6 +119,10 @@ TEST_F(CommonCheckButtons, CommonButtonStatesFollowInput)
         {[](HWND h) { MoveTo(GetParent(h), 250, 150); }, CommonFocused, "dragged off: at rest"},
         {[](HWND h) { MoveTo(h, 16, 16); }, CommonFocusedPressed, "back on"},
         {[](HWND) { input::LeftUp(); Recorder::Pump(40); }, CommonFocusedHover, "released over it"},
+        // The leave is seen by the window system's tracking timer (the hover time, 400 ms).
+        {[](HWND h) { MoveTo(GetParent(h), 250, 150); Recorder::Pump(600); }, CommonFocused, "mouse off"},
+        {[](HWND) { input::Key(VK_SPACE, false); Recorder::Pump(30); }, CommonFocused, "Space held, mouse off: at rest"},
+        {[](HWND) { input::Key(VK_SPACE, true); Recorder::Pump(30); }, CommonFocused, "Space released"},
         {[](HWND h) { MoveTo(h, 10, 10); }, CommonFocusedHover, "over, focused"},
         {[](HWND h) { SetFocus(GetParent(h)); }, CommonHover, "focus gone"},
         {[](HWND h) { SendMessageW(h, BM_SETSTATE, 1, 0); EnableWindow(h, FALSE); }, CommonDisabled, "disabled"},
