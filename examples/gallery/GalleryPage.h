@@ -33,6 +33,8 @@ std::unique_ptr<GalleryPage> MakePicturesPage();
 std::unique_ptr<GalleryPage> MakeSkinPage();
 std::unique_ptr<GalleryPage> MakeButtonFamilyPage();
 std::unique_ptr<GalleryPage> MakeCommonCheckButtonsPage();
+std::unique_ptr<GalleryPage> MakeDevicePage();
+std::unique_ptr<GalleryPage> MakeRtlPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

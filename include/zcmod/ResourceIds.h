@@ -8,6 +8,31 @@
 #define ZLR_STR_SUITE_NAME 3      /* caption of the suite's messages */
 #define ZLR_STR_VERSION 95        /* three characters of prefix, then the word for "Version" */
 
+/* Language module: the phone file dialog. "%1" stands for the file's name. */
+#define ZLR_STR_FD_OVERWRITE 15   /* the file exists; replace it? */
+#define ZLR_STR_FD_FORBIDDEN 17   /* nothing may be saved in this folder */
+#define ZLR_STR_FD_OPEN_TITLE 19  /* title of the open dialog */
+#define ZLR_STR_FD_SAVE_TITLE 20  /* title of the save dialog */
+#define ZLR_STR_FD_READ_ONLY 33   /* the file is read-only */
+
+/* The library's own resources (zcmod.dll): the child template of the phone file dialog. */
+#define ZCMOD_DLG_FILE_DIALOG 1000
+
+/* Language module: the phone's state in the title bar, and the device selection window. */
+#define ZLR_STR_TITLE_NO_DEVICE 0x22     /* no phone */
+#define ZLR_STR_TITLE_UNSUPPORTED 0x23   /* only phones the application can't work with */
+#define ZLR_STR_TITLE_ATTACHED 0x24      /* one "%s": the phone's friendly name */
+#define ZLR_STR_TITLE_CHOOSE 0x26        /* several phones and none chosen */
+#define ZLR_STR_DEVSEL_CAPTION 4100
+#define ZLR_STR_DEVSEL_PROMPT 4101
+#define ZLR_STR_DEVSEL_OK 4102
+#define ZLR_STR_DEVSEL_CANCEL 4103
+#define ZLR_STR_DEVSEL_REFRESH 4104
+#define ZLR_STR_DEVSEL_CONNECTIONS 4105
+#define ZLR_STR_DEVSEL_EMPTY 4107
+#define ZLR_STR_DEVSEL_UNSUPPORTED 4108
+#define ZLR_STR_DEVSEL_HELP_TEXT 4109
+
 /* Graphics module (Resource\ZCMOD_<theme>.zgr): colours as "red,green,blue" strings. */
 #define ZGR_COLOR_TEXT 600
 #define ZGR_COLOR_TEXT_DISABLED 601
@@ -36,5 +61,23 @@
    unchecked, unchecked hover, checked disabled, checked, checked hover). */
 #define ZGR_BMP_CHECK_BOX 5100    /* 5100-5105 */
 #define ZGR_BMP_RADIO_BUTTON 5106 /* 5106-5111 */
+
+/* Graphics module: the colours of the plain dialogs of CDkhDialog. */
+#define ZGR_COLOR_DIALOG_BACKGROUND 2
+#define ZGR_COLOR_DIALOG_TEXT 100
+
+/* Language module: the recipient box's messages on a malformed or unknown recipient. */
+#define ZLR_STR_RECIPIENT_PHONE_ONLY 0x8344
+#define ZLR_STR_RECIPIENT_EMAIL_ONLY 0x8345
+#define ZLR_STR_RECIPIENT_PHONE_OR_EMAIL 0x8346
+#define ZLR_STR_RECIPIENT_UNKNOWN 0x8347
+
+/* The library's own module: plain dialog templates served by CDkhDialog, in English and Hebrew. */
+#define IDD_ZCMOD_SYSTEM_INFORMATION 105
+#define IDC_ZCMOD_SYSTEM_INFORMATION_TEXT 1001
+#define IDD_ZCMOD_RECIPIENTS 701
+#define IDC_ZCMOD_RECIPIENTS_LIST 1002
+#define IDC_ZCMOD_RECIPIENTS_FILTER 1003
+#define IDC_ZCMOD_RECIPIENTS_LABEL 1004
 
 #endif

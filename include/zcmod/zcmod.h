@@ -2,12 +2,15 @@
 // get the whole interface.
 #pragma once
 
+#include "zcmod/CSDWrapper.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/DKHLInfoReader.h"
 #include "zcmod/FaultReporting.h"
 #include "zcmod/NBitmapUtil.h"
+#include "zcmod/PhoneFileDialog.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
+#include "zcmod/TitleBarHelper.h"
 #include "zcmod/Utils.h"
 #include "zcmod/VuikBackBuffer.h"
 #include "zcmod/VuikBaseSkin.h"
@@ -21,3 +24,6 @@
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
+#include "zcmod/RTLHelper.h"
+#include "zcmod/DkhDialog.h"
+#include "zcmod/SearchEngineControl.h"
