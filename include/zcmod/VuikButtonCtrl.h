@@ -120,6 +120,9 @@ public:
     // Reaches only skins constructed later.
     static void SetDefaultSkinDef(const CVuikButtonSkinDef& def);
     static CVuikButtonSkinDef GetDefaultSkinDef();
+    // Caption only, no pictures, DEFAULT_GUI_FONT, the system's button text colour (grey text when disabled),
+    // and a pressed caption two pixels right and down: the def the library starts with.
+    static CVuikButtonSkinDef MakeSystemSkinDef();
 
     // Stores the def and hands each state skin its part.
     virtual void SetSkinDef(CVuikButtonSkinDef def);

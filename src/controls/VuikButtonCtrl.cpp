@@ -376,10 +376,14 @@ void CVuikButtonSkin::Draw(CVuikWindow* window, CVuikGraphics* graphics, int wid
     m_StateSkins[button ? (button->GetState() & 3) : ButtonNormal].Draw(window, graphics, width, height);
 }
 
-// Built when the library loads (the system colours and the stock font can't be constant data).
-CVuikButtonSkinDef CVuikButtonSkin::m_DefaultSkinDef = {
-    {MakeDefaultStateDef(GetSysColor(COLOR_BTNTEXT), 0), MakeDefaultStateDef(GetSysColor(COLOR_BTNTEXT), 2),
-     MakeDefaultStateDef(GetSysColor(COLOR_BTNTEXT), 0), MakeDefaultStateDef(GetSysColor(COLOR_GRAYTEXT), 0)}};
+// m_DefaultSkinDef is one of the library's process-wide objects, defined in load order in frame/LoadOrder.cpp.
+CVuikButtonSkinDef CVuikButtonSkin::MakeSystemSkinDef()
+{
+    CVuikButtonSkinDef def = {
+        {MakeDefaultStateDef(GetSysColor(COLOR_BTNTEXT), 0), MakeDefaultStateDef(GetSysColor(COLOR_BTNTEXT), 2),
+         MakeDefaultStateDef(GetSysColor(COLOR_BTNTEXT), 0), MakeDefaultStateDef(GetSysColor(COLOR_GRAYTEXT), 0)}};
+    return def;
+}
 
 // ---- CVuikButtonCtrlBase -----------------------------------------------------------------------------------------
 
