@@ -259,7 +259,13 @@ public:
     int GetMinWidth();
 
     virtual bool QueryFocusReactive();
+    // Deletes a buffer that the focus question dropped while it was being drawn, once it is out of the
+    // drawing context (a selected bitmap can't be deleted).
+    virtual void CreateBackBuffer(int width, int height, CVuikGraphics* graphics);
 
 protected:
     DWORD m_dwReserved2;
+
+private:
+    HBITMAP m_hDroppedBuffer;
 };

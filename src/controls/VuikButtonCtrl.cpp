@@ -813,13 +813,27 @@ bool CVuikButtonCtrl::GetFocusReactive() { return m_bFocusReactive; }
 
 // ---- CVuikButtonCtrl2 --------------------------------------------------------------------------------------------
 
-CVuikButtonCtrl2::CVuikButtonCtrl2() : m_dwReserved2(0) {}
+CVuikButtonCtrl2::CVuikButtonCtrl2() : m_dwReserved2(0), m_hDroppedBuffer(nullptr) {}
 
 bool CVuikButtonCtrl2::QueryFocusReactive()
 {
     // Where CVuikButtonCtrl answers GetFocusReactive, this button's OnDestroy stands: the question destroys the
-    // tooltip window and drops the buffer, and its answer 0 reads as false.
+    // tooltip window and drops the buffer, and its answer 0 reads as false. The buffer is being drawn on here:
+    // it is taken out of the object first and deleted when the build has let go of it.
+    if (m_hBackBuffer && !m_hDroppedBuffer) {
+        m_hDroppedBuffer = m_hBackBuffer;
+        m_hBackBuffer = nullptr;
+    }
     return OnDestroy(m_hWnd, WM_DESTROY, 0, 0) != 0;
+}
+
+void CVuikButtonCtrl2::CreateBackBuffer(int width, int height, CVuikGraphics* graphics)
+{
+    CVuikButtonCtrlBase::CreateBackBuffer(width, height, graphics);
+    if (m_hDroppedBuffer) {
+        DeleteObject(m_hDroppedBuffer);
+        m_hDroppedBuffer = nullptr;
+    }
 }
 
 int CVuikButtonCtrl2::GetMinHeight()

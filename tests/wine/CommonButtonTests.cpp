@@ -310,6 +310,25 @@ TEST_F(CommonCheckButtons, CheckButtonLooks)
     EXPECT_EQ(focused.At(9, 9), unfocused.At(9, 9));
 }
 
+// Right to left a check button's buffer, mark and text together, is the left-to-right one mirrored whole: the
+// mark loads turned so that the buffer's turn gives it back as drawn, and then turns it with everything else.
+TEST_F(CommonCheckButtons, CheckButtonMirrorsWhole)
+{
+    Parent();
+    Capture shown[2];
+    for (DWORD layout : {0u, 1u}) {
+        CVuikLib::SetLayout(layout);
+        CVuikCheckButtonCtrl check;
+        ASSERT_TRUE(check.SubclassWindow(Native(L"Mirror", BS_AUTOCHECKBOX, RECT{10, 10, 120, 30})));
+        check.SetCheck(BST_CHECKED);
+        EXPECT_EQ(check.GetLayout(), layout ? CheckLayoutRightToLeft : CheckLayoutLeftToRight);
+        shown[layout] = Shown(check.m_hWnd);
+    }
+    CVuikLib::SetLayout(0);
+    ASSERT_EQ(shown[0].width, shown[1].width);
+    EXPECT_TRUE(shown[1].Is([&](int x, int y) { return shown[0].At(shown[0].width - 1 - x, y); }));
+}
+
 // Every look of both families, in both themes and layouts, against reviewed pictures.
 TEST_F(CommonCheckButtons, Golden)
 {
