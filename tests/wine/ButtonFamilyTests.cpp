@@ -560,12 +560,22 @@ TEST_F(ButtonFamily, HandleHygiene)
     changeStates(10000);
     EXPECT_EQ(counter.Live(), before) << counter.Live().ToString() << " / " << before.ToString();
 
+    // The second button of each life animates its Normal state: a paint starts the frame timer.
+    CVuikButtonSkinDef frames = FourLooks();
+    frames.m_States[ButtonNormal] = Def(0, IDB_BUTTON_MIDDLE, 0, IDB_BUTTON_GLYPH, 2);
+    frames.m_States[ButtonNormal].m_nFirstFrameId = IDB_BUTTON_FRAME_FIRST;
+    frames.m_States[ButtonNormal].m_nLastFrameId = IDB_BUTTON_FRAME_LAST;
+    frames.m_States[ButtonNormal].m_nFrameTime = 100;
+    CVuikButtonSkin animated;
+    animated.SetSkinDef(frames);
+    animated.Load();
     const auto lives = [&](int rounds) {
         for (int i = 0; i < rounds; ++i) {
             CVuikButtonCtrl a;
             CVuikButtonCtrl2 b;
             HWND ha = hidden(a, 3, BS_PUSHBUTTON, {10, 60, 51, 80});
             HWND hb = hidden(b, 4, BS_AUTORADIOBUTTON, {60, 60, 101, 80});
+            b.SetSkin(&animated);
             if (i % 10 == 0 || i + 1 == rounds) {  // a build costs more than a life: every tenth is painted
                 paint(ha);
                 paint(hb);
