@@ -35,6 +35,8 @@ std::unique_ptr<GalleryPage> MakeButtonFamilyPage();
 std::unique_ptr<GalleryPage> MakeCommonCheckButtonsPage();
 std::unique_ptr<GalleryPage> MakeDevicePage();
 std::unique_ptr<GalleryPage> MakeRtlPage();
+std::unique_ptr<GalleryPage> MakeTabsPage();
+std::unique_ptr<GalleryPage> MakeListViewPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

@@ -68,7 +68,7 @@ def spinner(frame):
 
 
 ART = []
-for variant, palette, base in (("light", "Default", 7200), ("dark", "Graphite", 7300)):
+for variant, palette, base in (("light", "Default", 7400), ("dark", "Graphite", 7500)):
     for s, state in enumerate(STATES):
         for k, part in enumerate(("left", "middle", "right")):
             ART.append(Artwork(base + s * 3 + k, "button_%s_%s_%s" % (part, state, variant),
