@@ -108,8 +108,9 @@ protected:
         const Look& look = kLooks[state];
         EXPECT_EQ(c.At(1, 10), look.column1) << what;
         EXPECT_EQ(c.At(c.width - 1, 10), look.last) << what;
-        if (look.centre)
+        if (look.centre) {
             EXPECT_EQ(c.At(c.width / 2, 10), look.centre) << what;
+        }
     }
 
     LibraryState m_lib;
@@ -388,7 +389,11 @@ TEST_F(ButtonFamily, TooltipRelayAndText)
     button.SetToolTipText(L"second");
     EXPECT_EQ(button.GetToolTipWindow(), tip) << "no new window for a new text";
     wchar_t text[32] = {};
-    TOOLINFOW tool = {sizeof(tool), TTF_IDISHWND, GetParent(hwnd), reinterpret_cast<UINT_PTR>(hwnd)};
+    TOOLINFOW tool = {};
+    tool.cbSize = sizeof(tool);
+    tool.uFlags = TTF_IDISHWND;
+    tool.hwnd = GetParent(hwnd);
+    tool.uId = reinterpret_cast<UINT_PTR>(hwnd);
     tool.lpszText = text;
     SendMessageW(tip, TTM_GETTEXTW, 32, reinterpret_cast<LPARAM>(&tool));
     EXPECT_STREQ(text, L"second");
