@@ -27,4 +27,12 @@
 #define ZGR_FONT_OBLIQUE 34003
 #define ZGR_FONT_BOLD_OBLIQUE 34004
 
+/* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
+   colour; CPNGAnimation plays them in order. */
+#define ZGR_PNG_ANIMATION_FIRST 34030
+#define ZGR_PNG_ANIMATION_LAST 34040
+#define ZGR_PNG_ANIMATION_FRAMES 11
+/* Graphics module: the suite's splash picture, PNG with soft alpha edges, for CVuikSplashScreen. */
+#define ZGR_PNG_SPLASH 34100
+
 #endif
