@@ -31,6 +31,7 @@ public:
 std::unique_ptr<GalleryPage> MakeFramePage();
 std::unique_ptr<GalleryPage> MakePicturesPage();
 std::unique_ptr<GalleryPage> MakeSkinPage();
+std::unique_ptr<GalleryPage> MakeAnimationPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

@@ -6,5 +6,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeFramePage());
     pages.push_back(MakePicturesPage());
     pages.push_back(MakeSkinPage());
+    pages.push_back(MakeAnimationPage());
     return pages;
 }

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -329,8 +330,48 @@ TEST_F(PNGAnimationTest, DestroyingAPlayingObjectLetsItsWorkerLeaveFirst)
     CloseHandle(worker);
 }
 
+// Threads and events that zcmod.dll makes and has not closed (GetProcessHandleCount answers 0 under Wine).
+std::mutex g_kernelLock;
+std::set<HANDLE> g_kernel;
+decltype(&CreateThread) g_realCreateThread;
+decltype(&CreateEventW) g_realCreateEvent;
+decltype(&CloseHandle) g_realCloseHandle;
+HANDLE WINAPI CountCreateThread(LPSECURITY_ATTRIBUTES sa, SIZE_T stack, LPTHREAD_START_ROUTINE start, LPVOID p,
+                                DWORD flags, LPDWORD id)
+{
+    HANDLE h = g_realCreateThread(sa, stack, start, p, flags, id);
+    std::lock_guard<std::mutex> lock(g_kernelLock);
+    g_kernel.insert(h);
+    return h;
+}
+HANDLE WINAPI CountCreateEvent(LPSECURITY_ATTRIBUTES sa, BOOL manual, BOOL initial, LPCWSTR name)
+{
+    HANDLE h = g_realCreateEvent(sa, manual, initial, name);
+    std::lock_guard<std::mutex> lock(g_kernelLock);
+    g_kernel.insert(h);
+    return h;
+}
+BOOL WINAPI CountCloseHandle(HANDLE h)
+{
+    {
+        std::lock_guard<std::mutex> lock(g_kernelLock);
+        g_kernel.erase(h);
+    }
+    return g_realCloseHandle(h);
+}
+
 TEST_F(PNGAnimationTest, LeavesNoHandleBehind)
 {
+    HMODULE dll = GetModuleHandleW(L"zcmod.dll");
+    g_realCreateThread = reinterpret_cast<decltype(&CreateThread)>(
+        zcmod_test::PatchImport(dll, "kernel32.dll", "CreateThread", reinterpret_cast<void*>(CountCreateThread)));
+    g_realCreateEvent = reinterpret_cast<decltype(&CreateEventW)>(
+        zcmod_test::PatchImport(dll, "kernel32.dll", "CreateEventW", reinterpret_cast<void*>(CountCreateEvent)));
+    g_realCloseHandle = reinterpret_cast<decltype(&CloseHandle)>(
+        zcmod_test::PatchImport(dll, "kernel32.dll", "CloseHandle", reinterpret_cast<void*>(CountCloseHandle)));
+    ASSERT_TRUE(g_realCreateThread && g_realCreateEvent && g_realCloseHandle);
+    g_kernel.clear();
+
     zcmod_test::HandleCounter counter;
     auto cycle = [&](int i) {
         Animation a;
@@ -346,18 +387,15 @@ TEST_F(PNGAnimationTest, LeavesNoHandleBehind)
         g_draws.clear();
     };
     cycle(0);
-    const auto gdiBefore = counter.Live();
-    const DWORD kernelBefore = [] {
-        DWORD n = 0;
-        GetProcessHandleCount(GetCurrentProcess(), &n);
-        return n;
-    }();
+    const auto before = counter.Live();
     for (int i = 0; i < 24; ++i)
         cycle(i);
-    EXPECT_EQ(counter.Live(), gdiBefore) << counter.Live().ToString();
-    DWORD kernelAfter = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &kernelAfter);
-    EXPECT_EQ(kernelAfter, kernelBefore) << "threads or events left open";
+    EXPECT_EQ(counter.Live(), before) << counter.Live().ToString();
+    EXPECT_EQ(g_kernel.size(), 0u) << "threads or events left open";
+
+    zcmod_test::PatchImport(dll, "kernel32.dll", "CreateThread", reinterpret_cast<void*>(g_realCreateThread));
+    zcmod_test::PatchImport(dll, "kernel32.dll", "CreateEventW", reinterpret_cast<void*>(g_realCreateEvent));
+    zcmod_test::PatchImport(dll, "kernel32.dll", "CloseHandle", reinterpret_cast<void*>(g_realCloseHandle));
 }
 
 }  // namespace

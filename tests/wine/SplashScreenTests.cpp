@@ -57,7 +57,14 @@ BOOL WINAPI WatchSetLayered(HWND hwnd, COLORREF key, BYTE alpha, DWORD flags)
     g_calls.alphas.push_back(alpha);
     const BOOL result = g_realSetLayered(hwnd, key, alpha, flags);
     if (g_calls.watch.x >= 0) {
+        // The platform brings a window's pixels to the screen when its thread looks at its messages.
         UpdateWindow(hwnd);
+        for (int i = 0; i < 6; ++i) {
+            MSG msg;
+            while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+                DispatchMessageW(&msg);
+            Sleep(10);
+        }
         g_calls.screenAtAlpha.push_back(ScreenPixel(g_calls.watch));
     }
     return result;
@@ -117,9 +124,12 @@ private:
 
 // ---- A backdrop of known pixels over the whole screen ----------------------------------------------------------
 
-uint32_t BackdropColour(int x, int y)
+// The backdrop's pattern; a test changes `g_backdropBlue` to change what lies under a window already shown.
+int g_backdropBlue = 0x60;
+uint32_t BackdropColour(int x, int y, int blue = g_backdropBlue)
 {
-    return (static_cast<uint32_t>(x * 7 % 256) << 16) | (static_cast<uint32_t>(y * 5 % 256) << 8) | 0x60;
+    return (static_cast<uint32_t>(x * 7 % 256) << 16) | (static_cast<uint32_t>(y * 5 % 256) << 8) |
+           static_cast<uint32_t>(blue);
 }
 
 LRESULT CALLBACK BackdropProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
@@ -184,6 +194,7 @@ protected:
     {
         DestroyWindow(m_backdrop);
         UnregisterClassW(L"ZcmodTestBackdrop", GetModuleHandleW(nullptr));
+        g_backdropBlue = 0x60;
         FreeLibrary(m_theme);
         FreeLibrary(m_tests);
     }
@@ -239,15 +250,19 @@ TEST_F(SplashFixture, SplashBlendsOverTheDesktopAndIsCutToItsShape)
         EXPECT_EQ(wc.style, 0x4040u);
     }
 
-    // The screen: alpha 0 to 2 shows the desktop through the cut, every other pixel the picture blended
-    // over what the desktop showed there.
+    // The screen, after the desktop under the splash has changed: through the cut (alpha 0 to 2) the desktop
+    // as it is now, everywhere else the picture blended over what the desktop showed when it appeared.
+    const int blueAtShow = g_backdropBlue;
+    g_backdropBlue = 0xE0;
+    RedrawWindow(m_backdrop, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    Pump(100);
     const Capture shown = CaptureScreen(expected);
     int cut = 0, blended = 0, partial = 0, wrong = 0;
     for (int y = 0; y < image.height; ++y)
         for (int x = 0; x < image.width; ++x) {
             const int p = plane.At(x, y) & 0xFF;  // 255 - alpha
-            const uint32_t under = BackdropColour(expected.left + x, expected.top + y);
-            uint32_t want = under;
+            const uint32_t under = BackdropColour(expected.left + x, expected.top + y, blueAtShow);
+            uint32_t want = BackdropColour(expected.left + x, expected.top + y);
             if (p >= 253) {
                 ++cut;
             } else {
