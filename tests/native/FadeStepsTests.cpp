@@ -1,4 +1,4 @@
-// The arithmetic of a window fade and of the splash screen's place.
+// The arithmetic of a window fade: its steps and the wait of one step.
 #include <gtest/gtest.h>
 
 #include "dialogs/core/FadeSteps.h"
@@ -29,18 +29,6 @@ TEST(FadeSteps, PlanOfAFade)
     }
 }
 
-TEST(FadeSteps, AlphaMovesOnlyTowardsItsEndAndIsClampedBeforeUse)
-{
-    EXPECT_EQ(zcmod::NextAlpha(252, 0, 6), 258);
-    EXPECT_EQ(zcmod::NextAlpha(258, 0, 6), 258);
-    EXPECT_EQ(zcmod::NextAlpha(255, 0, 6), 255);
-    EXPECT_EQ(zcmod::NextAlpha(3, 1, 6), -3);
-    EXPECT_EQ(zcmod::NextAlpha(0, 1, 6), 0);
-    EXPECT_EQ(zcmod::NextAlpha(0, 7, 6), 0) << "any direction but 0 fades out";
-    EXPECT_EQ(zcmod::ClampAlpha(-3), 0);
-    EXPECT_EQ(zcmod::ClampAlpha(264), 255);
-}
-
 TEST(FadeSteps, WaitOfAStep)
 {
     struct Case {
@@ -53,19 +41,6 @@ TEST(FadeSteps, WaitOfAStep)
     };
     for (const Case& c : cases)
         EXPECT_EQ(zcmod::StepWait(c.start, c.stepTime, c.now), c.wait) << c.start << " " << c.now;
-}
-
-TEST(FadeSteps, CentredOriginTruncates)
-{
-    int x = 0, y = 0;
-    zcmod::CentredOrigin(0, 0, 1280, 1024, 441, 260, x, y);
-    EXPECT_EQ(x, 419);
-    EXPECT_EQ(y, 382);
-    zcmod::CentredOrigin(-100, 0, 1180, 1024, 0, 0, x, y);  // a desktop that starts left of 0
-    EXPECT_EQ(x, 640);
-    zcmod::CentredOrigin(0, 0, 100, 100, 301, 200, x, y);   // a picture larger than the screen
-    EXPECT_EQ(x, -100);
-    EXPECT_EQ(y, -50);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@
 
 #include "HandleCounter.h"
 #include "ImageTestSupport.h"
-#include "ImportPatch.h"
+#include "ImportWatch.h"
 #include "TestSkins.h"
 #include "TestSupport.h"
 #include "zcmod/NBitmapUtil.h"
@@ -95,32 +95,16 @@ BOOL WINAPI WatchAnimate(HWND hwnd, DWORD time, DWORD flags)
     return g_realAnimate(hwnd, time, flags);
 }
 
-// Replaces imports of zcmod.dll for the scope and puts them back.
-class Patches {
-public:
-    void Add(const char* dll, const char* function, void* replacement, void** real = nullptr)
-    {
-        void* old = zcmod_test::PatchImport(Dll(), dll, function, replacement);
-        ASSERT_NE(old, nullptr) << function;
-        m_undo.push_back({dll, function, old});
-        if (real)
-            *real = old;
-    }
-    ~Patches()
-    {
-        for (auto it = m_undo.rbegin(); it != m_undo.rend(); ++it)
-            zcmod_test::PatchImport(Dll(), it->dll, it->function, it->old);
-    }
-
-private:
-    static HMODULE Dll() { return GetModuleHandleW(L"zcmod.dll"); }
-    struct Undo {
-        const char* dll;
-        const char* function;
-        void* old;
-    };
-    std::vector<Undo> m_undo;
-};
+// `over` drawn with `alpha` (0 to 255) over `under`, both 0x00RRGGBB.
+uint32_t Blend(uint32_t over, uint32_t under, int alpha)
+{
+    uint32_t out = 0;
+    for (int shift = 0; shift < 24; shift += 8)
+        out |= static_cast<uint32_t>((((over >> shift) & 0xFF) * alpha + ((under >> shift) & 0xFF) * (255 - alpha)) /
+                                     255)
+               << shift;
+    return out;
+}
 
 // ---- A backdrop of known pixels over the whole screen ----------------------------------------------------------
 
@@ -225,9 +209,8 @@ TEST_F(SplashFixture, SplashBlendsOverTheDesktopAndIsCutToItsShape)
     const zcmod_test::Pixels plane = zcmod_test::ReadFrame(picture, BT_ALPHA, 0);
     ASSERT_EQ(plane.width, image.width);
 
-    Patches patches;
-    patches.Add("user32.dll", "AnimateWindow", reinterpret_cast<void*>(WatchAnimate),
-                reinterpret_cast<void**>(&g_realAnimate));
+    zcmod_test::ImportPatches patches;
+    patches.Add("user32.dll", "AnimateWindow", &WatchAnimate, &g_realAnimate);
     SplashObject splash(m_theme, ZGR_PNG_SPLASH);
     ASSERT_EQ(splash.Show(300), 1);
     EXPECT_EQ(splash.Show(300), 0) << "a splash shows once";
@@ -266,12 +249,7 @@ TEST_F(SplashFixture, SplashBlendsOverTheDesktopAndIsCutToItsShape)
             if (p >= 253) {
                 ++cut;
             } else {
-                want = 0;
-                for (int shift = 0; shift < 24; shift += 8) {
-                    const int i = (image.At(x, y) >> shift) & 0xFF;
-                    const int b = (under >> shift) & 0xFF;
-                    want |= static_cast<uint32_t>((i * (255 - p) + b * p) / 255) << shift;
-                }
+                want = Blend(image.At(x, y), under, 255 - p);
                 ++blended;
                 partial += p > 0;
             }
@@ -295,11 +273,27 @@ TEST_F(SplashFixture, SplashBlendsOverTheDesktopAndIsCutToItsShape)
     EXPECT_EQ(g_calls.animations, animations);
 }
 
+TEST_F(SplashFixture, BothThemesCarryTheFramesAndTheSplash)
+{
+    for (const wchar_t* theme : {L"Default", L"Graphite"}) {
+        SCOPED_TRACE(testing::Message() << theme);
+        HMODULE module = LoadLibraryExW((zcmod_test::BinDir() + L"\\Resource\\ZCMOD_" + theme + L".zgr").c_str(),
+                                        nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        CNBitmapUtil pictures;
+        for (int id = ZGR_PNG_ANIMATION_FIRST; id <= ZGR_PNG_ANIMATION_LAST; ++id) {
+            EXPECT_NE(pictures.NLoadBitmap(module, id, BT_IMAGE, id - ZGR_PNG_ANIMATION_FIRST), nullptr) << id;
+            EXPECT_NE(pictures.GetBitmapHandle(BT_ALPHA, id - ZGR_PNG_ANIMATION_FIRST), nullptr) << id;
+        }
+        EXPECT_EQ(pictures.GetNumberOfBitmaps(BT_IMAGE), ZGR_PNG_ANIMATION_FRAMES) << "frames of one size";
+        EXPECT_NE(pictures.NLoadBitmap(module, ZGR_PNG_SPLASH, BT_RESULT, 0), nullptr);
+        FreeLibrary(module);
+    }
+}
+
 TEST_F(SplashFixture, SplashEdgeCases)
 {
-    Patches patches;
-    patches.Add("user32.dll", "AnimateWindow", reinterpret_cast<void*>(WatchAnimate),
-                reinterpret_cast<void**>(&g_realAnimate));
+    zcmod_test::ImportPatches patches;
+    patches.Add("user32.dll", "AnimateWindow", &WatchAnimate, &g_realAnimate);
     {
         // Hide before Show: nothing at all.
         SplashObject splash(m_theme, ZGR_PNG_SPLASH);
@@ -367,12 +361,11 @@ protected:
     void SetUp() override
     {
         SplashFixture::SetUp();
-        m_patches.Add("user32.dll", "SetLayeredWindowAttributes", reinterpret_cast<void*>(WatchSetLayered),
-                      reinterpret_cast<void**>(&g_realSetLayered));
-        m_patches.Add("kernel32.dll", "GetTickCount", reinterpret_cast<void*>(FakeTickCount));
-        m_patches.Add("kernel32.dll", "Sleep", reinterpret_cast<void*>(FakeSleep));
-        m_patches.Add("user32.dll", "InvalidateRect", reinterpret_cast<void*>(WatchInvalidate));
-        m_patches.Add("user32.dll", "GetForegroundWindow", reinterpret_cast<void*>(FakeForeground));
+        m_patches.Add("user32.dll", "SetLayeredWindowAttributes", &WatchSetLayered, &g_realSetLayered);
+        m_patches.Add("kernel32.dll", "GetTickCount", &FakeTickCount);
+        m_patches.Add("kernel32.dll", "Sleep", &FakeSleep);
+        m_patches.Add("user32.dll", "InvalidateRect", &WatchInvalidate);
+        m_patches.Add("user32.dll", "GetForegroundWindow", &FakeForeground);
     }
     void TearDown() override
     {
@@ -394,7 +387,7 @@ protected:
         return m_window;
     }
 
-    Patches m_patches;
+    zcmod_test::ImportPatches m_patches;
     HWND m_window = nullptr;
 };
 
@@ -415,6 +408,7 @@ TEST_F(FaderTest, AlphaStepsAndWaits)
         DWORD tickStep;
         std::vector<int> alphas;
         std::vector<DWORD> sleeps;
+        bool watchScreen = false;
     };
     const std::vector<DWORD> twenty50(50, 20);
     const Case cases[] = {
@@ -429,8 +423,8 @@ TEST_F(FaderTest, AlphaStepsAndWaits)
          {0, 52, 104, 156, 208, 255}, {13, 13, 13, 13, 13}},
         {"in 1000 behind time: no wait at all", [](Fader& f, HWND w) { f.FadeIn(w, 1000); }, 25,
          Ramp(0, 6, 50, 255), {}},
-        {"in-out: in 100, hold 40, out 60", [](Fader& f, HWND w) { f.FadeInOut(w, 40, 100, 60); }, 0,
-         {0, 52, 104, 156, 208, 255, 255, 169, 83, 0}, {20, 20, 20, 20, 20, 40, 20, 20, 20}},
+        {"in-out: in 100, hold 40, out 60; the screen watched", [](Fader& f, HWND w) { f.FadeInOut(w, 40, 100, 60); },
+         0, {0, 52, 104, 156, 208, 255, 255, 169, 83, 0}, {20, 20, 20, 20, 20, 40, 20, 20, 20}, true},
         {"out-in: out 60, hold 40, in 100", [](Fader& f, HWND w) { f.FadeOutIn(w, 40, 100, 60); }, 0,
          {255, 169, 83, 0, 0, 52, 104, 156, 208, 255}, {20, 20, 20, 40, 20, 20, 20, 20, 20}},
     };
@@ -438,11 +432,25 @@ TEST_F(FaderTest, AlphaStepsAndWaits)
         SCOPED_TRACE(c.name);
         HWND window = MakeWindow();
         g_calls.tickStep = c.tickStep;
+        const POINT centre = {200 + 120, 150 + 80};
+        const uint32_t desktop = BackdropColour(centre.x, centre.y);
+        ASSERT_EQ(ScreenPixel(centre), desktop);
+        g_calls.watch = c.watchScreen ? centre : POINT{-1, -1};
         Fader fader;
         ASSERT_EQ(fader.m_bLayered, 1);
         c.run(fader, window);
         EXPECT_EQ(g_calls.alphas, c.alphas);
         EXPECT_EQ(g_calls.sleeps, c.sleeps);
+        // On a compositor the screen shows the window's colour blended over the desktop by each alpha; on
+        // Xvfb, which has none, the window's own colour from the first step on. Never the bare desktop then.
+        const COLORREF f = GetSysColor(COLOR_BTNFACE);
+        const uint32_t face = (GetRValue(f) << 16) | (GetGValue(f) << 8) | GetBValue(f);
+        for (size_t i = 0; i < g_calls.screenAtAlpha.size(); ++i) {
+            const uint32_t seen = g_calls.screenAtAlpha[i];
+            EXPECT_TRUE(seen == face || Near(seen, Blend(face, desktop, g_calls.alphas[i]), 3))
+                << "alpha " << g_calls.alphas[i] << ": " << std::hex << seen;
+        }
+        EXPECT_EQ(g_calls.screenAtAlpha.size(), c.watchScreen ? c.alphas.size() : 0u);
         EXPECT_TRUE(IsWindowVisible(window)) << "a fade-out leaves the window shown";
         EXPECT_TRUE(GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_LAYERED);
         BYTE alpha = 0;
@@ -509,36 +517,6 @@ TEST_F(FaderTest, AWindowInFrontThatOverlapsRepaintsEveryStep)
         EXPECT_EQ(g_calls.invalidations, c.invalidations);
     }
     DestroyWindow(front);
-}
-
-// What the screen shows while the alpha rises and falls: on a compositor the window's colour blended over the
-// desktop by the alpha; on Xvfb, which has none, the window's own colour from the first step on.
-TEST_F(FaderTest, TheScreenDuringAFade)
-{
-    HWND window = MakeWindow();
-    const POINT centre = {200 + 120, 150 + 80};
-    const uint32_t desktop = BackdropColour(centre.x, centre.y);
-    const uint32_t face = [] {
-        const DWORD c = GetSysColor(COLOR_BTNFACE);
-        return static_cast<uint32_t>((GetRValue(c) << 16) | (GetGValue(c) << 8) | GetBValue(c));
-    }();
-    ASSERT_NE(desktop, face);
-    EXPECT_EQ(ScreenPixel(centre), desktop);
-    g_calls.watch = centre;
-    Fader fader;
-    fader.FadeInOut(window, 0, 100, 100);
-    ASSERT_EQ(g_calls.screenAtAlpha.size(), g_calls.alphas.size());
-    for (size_t i = 0; i < g_calls.alphas.size(); ++i) {
-        const int a = g_calls.alphas[i];
-        uint32_t blend = 0;
-        for (int shift = 0; shift < 24; shift += 8)
-            blend |= static_cast<uint32_t>((((face >> shift) & 0xFF) * a + ((desktop >> shift) & 0xFF) * (255 - a)) /
-                                           255)
-                     << shift;
-        const uint32_t seen = g_calls.screenAtAlpha[i];
-        EXPECT_TRUE(seen == face || Near(seen, blend, 3))
-            << "step " << i << " alpha " << a << ": " << std::hex << seen;
-    }
 }
 
 }  // namespace
