@@ -7,6 +7,7 @@
 #include "zcmod/FaultReporting.h"
 #include "zcmod/NBitmapUtil.h"
 #include "zcmod/PNGAnimation.h"
+#include "zcmod/PhoneFileDialog.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
 #include "zcmod/Utils.h"
