@@ -3,8 +3,8 @@
 //
 // The frames are PNG with alpha in the theme's graphics module. As the progress dialog does, the page blends
 // each frame over the window colour first (the animation copies whole frames), and mirrors it in a
-// right-to-left layout. Opening the page shows the splash once and keeps what the screen showed, so that the
-// still picture of the page carries it; the buttons run the splash and the fade again.
+// right-to-left layout. Opening the page shows the splash and fades a window once, and keeps what the screen
+// showed of the splash, so that the still picture of the page carries it; the buttons run both again.
 #include <windows.h>
 
 #include <memory>
@@ -130,8 +130,10 @@ public:
         SetPropW(host, L"ZcmodGalleryAnimationPage", this);
         m_hostProc = reinterpret_cast<WNDPROC>(
             SetWindowLongPtrW(host, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HostCommandProc)));
-        if (!m_splashShown)
+        if (!m_splashShown) {
             RunSplash();
+            RunFade();
+        }
     }
 
     void Leave() override
@@ -207,8 +209,12 @@ public:
                           : std::wstring(L"The splash did not show."),
              text);
         Text(dc, kNotesLeft, kSplashTop + 96, L"CVuikWindowFader: fade in 300 ms, hold 400 ms,", text);
-        Text(dc, kNotesLeft, kSplashTop + 114,
-             m_fades ? Format(L"fade out 300 ms (run %d times).", m_fades) : std::wstring(L"fade out 300 ms."), text);
+        Text(dc, kNotesLeft, kSplashTop + 114, L"fade out 300 ms, in 20 ms steps of the layered alpha.", text);
+        if (m_fades)
+            Text(dc, kNotesLeft, kSplashTop + 144,
+                 Format(L"Faded %d time%ls; alpha after the fade in %d, after the fade out %d.", m_fades,
+                        m_fades == 1 ? L"" : L"s", m_alphaIn, m_alphaOut),
+                 text);
         if (m_splashShot) {
             // What lay around the splash on the screen, at full size.
             HDC memory = CreateCompatibleDC(dc);
@@ -237,6 +243,8 @@ public:
             return Format(L"the single pass ended on frame %d, not 0", m_players[kOnce]->GetLastBitmapIndex());
         if (m_splashResult != 1 || !m_splashShot)
             return L"the splash screen did not show";
+        if (m_fades < 1 || m_alphaIn != 255 || m_alphaOut != 0)
+            return Format(L"the fade ended at alpha %d and %d, not 255 and 0", m_alphaIn, m_alphaOut);
         return L"";
     }
 
@@ -338,8 +346,15 @@ private:
         if (!faded)
             return;
         CVuikWindowFader fader;
-        fader.FadeInOut(faded, 400, 300, 300);
-        DestroyWindow(faded);
+        BYTE alpha = 0;
+        fader.FadeIn(faded, 300);
+        GetLayeredWindowAttributes(faded, nullptr, &alpha, nullptr);
+        m_alphaIn = alpha;
+        Sleep(400);
+        fader.FadeOut(faded, 300);
+        GetLayeredWindowAttributes(faded, nullptr, &alpha, nullptr);
+        m_alphaOut = alpha;
+        DestroyWindow(faded);  // a fade-out leaves the window shown at alpha 0
         ++m_fades;
         InvalidateRect(m_host, nullptr, FALSE);
     }
@@ -380,6 +395,8 @@ private:
     int m_splashResult = 0;
     bool m_splashShown = false;
     int m_fades = 0;
+    int m_alphaIn = -1;
+    int m_alphaOut = -1;
     int m_lastSeen = -1;
     int m_advances = 0;
     int m_ticks = 0;
