@@ -27,6 +27,7 @@
 #include "zcmod/VuikSplashScreen.h"
 #include "zcmod/VuikTabCtrl.h"
 #include "zcmod/VuikTooltip.h"
+#include "zcmod/VuikMenuBarCtrl.h"
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
 #include "zcmod/RTLHelper.h"
