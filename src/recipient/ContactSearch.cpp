@@ -4,11 +4,19 @@
 #include <memory>
 #include <unordered_set>
 
+#include <windows.h>
+
+#include <commctrl.h>
+
 #include "device/ConnectivityApi.h"
 #include "device/core/ContactFieldTypes.h"
 #include "frame/Handles.h"
 #include "recipient/ContactCache.h"
+#include "zcmod/CommonModuleState.h"
 #include "zcmod/DKHLInfoReader.h"
+#include "zcmod/RTLHelper.h"
+#include "zcmod/ResHandler.h"
+#include "zcmod/VuikLib.h"
 #include "zcmod/SearchEngineControl.h"
 
 using namespace zcmod::service;
@@ -95,8 +103,17 @@ void FindEach(ContactItem& condition, F&& each)
 
 }  // namespace
 
-CSearchEngineControl::CSearchEngineControl()
+CSearchEngineControl::CSearchEngineControl(HINSTANCE instance)
+    : m_iButtonWidth(50), m_iButtonHeight(50), m_lThreeDimLook(0), m_hInstance(instance)
 {
+    m_bDisableChange = 0;
+    m_bDisableSelChange = 0;
+    INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_WIN95_CLASSES};
+    InitCommonControlsEx(&controls);
+    CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
+    if (CRTLHelper::IsRTL(handler ? handler->GetLanguageName() : nullptr))
+        CVuikLib::SetLayout(1);
+    m_nEditcontrolWidth = 400;
     DMAPI_Initialize(kDmapiVersion, 0);
     CAAPI_Initialize(kCaapiVersion, 0);
     VCAPI_Initialize(kVcapiVersion, 0);
@@ -105,6 +122,7 @@ CSearchEngineControl::CSearchEngineControl()
 
 CSearchEngineControl::~CSearchEngineControl()
 {
+    DestroyBox();
     if (m_hDeviceManager) {
         LNKACloseDM(static_cast<HLNKADM>(m_hDeviceManager));
         m_hDeviceManager = nullptr;

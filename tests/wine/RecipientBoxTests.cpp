@@ -1,0 +1,507 @@
+// The recipient box under real keyboard and mouse input against a stand-in phone with contacts: completion
+// after the typing pause, one search for a burst of keys, finishing on ';', Enter and focus loss, marking known
+// and malformed recipients, the drop-down list, Tab order, growing with the text, right-to-left text, goldens
+// of both themes and layouts, and what many lives of the box leave behind.
+#include <windows.h>
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+#include <richedit.h>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Golden.h"
+#include "HandleCounter.h"
+#include "MessageSequence.h"
+#include "ServiceTestSupport.h"
+#include "TestSkins.h"
+#include "zcmod/CommonModuleState.h"
+#include "zcmod/ResHandler.h"
+#include "zcmod/SearchEngineControl.h"
+
+using namespace zcmod_test;
+using msgseq::input;
+using msgseq::Recorder;
+
+namespace {
+
+std::string Card(const std::string& family, const std::string& given, const std::string& line)
+{
+    return "BEGIN:VCARD\r\nVERSION:3.0\r\nN:" + family + ";" + given + ";;;\r\nFN:" + given + " " + family + "\r\n" +
+           line + "\r\nEND:VCARD\r\n";
+}
+
+void Key(WORD vk, bool shift = false)
+{
+    if (shift)
+        input::Key(VK_SHIFT, false);
+    input::Key(vk, false);
+    input::Key(vk, true);
+    if (shift)
+        input::Key(VK_SHIFT, true);
+}
+
+void Type(const std::wstring& text)
+{
+    for (wchar_t c : text) {
+        const SHORT scan = VkKeyScanW(c);
+        Key(LOBYTE(scan), (scan & 0x100) != 0);
+    }
+    Recorder::Pump(30);
+}
+
+bool PumpUntil(const std::function<bool()>& done, DWORD timeoutMs = 3000)
+{
+    const DWORD end = GetTickCount() + timeoutMs;
+    while (!done()) {
+        if (static_cast<LONG>(end - GetTickCount()) < 0)
+            return false;
+        Recorder::Pump(10);
+    }
+    return true;
+}
+
+// Answers every message box of this thread with OK from a second thread, counting them; it is also the
+// watchdog of a modal loop that nobody ends: it ends it and the test sees the count.
+class MessageBoxCloser {
+public:
+    MessageBoxCloser() : m_thread(GetCurrentThreadId())
+    {
+        m_worker = std::thread([this] {
+            while (!m_stop) {
+                EnumThreadWindows(
+                    m_thread,
+                    [](HWND hwnd, LPARAM self) -> BOOL {
+                        wchar_t name[16] = {};
+                        GetClassNameW(hwnd, name, 16);
+                        if (std::wstring(name) == L"#32770" && IsWindowVisible(hwnd)) {
+                            PostMessageW(hwnd, WM_COMMAND, IDOK, 0);
+                            ++reinterpret_cast<MessageBoxCloser*>(self)->m_closed;
+                            Sleep(100);
+                        }
+                        return TRUE;
+                    },
+                    reinterpret_cast<LPARAM>(this));
+                Sleep(20);
+            }
+        });
+    }
+    ~MessageBoxCloser()
+    {
+        m_stop = true;
+        m_worker.join();
+    }
+    int Closed() const { return m_closed; }
+
+private:
+    DWORD m_thread;
+    std::atomic<bool> m_stop{false};
+    std::atomic<int> m_closed{0};
+    std::thread m_worker;
+};
+
+struct Listener : ISearchEngineNotify {
+    int calls = 0;
+    void OnResize() override { ++calls; }
+};
+
+// The parent: counts the forward steps the box asks of its dialog.
+LRESULT CALLBACK ParentProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_NEXTDLGCTL)
+        SetPropW(hwnd, L"test.next", reinterpret_cast<HANDLE>(reinterpret_cast<INT_PTR>(GetPropW(hwnd, L"test.next")) + 1));
+    return DefWindowProcW(hwnd, message, wParam, lParam);
+}
+
+class RecipientBox : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        service.UseStandIns();
+        CSearchEngineControl::SetSearchLimit(1);
+        CSearchEngineControl::SetResultLimit(0);
+        CSearchEngineControl::SetAddressFilter(3);
+        CSearchEngineControl::SetMaxLines(3);
+        CSearchEngineControl::SetSearchDelay(150);
+        // A phone of a new serial for each test, and no serials remembered from the last: the contact cache
+        // then answers nothing that an earlier test taught it.
+        CSearchEngineControl::m_vecDeviceSerials.clear();
+        static int phone = 0;
+        AddPhone(L"p" + std::to_wstring(++phone), cards);
+    }
+    void AddPhone(const std::wstring& id, const std::string& vcards)
+    {
+        phones.New(id);
+        const std::wstring file = phones.Folder(id) + L"-cards.vcf";
+        std::ofstream(file.c_str(), std::ios::binary) << vcards;
+        ASSERT_EQ(phones.Ctl(L"contacts " + id + L" \"" + file + L"\"").exitCode, 0u);
+    }
+    static void HideContactList() { CSearchEngineControl::HideContactListBox(1); }
+    void TearDown() override
+    {
+        box.reset();
+        if (parent)
+            DestroyWindow(parent);
+        Recorder::Pump(20);
+        CSearchEngineControl::SetSearchDelay(2000);
+        CSearchEngineControl::SetAddressFilter(3);
+        TerminateAllInterfaces();
+    }
+
+    void Make(int rows = 1)
+    {
+        WNDCLASSW wc = {};
+        wc.lpfnWndProc = ParentProc;
+        wc.hInstance = GetModuleHandleW(nullptr);
+        wc.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+        wc.lpszClassName = L"RecipientBoxParent";
+        RegisterClassW(&wc);
+        parent = CreateWindowExW(0, L"RecipientBoxParent", L"", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 40, 40, 480,
+                                 320, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+        SetForegroundWindow(parent);
+        box = std::make_unique<CSearchEngineControl>(GetModuleHandleW(nullptr));
+        RECT where = {10, 10, 420, 10 + rows * 60};
+        ASSERT_TRUE(box->Create(nullptr, WS_CHILD | WS_VISIBLE, where, parent, 100, rows));
+        edit = CSearchEngineControl::GetEditBox(0);
+        list = CSearchEngineControl::GetContactListBox();
+        box->SetFocusToEditBox(0);
+        Recorder::Pump(30);
+    }
+    std::wstring Text(int row = 0)
+    {
+        std::wstring text(static_cast<size_t>(box->GetText(nullptr, row)) + 1, L'\0');
+        text.resize(static_cast<size_t>(box->GetText(&text[0], row)));
+        return text;
+    }
+    CHARRANGE Selection()
+    {
+        CHARRANGE range = {};
+        SendMessageW(edit, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+        return range;
+    }
+    // The effects shared by every character of start..end (underline, italics), read without moving the caret
+    // for good.
+    DWORD Effects(LONG start, LONG end)
+    {
+        const CHARRANGE saved = Selection();
+        CHARRANGE range = {start, end};
+        SendMessageW(edit, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+        CHARFORMAT2W format = {};
+        format.cbSize = sizeof(format);
+        SendMessageW(edit, EM_GETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&format));
+        SendMessageW(edit, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&saved));
+        return format.dwEffects & format.dwMask & (CFE_UNDERLINE | CFE_ITALIC);
+    }
+    bool ListShown() { return IsWindowVisible(list) != 0; }
+    int ListCount() { return static_cast<int>(SendMessageW(list, LB_GETCOUNT, 0, 0)); }
+    void WaitForSearch() { Recorder::Pump(CSearchEngineControl::GetSearchDelay() + 150); }
+
+    ServiceRegistry service;
+    Phones phones;
+    std::string cards = Card("Smith", "John", "TEL:555") + Card("Lee", "Ann", "TEL:040123") +
+                        Card("Lee", "Ann", "EMAIL:ann@lee.org") + Card("Jones", "Mary Ann", "TEL:777");
+    HWND parent = nullptr;
+    HWND edit = nullptr;
+    HWND list = nullptr;
+    std::unique_ptr<CSearchEngineControl> box;
+};
+
+TEST_F(RecipientBox, TypingCompletesOnlyAfterThePause)
+{
+    const struct {
+        const wchar_t* typed;
+        const wchar_t* text;  // after the pause
+        CHARRANGE selected;
+        int listed;  // items on offer, 0 for a hidden list
+    } cases[] = {
+        // One contact: completed inline, the part that wasn't typed selected so that typing on replaces it.
+        {L"smi", L"Smith John <555>", {3, 16}, 0},
+        // Several: the first completes, selected whole, and all are offered.
+        {L"ann", L"Ann Lee <040123>", {0, 16}, 3},
+        // Nothing found: the text stays and nothing is offered.
+        {L"zq", L"zq", {2, 2}, 0},
+    };
+    Make();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.typed)));
+        SetWindowTextW(edit, L"");
+        Type(c.typed);
+        EXPECT_EQ(Text(), c.typed);  // not yet: the pause hasn't passed
+        WaitForSearch();
+        EXPECT_EQ(Text(), c.text);
+        EXPECT_EQ(Selection().cpMin, c.selected.cpMin);
+        EXPECT_EQ(Selection().cpMax, c.selected.cpMax);
+        EXPECT_EQ(ListShown(), c.listed > 0);
+        if (c.listed) {
+            EXPECT_EQ(ListCount(), c.listed);
+        }
+        HideContactList();
+    }
+}
+
+TEST_F(RecipientBox, AQuickBurstOfKeysGivesOneSearchAfterTheLast)
+{
+    CSearchEngineControl::SetSearchDelay(400);
+    Make();
+    // Each key 150 ms after the one before: a search that ran after the first key's pause would have
+    // completed the text while it was still being typed.
+    const std::wstring word = L"smith";
+    for (size_t i = 0; i < word.size(); ++i) {
+        Type(word.substr(i, 1));
+        Recorder::Pump(120);
+        EXPECT_EQ(Text(), word.substr(0, i + 1));
+    }
+    Recorder::Pump(150);
+    EXPECT_EQ(Text(), L"smith");  // 300 ms after the last key: still waiting
+    WaitForSearch();
+    EXPECT_EQ(Text(), L"Smith John <555>");
+}
+
+TEST_F(RecipientBox, FinishingMarksKnownUnknownAndMalformedRecipients)
+{
+    const struct {
+        long filter;
+        const wchar_t* typed;  // ends in the key that finishes
+        const wchar_t* text;
+        DWORD effects;  // of the finished recipient
+        int messages;
+    } cases[] = {
+        {3, L"smi;", L"Smith John <555>;", CFE_UNDERLINE, 0},
+        {3, L"smi\r", L"Smith John <555>; ", CFE_UNDERLINE, 0},
+        {3, L"zed;", L"zed;", 0, 0},                   // a name that isn't a contact: passes, not underlined
+        {3, L"040123;", L"Ann Lee <040123>;", CFE_UNDERLINE, 0},  // a number becomes its contact
+        {1, L"555-12;", L"555-12;", CFE_ITALIC, 1},    // only e-mail wanted: a number is malformed
+        {2, L"x@y.org\r", L"x@y.org; ", CFE_ITALIC, 1},
+    };
+    CSearchEngineControl::SetSearchDelay(5000);  // finished before any search
+    Make();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.typed)));
+        CSearchEngineControl::SetAddressFilter(c.filter);
+        SetWindowTextW(edit, L"");
+        MessageBoxCloser closer;
+        for (wchar_t ch : std::wstring(c.typed))
+            ch == L'\r' ? Key(VK_RETURN) : Type(std::wstring(1, ch));
+        Recorder::Pump(60);
+        EXPECT_TRUE(PumpUntil([&] { return closer.Closed() >= c.messages; }));
+        EXPECT_EQ(Text(), c.text);
+        const LONG length = static_cast<LONG>(Text().find(L';'));
+        EXPECT_EQ(Effects(0, length), c.effects);
+        EXPECT_EQ(closer.Closed(), c.messages);
+        EXPECT_EQ(GetFocus(), edit);  // the message gives the focus back
+    }
+    wchar_t recipients[256] = {};
+    SetWindowTextW(edit, L"Ann Lee <040123>; bob@x.org;  Zed ; ");
+    EXPECT_EQ(box->GetRecipients(recipients, 0), 20);
+    EXPECT_STREQ(recipients, L"040123;bob@x.org;Zed");
+}
+
+TEST_F(RecipientBox, TheListComesWithoutRewritingAndStaysOnEscape)
+{
+    Make();
+    // Delete inside a name, Backspace at its end: the list is offered, the text is left as the user made it.
+    const struct {
+        const wchar_t* typed;
+        std::vector<WORD> keys;
+    } cases[] = {{L"anxn", {VK_LEFT, VK_LEFT, VK_DELETE}}, {L"annz", {VK_BACK}}};
+    for (const auto& c : cases) {
+        SetWindowTextW(edit, L"");
+        Type(c.typed);
+        for (WORD k : c.keys)
+            Key(k);
+        WaitForSearch();
+        EXPECT_EQ(Text(), L"ann");
+        EXPECT_TRUE(ListShown());
+        EXPECT_EQ(ListCount(), 3);
+        Key(VK_ESCAPE);
+        Recorder::Pump(50);
+        EXPECT_TRUE(ListShown());
+        EXPECT_EQ(Text(), L"ann");
+        // Down offers the next contact on the recipient's place; a click elsewhere in the text hides the list.
+        Key(VK_DOWN);
+        Recorder::Pump(30);
+        EXPECT_EQ(Text(), L"Ann Lee <ann@lee.org>");
+        EXPECT_TRUE(ListShown());
+        HideContactList();
+    }
+}
+
+TEST_F(RecipientBox, TabAndShiftTabMoveBetweenRowsAndOut)
+{
+    Make(2);
+    HWND edit1 = CSearchEngineControl::GetEditBox(1);
+    HWND button0 = CSearchEngineControl::GetButton(0), button1 = CSearchEngineControl::GetButton(1);
+    const struct {
+        HWND from;
+        bool shift;
+        HWND to;       // null: out of the box, by the parent's next-control step
+    } cases[] = {
+        {edit, false, button1}, {edit, true, button0},   {button0, false, edit},
+        {button1, true, edit},  {edit1, false, nullptr}, {button0, true, nullptr},  // the first button steps forward
+    };
+    for (const auto& c : cases) {
+        SetFocus(c.from);
+        Recorder::Pump(20);
+        RemovePropW(parent, L"test.next");
+        Key(VK_TAB, c.shift);
+        Recorder::Pump(60);
+        const int steps = static_cast<int>(reinterpret_cast<INT_PTR>(GetPropW(parent, L"test.next")));
+        EXPECT_EQ(GetFocus(), c.to ? c.to : c.from);
+        EXPECT_EQ(steps, c.to ? 0 : 1);
+    }
+    RemovePropW(parent, L"test.next");
+}
+
+TEST_F(RecipientBox, GrowsWithItsTextUpToTheLineLimit)
+{
+    CSearchEngineControl::SetSearchDelay(60000);
+    Make(2);
+    Listener listener;
+    box->RegisterNotifyIF(&listener);
+    box->RegisterNotifyIF(&listener);  // once only
+    HWND edit1 = CSearchEngineControl::GetEditBox(1);
+    auto height = [](HWND w) {
+        RECT r;
+        GetWindowRect(w, &r);
+        return static_cast<int>(r.bottom - r.top);
+    };
+    auto top = [](HWND w) {
+        RECT r;
+        GetWindowRect(w, &r);
+        return static_cast<int>(r.top);
+    };
+    std::vector<int> heights;
+    int lines = 1;
+    const int gap = top(edit1) - (top(edit) + height(edit));
+    while (lines < 5) {
+        Type(L"qwe rty ");
+        const int now = static_cast<int>(SendMessageW(edit, EM_GETLINECOUNT, 0, 0));
+        if (now != lines) {
+            lines = now;
+            heights.push_back(height(edit));
+            // The row below moves along, keeping its distance.
+            EXPECT_EQ(top(edit1) - (top(edit) + height(edit)), gap);
+        }
+    }
+    ASSERT_EQ(heights.size(), 4u);  // 2, 3, 4 and 5 lines
+    EXPECT_LT(heights[0], heights[1]);
+    EXPECT_EQ(heights[1], heights[2]);  // three lines at most: four and five scroll
+    EXPECT_EQ(heights[2], heights[3]);
+    EXPECT_TRUE(GetWindowLongW(edit, GWL_STYLE) & WS_VSCROLL);
+    EXPECT_GT(SendMessageW(edit, EM_GETFIRSTVISIBLELINE, 0, 0), 0);
+    EXPECT_EQ(listener.calls, 2);
+    RECT host;
+    box->GetHostWindowRect(host);
+    // The host holds the last row, edit box and button.
+    RECT last, button;
+    GetWindowRect(edit1, &last);
+    GetWindowRect(CSearchEngineControl::GetButton(1), &button);
+    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&last), 2);
+    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&button), 2);
+    EXPECT_EQ(host.bottom, std::max(last.bottom, button.bottom));
+    box->UnregisterNotifyIF(&listener);
+}
+
+TEST_F(RecipientBox, TheListShowsFiveAtATimeAndKeepsTheRecipientOpenWhileUsed)
+{
+    std::string kims;
+    const char* families[] = {"Alpha", "Bravo", "Charlie", "Delta", "Echo", "Foxtrot", "Golf"};
+    for (int i = 0; i < 7; ++i)
+        kims += Card(families[i], "Kim", "TEL:10" + std::to_string(i + 1));
+    AddPhone(L"kims", kims);
+    Make();
+    const struct {
+        short limit;
+        int items;
+    } cases[] = {{0, 7}, {2, 2}};
+    for (const auto& c : cases) {
+        CSearchEngineControl::SetResultLimit(c.limit);
+        SetWindowTextW(edit, L"");
+        Type(L"kim");
+        WaitForSearch();
+        ASSERT_TRUE(ListShown());
+        EXPECT_EQ(ListCount(), c.items);
+        RECT window, client;
+        GetWindowRect(list, &window);
+        GetClientRect(list, &client);
+        const int item = static_cast<int>(SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
+        EXPECT_EQ(client.bottom, item * std::min(c.items, 5));
+        EXPECT_EQ((GetWindowLongW(list, GWL_STYLE) & WS_VSCROLL) != 0, c.items > 5);
+    }
+    // Pressing on the second item takes the focus to the list: the recipient stays open (the item may show on
+    // its place). Letting go chooses it.
+    RECT item;
+    SendMessageW(list, LB_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&item));
+    POINT at = {(item.left + item.right) / 2, (item.top + item.bottom) / 2};
+    ClientToScreen(list, &at);
+    input::MoveTo(at);
+    input::LeftDown();
+    Recorder::Pump(60);
+    EXPECT_EQ(GetFocus(), list);
+    EXPECT_EQ(Text().find(L';'), std::wstring::npos) << testing::PrintToString(Text());
+    input::LeftUp();
+    Recorder::Pump(60);
+    EXPECT_EQ(Text(), L"Kim Bravo <102>; ");
+    EXPECT_EQ(GetFocus(), edit);
+    EXPECT_FALSE(ListShown());
+    // Losing the focus anywhere else finishes the recipient.
+    Type(L"kim");
+    SetFocus(parent);
+    Recorder::Pump(60);
+    EXPECT_EQ(Text(), L"Kim Bravo <102>; Kim Alpha <101>; ");
+}
+
+TEST_F(RecipientBox, RightToLeftTextWrapsAddressesInDirectionMarks)
+{
+    SuiteRegistry registry;
+    registry.SetLanguage(L"heb");
+    CCommonModuleState& state = CCommonModuleState::Get();
+    CResHandler* const saved = state.m_pResHandler;
+    {
+        CResHandler handler;
+        state.m_pResHandler = &handler;
+        testskin::LibraryState library;
+        Make();
+        EXPECT_TRUE(GetWindowLongW(edit, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+        EXPECT_TRUE(GetWindowLongW(list, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+        Type(L"smi;");
+        EXPECT_EQ(Text(), L"Smith John <\x202D" L"555\x202C>;");
+        EXPECT_EQ(Effects(0, 18), static_cast<DWORD>(CFE_UNDERLINE));
+        wchar_t recipients[64] = {};
+        box->GetRecipients(recipients, 0);
+        EXPECT_STREQ(recipients, L"555");
+        box.reset();
+        DestroyWindow(parent);
+        parent = nullptr;
+    }
+    state.m_pResHandler = saved;
+}
+
+TEST_F(RecipientBox, ManyLivesLeaveNothingBehind)
+{
+    HandleCounter counter;
+    auto life = [&] {
+        Make(3);
+        Type(L"smi;ann");
+        WaitForSearch();
+        Key(VK_RETURN);
+        Recorder::Pump(20);
+        box.reset();
+        DestroyWindow(parent);
+        parent = nullptr;
+    };
+    life();
+    const HandleCounter::Counts before = counter.Live();
+    for (int i = 0; i < 15; ++i)
+        life();
+    EXPECT_EQ(counter.Live(), before) << counter.Live().ToString();
+}
+
+}  // namespace
