@@ -10,5 +10,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeRtlPage());
     pages.push_back(MakeTabsPage());
     pages.push_back(MakeListViewPage());
+    pages.push_back(MakeMessageEditorPage());
     return pages;
 }

@@ -253,6 +253,14 @@ int CSearchEngineControl::Create(void* /*reserved*/, unsigned long style, RECT r
         SendMessageW(g_edit[i], EM_SETEVENTMASK, 0, ENM_CHANGE | ENM_SCROLL | ENM_SELCHANGE);
         SendMessageW(g_edit[i], EM_SETMARGINS, EC_RIGHTMARGIN, MAKELPARAM(0, 5));
         SendMessageW(g_edit[i], EM_SETTEXTMODE, TM_RICHTEXT, 0);
+        // The theme's window and text colours, for typed text and for text set later alike.
+        SendMessageW(g_edit[i], EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW)));
+        CHARFORMAT2W colour = {};
+        colour.cbSize = sizeof(colour);
+        colour.dwMask = CFM_COLOR;
+        colour.crTextColor = DkhLoadColor(nullptr, ZGR_COLOR_TEXT);
+        SendMessageW(g_edit[i], EM_SETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&colour));
+        SendMessageW(g_edit[i], EM_SETCHARFORMAT, SCF_ALL, reinterpret_cast<LPARAM>(&colour));
         m_sLineCount[i] = 1;
     }
 

@@ -155,7 +155,9 @@ protected:
         TerminateAllInterfaces();
     }
 
-    void Make(int rows = 1)
+    // The box in a parent of its own; `mirrored` gives the parent a right-to-left layout, as a right-to-left
+    // application's windows have.
+    void Make(int rows = 1, bool mirrored = false)
     {
         WNDCLASSW wc = {};
         wc.lpfnWndProc = ParentProc;
@@ -163,7 +165,7 @@ protected:
         wc.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
         wc.lpszClassName = L"RecipientBoxParent";
         RegisterClassW(&wc);
-        parent = CreateWindowExW(0, L"RecipientBoxParent", L"", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 40, 40, 480,
+        parent = CreateWindowExW(mirrored ? WS_EX_LAYOUTRTL : 0, L"RecipientBoxParent", L"", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 40, 40, 480,
                                  320, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
         SetForegroundWindow(parent);
         box = std::make_unique<CSearchEngineControl>(GetModuleHandleW(nullptr));
@@ -482,6 +484,61 @@ TEST_F(RecipientBox, RightToLeftTextWrapsAddressesInDirectionMarks)
         parent = nullptr;
     }
     state.m_pResHandler = saved;
+}
+
+// One known, one unknown and one malformed recipient: underlined, plain, in italics; the theme's colours; the
+// rows mirrored under a right-to-left language.
+TEST_F(RecipientBox, GoldensOfBothThemesAndLayouts)
+{
+    const struct {
+        const wchar_t* theme;
+        const wchar_t* language;
+        const char* name;
+    } looks[] = {{L"Default", L"eng", "recipients_Default_ltr"},
+                 {L"Default", L"heb", "recipients_Default_rtl"},
+                 {L"Graphite", L"eng", "recipients_Graphite_ltr"},
+                 {L"Graphite", L"heb", "recipients_Graphite_rtl"}};
+    CCommonModuleState& state = CCommonModuleState::Get();
+    CResHandler* const saved = state.m_pResHandler;
+    for (const auto& look : looks) {
+        SCOPED_TRACE(look.name);
+        SuiteRegistry registry;
+        registry.SetMachineTheme(look.theme);
+        registry.SetUserTheme(look.theme);
+        registry.SetLanguage(look.language);
+        {
+            CResHandler handler;
+            state.m_pResHandler = &handler;
+            state.ResetColorLoader();
+            testskin::LibraryState library;
+            // A phone of its own: the contact strings the cache keeps are made in the language of their search.
+            CSearchEngineControl::m_vecDeviceSerials.clear();
+            AddPhone(std::wstring(L"g") + look.theme + look.language, cards);
+            Make(1, look.language[0] == L'h');
+            const std::wstring text = CSearchEngineControl::CreateContactString(L"Smith John", L"555") + L"; " +
+                                      CSearchEngineControl::CreateContactString(L"Zed Unknown", L"123") + L"; " +
+                                      CSearchEngineControl::CreateContactString(L"Bob", L"5x5");
+            SetFocus(parent);
+            box->SetText(text.c_str(), 0);
+            int valid = 1;
+            box->Validate(1, 0, &valid, 0);
+            EXPECT_EQ(valid, 0);
+            Recorder::Pump(100);
+            RECT r;
+            GetWindowRect(box->GetHostWindow(), &r);
+            testskin::Canvas canvas(r.right - r.left, r.bottom - r.top);
+            HDC screen = GetDC(nullptr);
+            BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
+            ReleaseDC(nullptr, screen);
+            const testskin::Capture c = canvas.Read();
+            EXPECT_TRUE(MatchesGolden(look.name, c.width, c.height, c.pixels.data()));
+            box.reset();
+            DestroyWindow(parent);
+            parent = nullptr;
+        }
+        state.m_pResHandler = saved;
+        state.ResetColorLoader();
+    }
 }
 
 TEST_F(RecipientBox, ManyLivesLeaveNothingBehind)
