@@ -4,55 +4,31 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <string>
 
 #include "zcmod/ResourceIds.h"
 #include "zcmod/SearchEngineControl.h"
 
-namespace {
-
-bool Allowed(const std::wstring& contact, long addressFilter)
-{
-    std::wstring name, address;
-    CSearchEngineControl::GetNameAndAddress(contact, name, address);
-    const bool email = CSearchEngineControl::IsValidEmailAddress(address) != 0;
-    return email ? (addressFilter & CSearchEngineControl::kFilterEmail) != 0
-                 : (addressFilter & CSearchEngineControl::kFilterPhone) != 0;
-}
-
-}  // namespace
-
 CSeRecipentDlg::CSeRecipentDlg() : CDkhDialog(IDD_ZCMOD_RECIPIENTS), m_lAddressFilter(3) {}
 
-std::vector<std::wstring> CSeRecipentDlg::FindContacts(const std::wstring& filter, long addressFilter)
+std::vector<std::wstring> CSeRecipentDlg::Filter(const std::vector<std::wstring>& all, const std::wstring& filter)
 {
-    std::vector<std::wstring> found;
-    auto search = [&](std::wstring text) {
-        std::vector<std::wstring> part;
-        CSearchEngineControl::SearchValues(text, true, part);
-        if (part.empty())
-            CSearchEngineControl::SearchValues(text, false, part);
-        for (const std::wstring& contact : part)
-            if (Allowed(contact, addressFilter) && std::find(found.begin(), found.end(), contact) == found.end())
-                found.push_back(contact);
-    };
-    const bool limited = CSearchEngineControl::m_bApplySearchLimit;
-    CSearchEngineControl::m_bApplySearchLimit = false;
-    if (!filter.empty()) {
-        search(filter);
-    } else {
-        // Names begin with a letter of either script the suite speaks, numbers with a digit or '+'.
-        for (wchar_t c = L'a'; c <= L'z'; ++c)
-            search(std::wstring(1, c));
-        for (wchar_t c = 0x05D0; c <= 0x05EA; ++c)
-            search(std::wstring(1, c));
-        for (wchar_t c = L'0'; c <= L'9'; ++c)
-            search(std::wstring(1, c));
-        search(L"+");
-        std::sort(found.begin(), found.end(),
-                  [](const std::wstring& a, const std::wstring& b) { return CSearchEngineControl::WstrCompare(a, b); });
+    if (filter.empty())
+        return all;
+    std::vector<std::wstring> shown;
+    for (const std::wstring& contact : all) {
+        std::wstring name, address;
+        CSearchEngineControl::GetNameAndAddress(contact, name, address);
+        bool match = CSearchEngineControl::IsSearchedName(filter, address) != 0;
+        for (size_t word = 0; !match && word < name.size(); word = name.find(L' ', word)) {
+            while (word < name.size() && name[word] == L' ')
+                ++word;
+            match = word < name.size() && CSearchEngineControl::IsSearchedName(filter, name.substr(word));
+        }
+        if (match)
+            shown.push_back(contact);
     }
-    CSearchEngineControl::m_bApplySearchLimit = limited;
-    return found;
+    return shown;
 }
 
 INT_PTR CSeRecipentDlg::OnInitDialog()
@@ -66,6 +42,10 @@ INT_PTR CSeRecipentDlg::OnInitDialog()
     column.mask = LVCF_WIDTH;
     column.cx = r.right - r.left - GetSystemMetrics(SM_CXVSCROLL);
     ListView_InsertColumn(list, 0, &column);
+    const long filter = CSearchEngineControl::m_lAddressFilter;
+    CSearchEngineControl::m_lAddressFilter = m_lAddressFilter;
+    CSearchEngineControl::ListContacts(m_all);
+    CSearchEngineControl::m_lAddressFilter = filter;
     // What the row already holds starts out chosen.
     size_t from = 0;
     while (from < m_strText.size()) {
@@ -91,7 +71,7 @@ void CSeRecipentDlg::Refill()
     GetDlgItemTextW(m_hWnd, IDC_ZCMOD_RECIPIENTS_FILTER, filter, 256);
     std::wstring text = filter;
     CSearchEngineControl::TrimBlanks(text);
-    m_shown = FindContacts(text, m_lAddressFilter);
+    m_shown = Filter(m_all, text);
     SendMessageW(list, WM_SETREDRAW, FALSE, 0);
     ListView_DeleteAllItems(list);
     for (size_t i = 0; i < m_shown.size(); ++i) {

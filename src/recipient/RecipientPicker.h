@@ -20,9 +20,9 @@ public:
     const std::wstring& GetText() const { return m_strText; }
     void SetAddressFilter(long filter) { m_lAddressFilter = filter; }
 
-    // The contacts the search gives for `filter`, each once, in the search's order; with an empty filter,
-    // those beginning with any letter or digit.
-    static std::vector<std::wstring> FindContacts(const std::wstring& filter, long addressFilter);
+    // The entries of `all` whose name has a word beginning with `filter`, or whose address begins with it,
+    // ignoring case; all of them for an empty filter.
+    static std::vector<std::wstring> Filter(const std::vector<std::wstring>& all, const std::wstring& filter);
 
 protected:
     INT_PTR DialogProc(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -34,6 +34,7 @@ private:
 
     std::wstring m_strText;
     long m_lAddressFilter;
+    std::vector<std::wstring> m_all;    // every contact of the phones, read when the dialog opens
     std::vector<std::wstring> m_shown;
     std::vector<std::wstring> m_chosen;  // kept across filter changes
 };

@@ -24,6 +24,7 @@
 #include "TestSkins.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/ResHandler.h"
+#include "zcmod/ResourceIds.h"
 #include "zcmod/SearchEngineControl.h"
 
 using namespace zcmod_test;
@@ -484,6 +485,65 @@ TEST_F(RecipientBox, RightToLeftTextWrapsAddressesInDirectionMarks)
         parent = nullptr;
     }
     state.m_pResHandler = saved;
+}
+
+// The picker button opens the list of the phone's contacts; the filter narrows it, a checked contact joins what
+// the row held on OK, and Cancel changes nothing. The dialog is driven from a second thread, which also ends it
+// should it stay open.
+TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
+{
+    Make();
+    const struct {
+        WORD key;
+        const wchar_t* text;
+    } cases[] = {{VK_RETURN, L"zed; John Smith <555>; "}, {VK_ESCAPE, L"zed; "}};
+    for (const auto& c : cases) {
+        box->SetText(L"zed; ", 0);
+        std::atomic<int> listed{-1}, filtered{-1};
+        std::atomic<bool> done{false};
+        std::thread driver([&] {
+            HWND dialog = nullptr;
+            for (int i = 0; i < 500 && !dialog; ++i, Sleep(20))
+                EnumThreadWindows(
+                    GetWindowThreadProcessId(parent, nullptr),
+                    [](HWND hwnd, LPARAM found) -> BOOL {
+                        if (GetDlgItem(hwnd, IDC_ZCMOD_RECIPIENTS_LIST) && IsWindowVisible(hwnd))
+                            *reinterpret_cast<HWND*>(found) = hwnd;
+                        return TRUE;
+                    },
+                    reinterpret_cast<LPARAM>(&dialog));
+            if (!dialog)
+                return;
+            HWND contacts = GetDlgItem(dialog, IDC_ZCMOD_RECIPIENTS_LIST);
+            listed = static_cast<int>(SendMessageW(contacts, LVM_GETITEMCOUNT, 0, 0));
+            SendMessageW(GetDlgItem(dialog, IDC_ZCMOD_RECIPIENTS_FILTER), WM_SETTEXT, 0,
+                         reinterpret_cast<LPARAM>(L"smi"));
+            filtered = static_cast<int>(SendMessageW(contacts, LVM_GETITEMCOUNT, 0, 0));
+            LVITEMW state = {};
+            state.stateMask = LVIS_STATEIMAGEMASK;
+            state.state = INDEXTOSTATEIMAGEMASK(2);
+            SendMessageW(contacts, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&state));
+            SetForegroundWindow(dialog);
+            Key(c.key);
+            for (int i = 0; i < 250 && IsWindow(dialog); ++i)
+                Sleep(20);
+            if (IsWindow(dialog))  // the watchdog: end it, the test fails on the text
+                PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+            done = true;
+        });
+        RECT button;
+        GetWindowRect(CSearchEngineControl::GetButton(0), &button);
+        input::MoveTo({(button.left + button.right) / 2, (button.top + button.bottom) / 2});
+        input::LeftDown();
+        input::LeftUp();
+        PumpUntil([&] { return done.load(); }, 15000);
+        driver.join();
+        Recorder::Pump(50);
+        EXPECT_EQ(listed, 4);  // every contact of the phone, one line per number and address, in the user's order
+        EXPECT_EQ(filtered, 1);
+        EXPECT_EQ(Text(), c.text);
+    }
+    EXPECT_EQ(Effects(5, 21), static_cast<DWORD>(0));  // cancelled: "zed" alone, nothing underlined
 }
 
 // One known, one unknown and one malformed recipient: underlined, plain, in italics; the theme's colours; the
