@@ -81,6 +81,10 @@
 #define ZLR_STR_RECIPIENT_CC 0x80EB
 #define ZLR_STR_RECIPIENT_BCC 0x80EC
 
+/* Graphics module: the icon of the recipient box's picker buttons, and its disabled look. */
+#define ZGR_BMP_RECIPIENT_PICKER 0x84E6
+#define ZGR_BMP_RECIPIENT_PICKER_DISABLED 0x84E7
+
 /* The library's own module: plain dialog templates served by CDkhDialog, in English and Hebrew. */
 #define IDD_ZCMOD_SYSTEM_INFORMATION 105
 #define IDC_ZCMOD_SYSTEM_INFORMATION_TEXT 1001

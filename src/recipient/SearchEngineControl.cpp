@@ -16,6 +16,7 @@
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
 #include "zcmod/SearchEngineControl.h"
+#include "zcmod/VuikCommonButtonCtrl.h"
 #include "zcmod/VuikLib.h"
 
 short CSearchEngineControl::m_sMaxLines = 3;
@@ -47,7 +48,7 @@ constexpr int kRowStep = 55;
 constexpr int kGap = 5;
 constexpr DWORD kEditStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN | WS_TABSTOP | WS_VSCROLL |
                              ES_MULTILINE | ES_AUTOVSCROLL;
-constexpr DWORD kButtonStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP | BS_PUSHBUTTON;
+constexpr DWORD kButtonStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP;
 constexpr DWORD kListStyle = WS_CHILD | WS_BORDER | WS_VSCROLL | LBS_NOTIFY | LBS_HASSTRINGS;
 const UINT kLabelIds[3] = {ZLR_STR_RECIPIENT_TO, ZLR_STR_RECIPIENT_CC, ZLR_STR_RECIPIENT_BCC};
 
@@ -55,6 +56,7 @@ const UINT kLabelIds[3] = {ZLR_STR_RECIPIENT_TO, ZLR_STR_RECIPIENT_CC, ZLR_STR_R
 HWND g_host = nullptr;
 HWND g_edit[3] = {};
 HWND g_button[3] = {};
+std::unique_ptr<CVuikCommonButtonCtrl> g_buttonCtrl[3];
 WNDPROC g_hostProc = nullptr;
 WNDPROC g_editProc[3] = {};
 WNDPROC g_buttonProc[3] = {};
@@ -173,6 +175,7 @@ void CSearchEngineControl::DestroyBox()
     g_host = nullptr;
     m_wndContactListBox = nullptr;
     for (int i = 0; i < 3; ++i) {
+        g_buttonCtrl[i].reset();
         g_edit[i] = g_button[i] = nullptr;
         g_editProc[i] = g_buttonProc[i] = nullptr;
         m_sLineCount[i] = 1;
@@ -207,7 +210,7 @@ int CSearchEngineControl::Create(void* /*reserved*/, unsigned long style, RECT r
     const bool rtl = LanguageIsRtl();
     const HINSTANCE instance = m_hInstance ? m_hInstance : GetModuleHandleW(nullptr);
 
-    g_host = CreateWindowExW(0, L"Static", L"", (style | WS_CHILD | WS_CLIPCHILDREN) & ~SS_TYPEMASK, rect.left,
+    g_host = CreateWindowExW(0, L"Static", L"", ((style | WS_CHILD | WS_CLIPCHILDREN) & ~SS_TYPEMASK) | SS_NOTIFY, rect.left,
                              rect.top, rect.right - rect.left, rect.bottom - rect.top, parent,
                              reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), instance, nullptr);
     if (!g_host) {
@@ -230,11 +233,31 @@ int CSearchEngineControl::Create(void* /*reserved*/, unsigned long style, RECT r
     for (int i = 0; i < m_iControlCount; ++i) {
         const std::wstring label = (m_lRecipientMode[i] >= 0 && m_lRecipientMode[i] < 3) ? Label(m_lRecipientMode[i])
                                                                                         : std::wstring();
-        // The picker button of the row.
-        g_button[i] = CreateWindowExW(rowExStyle, L"Button", label.c_str(), kButtonStyle, 0, i * kRowStep,
-                                      m_iButtonWidth, m_iButtonHeight, g_host,
-                                      reinterpret_cast<HMENU>(static_cast<UINT_PTR>(m_iControlIDs[i][1])), instance,
-                                      nullptr);
+        // The picker button of the row: the suite's large icon button, centred in its cell, its pictures and
+        // icon out of the theme.
+        g_buttonCtrl[i].reset(new CVuikCommonButtonCtrl());
+        const HINSTANCE resources = CVuikLib::GetResourceInstance();
+        CVuikLib::SetResourceInstance(ZCMOD_GetCommonZGR());
+        RECT cell = {0, i * kRowStep, m_iButtonWidth, i * kRowStep + m_iButtonHeight};
+        g_button[i] = g_buttonCtrl[i]->Create(g_host, cell, m_iControlIDs[i][1], kButtonStyle, rowExStyle,
+                                              CommonButtonLarge);
+        if (g_button[i]) {
+            g_buttonCtrl[i]->SetButtonIcon(ZGR_BMP_RECIPIENT_PICKER, ZGR_BMP_RECIPIENT_PICKER_DISABLED, FALSE);
+            RECT made;
+            GetClientRect(g_button[i], &made);
+            if (made.right <= 0 || made.bottom <= 0) {
+                // A theme without the button's pictures: the button keeps its whole cell.
+                made = {0, 0, m_iButtonWidth, m_iButtonHeight};
+                SetWindowPos(g_button[i], nullptr, 0, 0, made.right, made.bottom,
+                             SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+            }
+            SetWindowPos(g_button[i], nullptr, (m_iButtonWidth - made.right) / 2,
+                         cell.top + (m_iButtonHeight - made.bottom) / 2, 0, 0,
+                         SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+            SetWindowTextW(g_button[i], label.c_str());
+            g_buttonCtrl[i]->SetTooltip(label.c_str());
+        }
+        CVuikLib::SetResourceInstance(resources);
         if (g_button[i])
             g_buttonProc[i] = reinterpret_cast<WNDPROC>(
                 SetWindowLongPtrW(g_button[i], GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(ButtonProc)));
@@ -980,9 +1003,11 @@ LRESULT CALLBACK CSearchEngineControl::HostWindowProc(HWND hwnd, UINT message, W
             RECT r;
             GetWindowRect(g_button[i], &r);
             MapWindowPoints(nullptr, hwnd, reinterpret_cast<POINT*>(&r), 2);
-            const int right = std::max(r.left, r.right), top = std::min(r.top, r.bottom);
+            // The label stands right of the button's cell, over the edit box.
+            const int buttonWidth = g_box ? g_box->m_iButtonWidth : 50, buttonHeight = g_box ? g_box->m_iButtonHeight : 50;
+            const int cellTop = std::min(r.top, r.bottom) - (buttonHeight - (r.bottom - r.top)) / 2;
             const std::wstring label = Label(i);
-            TextOutW(dc, right + kGap, top + 3, label.c_str(), static_cast<int>(label.size()));
+            TextOutW(dc, buttonWidth + kGap, cellTop + 3, label.c_str(), static_cast<int>(label.size()));
         }
         SelectObject(dc, old);
         DeleteObject(font);

@@ -125,6 +125,13 @@ class RecipientBox : public ::testing::Test {
 protected:
     void SetUp() override
     {
+        // The installed suite's language and theme, read by a resource handler of the test's own.
+        suite.SetMachineTheme(L"Default");
+        suite.SetUserTheme(L"Default");
+        suite.SetLanguage(L"eng");
+        handler = std::make_unique<CResHandler>();
+        savedHandler = CCommonModuleState::Get().m_pResHandler;
+        CCommonModuleState::Get().m_pResHandler = handler.get();
         service.UseStandIns();
         CSearchEngineControl::SetSearchLimit(1);
         CSearchEngineControl::SetResultLimit(0);
@@ -154,6 +161,8 @@ protected:
         CSearchEngineControl::SetSearchDelay(2000);
         CSearchEngineControl::SetAddressFilter(3);
         TerminateAllInterfaces();
+        CCommonModuleState::Get().m_pResHandler = savedHandler;
+        handler.reset();
     }
 
     // The box in a parent of its own; `mirrored` gives the parent a right-to-left layout, as a right-to-left
@@ -206,6 +215,9 @@ protected:
     int ListCount() { return static_cast<int>(SendMessageW(list, LB_GETCOUNT, 0, 0)); }
     void WaitForSearch() { Recorder::Pump(CSearchEngineControl::GetSearchDelay() + 150); }
 
+    SuiteRegistry suite;
+    std::unique_ptr<CResHandler> handler;
+    CResHandler* savedHandler = nullptr;
     ServiceRegistry service;
     Phones phones;
     std::string cards = Card("Smith", "John", "TEL:555") + Card("Lee", "Ann", "TEL:040123") +
@@ -298,7 +310,10 @@ TEST_F(RecipientBox, FinishingMarksKnownUnknownAndMalformedRecipients)
         const LONG length = static_cast<LONG>(Text().find(L';'));
         EXPECT_EQ(Effects(0, length), c.effects);
         EXPECT_EQ(closer.Closed(), c.messages);
-        EXPECT_EQ(GetFocus(), edit);  // the message gives the focus back
+        // The message gives the focus back (the window system may take a moment to reactivate the parent).
+        EXPECT_TRUE(PumpUntil([&] { return GetFocus() == edit; }, 2000));
+        SetForegroundWindow(parent);
+        SetFocus(edit);
     }
     wchar_t recipients[256] = {};
     SetWindowTextW(edit, L"Ann Lee <040123>; bob@x.org;  Zed ; ");
