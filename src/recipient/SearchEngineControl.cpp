@@ -43,6 +43,7 @@ namespace {
 
 constexpr UINT_PTR kSearchTimer = 1;
 constexpr UINT kListChosen = 0x464;  // an item of the drop-down list was chosen; wParam its index
+constexpr UINT kFinishLater = WM_APP + 1;  // posted at a focus loss: finish the recipient
 constexpr int kListId = 0x75FC;
 constexpr int kRowStep = 55;
 constexpr int kGap = 5;
@@ -543,8 +544,10 @@ LRESULT CALLBACK CSearchEngineControl::RichEditProc(HWND hwnd, UINT message, WPA
     switch (message) {
     case WM_KILLFOCUS: {
         const LRESULT result = CallWindowProcW(previous, hwnd, message, wParam, lParam);
+        // The recipient is finished once the focus change is over: a box that loses the focus because it
+        // is going away is gone by then, and finishes nothing (no message may show while it is destroyed).
         if (reinterpret_cast<HWND>(wParam) != m_wndContactListBox)
-            SendMessageW(hwnd, WM_KEYDOWN, VK_RETURN, 0);
+            PostMessageW(hwnd, kFinishLater, 0, 0);
         return result;
     }
     case WM_KEYDOWN:
@@ -607,6 +610,10 @@ LRESULT CALLBACK CSearchEngineControl::RichEditProc(HWND hwnd, UINT message, WPA
         if (wParam == L'\r' || wParam == L'\n' || wParam == L'\t' || wParam == 0x1B)
             return 0;  // handled as keys
         return CallWindowProcW(previous, hwnd, message, wParam, lParam);
+    case kFinishLater:
+        if (GetFocus() != hwnd)
+            SendMessageW(hwnd, WM_KEYDOWN, VK_RETURN, 0);
+        return 0;
     case WM_TIMER:
         if (wParam == kSearchTimer) {
             KillTimer(hwnd, kSearchTimer);
