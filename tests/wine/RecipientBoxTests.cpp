@@ -161,6 +161,8 @@ protected:
         CSearchEngineControl::SetSearchDelay(2000);
         CSearchEngineControl::SetAddressFilter(3);
         TerminateAllInterfaces();
+        // This test's phones are gone: the next search must not ask the cache about them.
+        CSearchEngineControl::m_vecDeviceSerials.clear();
         CCommonModuleState::Get().m_pResHandler = savedHandler;
         handler.reset();
     }
