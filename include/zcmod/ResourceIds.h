@@ -76,6 +76,15 @@
 #define ZLR_STR_RECIPIENT_PHONE_OR_EMAIL 0x8346
 #define ZLR_STR_RECIPIENT_UNKNOWN 0x8347
 
+/* Language module: the labels of the recipient box's rows. */
+#define ZLR_STR_RECIPIENT_TO 0x80EA
+#define ZLR_STR_RECIPIENT_CC 0x80EB
+#define ZLR_STR_RECIPIENT_BCC 0x80EC
+
+/* Graphics module: the icon of the recipient box's picker buttons, and its disabled look. */
+#define ZGR_BMP_RECIPIENT_PICKER 0x84E6
+#define ZGR_BMP_RECIPIENT_PICKER_DISABLED 0x84E7
+
 /* The library's own module: plain dialog templates served by CDkhDialog, in English and Hebrew. */
 #define IDD_ZCMOD_SYSTEM_INFORMATION 105
 #define IDC_ZCMOD_SYSTEM_INFORMATION_TEXT 1001
