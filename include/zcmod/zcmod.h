@@ -18,6 +18,8 @@
 #include "zcmod/VuikButtonImpl.h"
 #include "zcmod/VuikLib.h"
 #include "zcmod/VuikMessages.h"
+#include "zcmod/VuikComboBoxCtrl.h"
+#include "zcmod/VuikStepBarCtrl.h"
 #include "zcmod/VuikTabCtrl.h"
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
