@@ -34,6 +34,7 @@ std::unique_ptr<GalleryPage> MakeSkinPage();
 std::unique_ptr<GalleryPage> MakeDevicePage();
 std::unique_ptr<GalleryPage> MakeRtlPage();
 std::unique_ptr<GalleryPage> MakeTabsPage();
+std::unique_ptr<GalleryPage> MakeWizardPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

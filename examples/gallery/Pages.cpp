@@ -9,5 +9,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeDevicePage());
     pages.push_back(MakeRtlPage());
     pages.push_back(MakeTabsPage());
+    pages.push_back(MakeWizardPage());
     return pages;
 }

@@ -85,6 +85,8 @@ class ComboBox : public ::testing::Test {
 protected:
     void SetUp() override
     {
+        INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_USEREX_CLASSES};
+        InitCommonControlsEx(&classes);
         m_font = CreateFontW(-12, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, NONANTIALIASED_QUALITY, 0,
                              L"Tahoma");
         UseTheme(kDefault);
@@ -208,7 +210,7 @@ protected:
     {
         CVuikComboBoxStateSkin* s = m_combo.GetSkin()->GetStateSkin(state);
         CVuikBitmap* b = which == 0 ? s->m_pLeft : which == 1 ? s->m_pMiddle : s->m_pRight;
-        return b->GetPixel(x, y) & 0xFFFFFF;
+        return testskin::ReadBitmap(b->GetPrimary()).At(x, y);
     }
 
     zcmod_test::SuiteRegistry m_registry;
