@@ -573,29 +573,8 @@ LRESULT CALLBACK CVuikComboBoxListCtrl::WindowProc(HWND hwnd, UINT message, WPAR
     WNDPROC previous = self->m_pfnPrevWindowProc;
     if (message == WM_NCDESTROY)
         self->UnsubclassWindow(1);
-    if (message == WM_TIMER && wParam == m_toolTipTimerID)
-        return 0;
-    // The list changes the combo's selection, and opens and closes, without a message to the combo that
-    // would tell it to repaint: the closed control's picture follows here.
-    HWND combo = message == WM_NCDESTROY ? nullptr : GetWindow(hwnd, GW_OWNER);
-    if (combo && reinterpret_cast<WNDPROC>(GetWindowLongPtrW(combo, GWLP_WNDPROC)) != CVuikComboBoxCtrl::WindowProc)
-        combo = nullptr;
-    const LRESULT before = combo ? ::SendMessageW(combo, CB_GETCURSEL, 0, 0) : 0;
-    const LRESULT result = previous ? CallWindowProcW(previous, hwnd, message, wParam, lParam)
-                                    : DefWindowProcW(hwnd, message, wParam, lParam);
-    if (combo && IsWindow(combo)) {
-        bool changed = ::SendMessageW(combo, CB_GETCURSEL, 0, 0) != before;
-        if (message == WM_WINDOWPOSCHANGED && lParam &&
-            (reinterpret_cast<WINDOWPOS*>(lParam)->flags & (SWP_SHOWWINDOW | SWP_HIDEWINDOW)))
-            changed = true;
-        if (message == WM_SHOWWINDOW)
-            changed = true;
-        if (changed) {
-            ::SendMessageW(combo, WM_VUIK_INVALIDATE_BACKBUFFER, 0, 0);
-            InvalidateRect(combo, nullptr, FALSE);
-        }
-    }
-    return result;
+    return previous ? CallWindowProcW(previous, hwnd, message, wParam, lParam)
+                    : DefWindowProcW(hwnd, message, wParam, lParam);
 }
 
 // --- Control ------------------------------------------------------------------------------------------------
@@ -995,12 +974,5 @@ LRESULT CALLBACK CVuikComboBoxCtrl::WindowProc(HWND hwnd, UINT message, WPARAM w
         default:
             break;
     }
-    const int before = static_cast<int>(self->CallSuperWindowProc(hwnd, CB_GETCURSEL, 0, 0));
-    const LRESULT result = self->CallSuperWindowProc(hwnd, message, wParam, lParam);
-    // The platform changes the selection of a closed combo by keyboard and wheel without a message of ours,
-    // and paints the change only through the owner: the picture follows it here.
-    if (IsWindow(hwnd) && message != WM_NCDESTROY &&
-        static_cast<int>(self->CallSuperWindowProc(hwnd, CB_GETCURSEL, 0, 0)) != before)
-        self->Refresh(FALSE);
-    return result;
+    return self->CallSuperWindowProc(hwnd, message, wParam, lParam);
 }

@@ -64,6 +64,9 @@ LRESULT CALLBACK LoggingParent(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
 {
     if (message == WM_COMMAND && HIWORD(wParam) == CBN_SELCHANGE)
         ++g_log.selChanges;
+    // A parent of the plain kind, that doesn't hand owner drawing back to its children.
+    if (message == WM_DRAWITEM)
+        return TRUE;
     return CallWindowProcW(g_log.previous, hwnd, message, wParam, lParam);
 }
 
@@ -274,7 +277,15 @@ TEST_F(ComboBox, ChoosesWithMouseAndKeyboard)
         ASSERT_TRUE(PumpUntil([&] { return !Dropped(); }));
         msgseq::Recorder::Pump(30);
         EXPECT_EQ(m_combo.GetCurSel(), 4);
-        EXPECT_FALSE(Closed().pixels == chosen.pixels);
+        const Capture last = Closed();
+        EXPECT_FALSE(last.pixels == chosen.pixels);
+
+        // Keyboard on the closed control: an arrow key chooses without opening, and the picture follows.
+        Press(VK_UP);
+        msgseq::Recorder::Pump(30);
+        EXPECT_FALSE(Dropped());
+        EXPECT_EQ(m_combo.GetCurSel(), 3);
+        EXPECT_FALSE(Closed().pixels == last.pixels) << "the closed control didn't repaint the new choice";
     }
 }
 
