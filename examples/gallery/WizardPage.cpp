@@ -1,5 +1,5 @@
 // The step bar's page: a wizard of the kind the suite's applications show to set up a phone, with a step bar
-// over its pages and Back and Next buttons that move it. The bar reports nothing and checks no bounds: the
+// over its pages and Back and Next buttons (skinned push buttons on the gallery's button face) that move it. The bar reports nothing and checks no bounds: the
 // wizard keeps its buttons within the steps, moves the bar and asks it to repaint. A second, smaller bar is a
 // static of the page's own taken over with SubclassWindow.
 //
@@ -7,6 +7,7 @@
 // so that the library's Create finds it whatever instance it names).
 #include <windows.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@
 
 #include "Drawing.h"
 #include "GalleryPage.h"
+#include "art/ButtonArt.h"
 
 using namespace gallery;
 
@@ -73,6 +75,7 @@ public:
         m_bold = SuiteFont(16, FW_BOLD);
         m_title = SuiteFont(20, FW_BOLD);
         m_brush = CreateSolidBrush(window);
+        LoadButtonSkin(window);
 
         const DWORD mirrored = CVuikLib::IsLayoutRTL() ? WS_EX_LAYOUTRTL : 0;
         RECT area;
@@ -112,6 +115,8 @@ public:
         }
         m_panel.DeleteBackBuffer();
         m_panel.m_hWnd = m_bar.m_hWnd = m_small.m_hWnd = nullptr;
+        m_buttons.clear();
+        m_buttonSkin.Unload();
         for (HGDIOBJ* object : {reinterpret_cast<HGDIOBJ*>(&m_font), reinterpret_cast<HGDIOBJ*>(&m_bold),
                                 reinterpret_cast<HGDIOBJ*>(&m_title), reinterpret_cast<HGDIOBJ*>(&m_brush)})
             if (*object) {
@@ -196,17 +201,42 @@ private:
         SendMessageW(label, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
         return label;
     }
+    // The gallery's three-piece button face (art/buttons.py), light or dark with the theme.
+    void LoadButtonSkin(COLORREF window)
+    {
+        const bool dark = GetRValue(window) + GetGValue(window) + GetBValue(window) < 3 * 128;
+        CVuikButtonSkinDef def = CVuikButtonSkin::GetDefaultSkinDef();
+        for (int s = 0; s < 4; ++s) {
+            CVuikButtonStateSkinDef& d = def.m_States[s];
+            const UINT first = IDB_GALLERY_FACE + s * 3 + (dark ? IDB_GALLERY_DARK_OFFSET : 0);
+            d.m_nLeftBitmapId = first;
+            d.m_nMiddleBitmapId = first + 1;
+            d.m_nRightBitmapId = first + 2;
+            d.m_nOffsetX = d.m_nOffsetY = s == ButtonPressed ? 1 : 0;
+            d.m_crText = DkhLoadColor(nullptr, s == ButtonDisabled ? ZGR_COLOR_TEXT_DISABLED : ZGR_COLOR_TEXT);
+            d.m_hFont = m_font;
+        }
+        // The face is the same both ways round: its pieces are taken as drawn.
+        const DWORD layout = CVuikLib::SetLayout(0);
+        m_buttonSkin.SetSkinDef(def);
+        m_buttonSkin.Load();
+        CVuikLib::SetLayout(layout);
+    }
     HWND Button(const wchar_t* text, int x, int y, UINT id)
     {
-        HWND button = CreateWindowExW(0, L"BUTTON", text, WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, x, y,
-                                      80, 28, m_panel.m_hWnd, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)),
-                                      GetModuleHandleW(nullptr), nullptr);
-        SendMessageW(button, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
-        return button;
+        m_buttons.push_back(std::make_unique<CVuikButtonCtrl>());
+        CVuikButtonCtrl& button = *m_buttons.back();
+        HWND hwnd = button.Create(m_panel.m_hWnd, RECT{x, y, x + 90, y + 28}, id,
+                                  WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, 0);
+        button.SetSkin(&m_buttonSkin);
+        SetWindowTextW(hwnd, text);
+        return hwnd;
     }
 
     CPanelSkin m_panelSkin;
     CPanel m_panel;
+    CVuikButtonSkin m_buttonSkin;
+    std::vector<std::unique_ptr<CVuikButtonCtrl>> m_buttons;
     CVuikStepBarCtrl m_bar;
     CVuikStepBarCtrl m_small;
     HWND m_stepTitle = nullptr;

@@ -1,6 +1,7 @@
 #include "recipient/ContactCache.h"
 
 #include <cwchar>
+#include <cwctype>
 
 #include "device/ConnectivityApi.h"
 #include "zcmod/SearchEngineControl.h"
@@ -62,6 +63,33 @@ int CSeCache::LookupAddress(const std::wstring& text, const std::vector<std::wst
     return Reduce(codes);
 }
 
+namespace {
+
+// Text folded the way the C runtime's case-blind comparisons fold it, one character at a time.
+std::wstring Fold(const std::wstring& text)
+{
+    std::wstring folded(text);
+    for (wchar_t& c : folded)
+        c = static_cast<wchar_t>(towlower(c));
+    return folded;
+}
+
+bool BeginsWith(const std::wstring& text, const std::wstring& prefix)
+{
+    return text.size() >= prefix.size() && text.compare(0, prefix.size(), prefix) == 0;
+}
+
+}  // namespace
+
+void CSeCache::KeyList::Add(const std::wstring& key)
+{
+    std::wstring foldedKey = Fold(key);
+    if (!present.insert(foldedKey).second)
+        return;
+    keys.push_back(key);
+    folded.push_back(std::move(foldedKey));
+}
+
 int CSeCache::LookupNameOn(const std::wstring& serial, const std::wstring& text, std::vector<std::wstring>& results)
 {
     CAutoLock lock(&m_lock);
@@ -69,16 +97,16 @@ int CSeCache::LookupNameOn(const std::wstring& serial, const std::wstring& text,
     if (text.empty())
         return kNothing;
     // A name is answered by prefix: every contact stored under a key that begins with this one.
-    const std::wstring key = MakeKey(serial, text);
+    const std::wstring key = Fold(MakeKey(serial, text));
     const size_t behind = serial.size() + 1;
-    for (const std::wstring& entry : m_found)
-        if (entry.size() >= key.size() && _wcsnicmp(entry.c_str(), key.c_str(), key.size()) == 0)
-            results.push_back(entry.substr(behind));
+    for (size_t i = 0; i < m_found.folded.size(); ++i)
+        if (BeginsWith(m_found.folded[i], key))
+            results.push_back(m_found.keys[i].substr(behind));
     if (!results.empty())
         return kFound;
     // A longer text can't match where a shorter one found nothing.
-    for (const std::wstring& entry : m_notFoundNames)
-        if (key.size() >= entry.size() && _wcsnicmp(key.c_str(), entry.c_str(), entry.size()) == 0)
+    for (const std::wstring& entry : m_notFoundNames.folded)
+        if (BeginsWith(key, entry))
             return kNothing;
     return kUnknown;
 }
@@ -90,44 +118,33 @@ int CSeCache::LookupAddressOn(const std::wstring& serial, const std::wstring& te
     results.clear();
     if (text.empty())
         return kNothing;
-    // An address is answered only by an exact match.
+    // An address is answered only by an exact match, of the serial as written and the address without case.
     const std::wstring prefix = serial + L":";
-    for (const std::wstring& entry : m_found) {
-        if (entry.compare(0, prefix.size(), prefix) != 0)
+    const std::wstring address = Fold(text);
+    for (const std::wstring& entry : m_found.keys) {
+        if (!BeginsWith(entry, prefix))
             continue;
         const std::wstring contact = entry.substr(prefix.size());
-        std::wstring name, address;
-        CSearchEngineControl::GetNameAndAddress(contact, name, address);
-        if (_wcsicmp(address.c_str(), text.c_str()) == 0)
+        std::wstring name, found;
+        CSearchEngineControl::GetNameAndAddress(contact, name, found);
+        if (Fold(found) == address)
             results.push_back(contact);
     }
     if (!results.empty())
         return kFound;
-    const std::wstring key = MakeKey(serial, text);
-    for (const std::wstring& entry : m_notFoundAddresses)
-        if (_wcsicmp(entry.c_str(), key.c_str()) == 0)
-            return kNothing;
-    return kUnknown;
-}
-
-void CSeCache::AddUnique(std::list<std::wstring>& list, const std::wstring& entry)
-{
-    for (const std::wstring& present : list)
-        if (_wcsicmp(present.c_str(), entry.c_str()) == 0)
-            return;
-    list.push_back(entry);
+    return m_notFoundAddresses.present.count(Fold(MakeKey(serial, text))) ? kNothing : kUnknown;
 }
 
 void CSeCache::AddNotFoundName(const std::wstring& serial, const std::wstring& text)
 {
     CAutoLock lock(&m_lock);
-    AddUnique(m_notFoundNames, MakeKey(serial, text));
+    m_notFoundNames.Add(MakeKey(serial, text));
 }
 
 void CSeCache::AddNotFoundAddress(const std::wstring& serial, const std::wstring& text)
 {
     CAutoLock lock(&m_lock);
-    AddUnique(m_notFoundAddresses, MakeKey(serial, text));
+    m_notFoundAddresses.Add(MakeKey(serial, text));
 }
 
 void CSeCache::AddFound(const std::wstring& serial, const std::vector<std::wstring>& results)
@@ -135,8 +152,8 @@ void CSeCache::AddFound(const std::wstring& serial, const std::vector<std::wstri
     for (const std::wstring& contact : results) {
         const std::wstring swapped = CSearchEngineControl::SwapNameWords(contact);
         CAutoLock lock(&m_lock);
-        AddUnique(m_found, MakeKey(serial, contact));
-        AddUnique(m_found, MakeKey(serial, swapped));
+        m_found.Add(MakeKey(serial, contact));
+        m_found.Add(MakeKey(serial, swapped));
     }
 }
 

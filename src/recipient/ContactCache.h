@@ -5,9 +5,9 @@
 
 #include <windows.h>
 
-#include <list>
 #include <map>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "device/ServiceTypes.h"
@@ -50,13 +50,21 @@ public:
     static std::wstring MakeKey(const std::wstring& serial, const std::wstring& text);
 
 private:
+    // A list of keys in the order they were added, each kept also case-folded, so that the comparisons that
+    // ignore case are plain comparisons of folded text, and a set of the folded keys answers "already there".
+    struct KeyList {
+        std::vector<std::wstring> keys;
+        std::vector<std::wstring> folded;
+        std::unordered_set<std::wstring> present;
+        void Add(const std::wstring& key);
+    };
+
     int LookupNameOn(const std::wstring& serial, const std::wstring& text, std::vector<std::wstring>& results);
     int LookupAddressOn(const std::wstring& serial, const std::wstring& text, std::vector<std::wstring>& results);
-    static void AddUnique(std::list<std::wstring>& list, const std::wstring& entry);
 
-    std::list<std::wstring> m_notFoundNames;
-    std::list<std::wstring> m_notFoundAddresses;
-    std::list<std::wstring> m_found;
+    KeyList m_notFoundNames;
+    KeyList m_notFoundAddresses;
+    KeyList m_found;
     CRITICAL_SECTION m_lock;
 };
 

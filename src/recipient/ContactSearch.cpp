@@ -2,6 +2,7 @@
 // interface, each answer remembered per phone in the contact cache.
 #include <algorithm>
 #include <memory>
+#include <unordered_set>
 
 #include "device/ConnectivityApi.h"
 #include "device/core/ContactFieldTypes.h"
@@ -55,11 +56,20 @@ std::wstring LastPart(const ContactItem& item, DWORD subType)
     return part;
 }
 
-void AddUnique(std::vector<std::wstring>& results, const std::wstring& entry)
-{
-    if (std::find(results.begin(), results.end(), entry) == results.end())
-        results.push_back(entry);
-}
+// The results of a search, each contact string once.
+class ResultSet {
+public:
+    explicit ResultSet(std::vector<std::wstring>& results) : m_results(results), m_present(results.begin(), results.end()) {}
+    void Add(const std::wstring& entry)
+    {
+        if (m_present.insert(entry).second)
+            m_results.push_back(entry);
+    }
+
+private:
+    std::vector<std::wstring>& m_results;
+    std::unordered_set<std::wstring> m_present;
+};
 
 // One search on the current connection; calls `each` for every match and frees it afterwards.
 template <class F>
@@ -210,6 +220,7 @@ void CSearchEngineControl::SearchValues2(const wchar_t* serial, std::wstring& te
         }
     }
 
+    ResultSet unique(results);
     if (CheckConnection(serial) == S_OK) {
         for (int pass = 0; pass < 2; ++pass) {
             // The second pass finds the text at the beginning of a later word.
@@ -239,7 +250,7 @@ void CSearchEngineControl::SearchValues2(const wchar_t* serial, std::wstring& te
                         for (BYTE i = 0; item.pNumbers && i < item.bNumberCount; ++i) {
                             const std::wstring value = Value(item.pNumbers[i]);
                             if (!value.empty() && value.compare(0, text.size(), text) == 0)
-                                AddUnique(results, CreateContactString(name, value));
+                                unique.Add(CreateContactString(name, value));
                         }
                     });
                     continue;
@@ -271,7 +282,7 @@ void CSearchEngineControl::SearchValues2(const wchar_t* serial, std::wstring& te
                     if (firstWordOnly && !IsSearchedName(text, primary))
                         return;
                     auto add = [&](const ContactField& entry) {
-                        AddUnique(results, entry.pstrValue ? CreateContactString(primary, entry.pstrValue) : L"");
+                        unique.Add(entry.pstrValue ? CreateContactString(primary, entry.pstrValue) : L"");
                     };
                     if (m_lAddressFilter & 1)
                         for (BYTE i = 0; item.pAddresses && i < item.bAddressCount; ++i) {

@@ -1,7 +1,7 @@
 """The skinned combo box's pieces (ids 5060-5071): a left end, a middle stretched to the control's width and
 a right end holding the drop-down arrow, cut from one rounded face in each of the four states. All 24 pixels
 high: the control takes its height from them, and the platform's item height is 6 less."""
-from draw import Artwork, face_gradient, rounded_rect, state_colour, svg
+from draw import RADIUS, Artwork, face_gradient, rounded_rect, state_colour, svg
 
 HEIGHT = 24
 LEFT_WIDTH = 6
@@ -14,18 +14,25 @@ STATE_IDS = (("normal", 5060), ("disabled", 5063), ("hover", 5066), ("pressed", 
 
 
 def _colours(p, state):
-    face_top = state_colour(p, p.face, state)
-    face_bottom = state_colour(p, p.face_edge, state)
+    """Top and bottom of the face's gradient, its outline and the arrow's colour, as the buttons have them:
+    hover (or focus) lighter with the accent outline, pressed darker and lit from below, disabled greyed."""
     if state == "disabled":
-        return face_top, face_bottom, p.border_disabled, p.text_disabled
-    # Under the mouse or with the focus the outline takes the accent; pressed, its darker kind.
-    border = {"hover": p.accent, "pressed": p.accent_dark}.get(state, p.border)
-    return face_top, face_bottom, border, p.glyph
+        return p.face_disabled, p.face_disabled, p.border_disabled, p.text_disabled
+    top = state_colour(p, p.face, state)
+    bottom = state_colour(p, p.face_edge, state)
+    if state == "pressed":
+        return bottom, top, p.border_strong, p.glyph
+    return top, bottom, p.accent if state == "hover" else p.border, p.glyph
 
 
 def _face(p, state, offset, gid):
     top, bottom, border, _ = _colours(p, state)
-    return face_gradient(gid, top, bottom) + rounded_rect(offset, 0, LONG, HEIGHT, "url(#%s)" % gid, border)
+    body = face_gradient(gid, top, bottom) + rounded_rect(offset, 0, LONG, HEIGHT, "url(#%s)" % gid, border)
+    if state in ("normal", "hover"):
+        # A highlight along the top edge, under the outline, as on the buttons.
+        body += ('<line x1="%d" y1="1.5" x2="%d" y2="1.5" stroke="#ffffff" stroke-opacity="%s"/>'
+                 % (offset + RADIUS, offset + LONG - RADIUS, "0.55" if p.name == "Default" else "0.10"))
+    return body
 
 
 def left(state):
