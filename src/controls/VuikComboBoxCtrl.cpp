@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "controls/core/ControlText.h"
 #include "frame/Handles.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
@@ -475,8 +476,7 @@ void CVuikComboBoxListCtrl::SetFont(HFONT font, BOOL redraw)
 
 void CVuikComboBoxListCtrl::ReplaceAmpersand(std::wstring& text)
 {
-    for (size_t at = text.find(L"&&"); at != std::wstring::npos; at = text.find(L"&&", at))
-        text.erase(at, 1);
+    zcmod::CollapseAmpersandRuns(text);
 }
 
 void CVuikComboBoxListCtrl::HideTip()

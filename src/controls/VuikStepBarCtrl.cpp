@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include "controls/core/ControlText.h"
 #include "frame/Handles.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/VuikBitmap.h"
@@ -109,33 +110,22 @@ void CVuikStepBarStateSkin::DrawBackground(CVuikWindow* window, CVuikGraphics* g
     CVuikStepBarCtrl* bar = AsStepBar(window);
     const int n = bar ? bar->GetStepCount() : 0;
     const int c = bar ? bar->GetCurrentStep() : 0;
-    // The steps divide the empty bar's width, not the window's.
-    const int seg = n > 0 ? Width(m_pBackground) / n : 0;
-
+    const zcmod::StepBarLayout layout =
+        zcmod::LayoutStepBar(n, c, width, Width(m_pBackground), Width(m_pLeft), Width(m_pMiddle), Width(m_pRight),
+                             m_pRight != nullptr);
     if (m_pBackground)
         graphics->DrawImage(m_pBackground, 0, 0);
-    int x = 0;
-    if (m_pLeft) {
+    if (m_pLeft)
         graphics->DrawImage(m_pLeft, 0, 0);
-        x = m_pLeft->GetWidth();
-    }
-    const int end = m_pRight ? width - m_pRight->GetWidth() : width;
-    if (m_pRight && c >= n)
-        graphics->DrawImage(m_pRight, end, 0);
-    if (m_pMiddle && m_pMiddle->GetWidth() > 0) {
-        const int tile = m_pMiddle->GetWidth();
-        const int fill = static_cast<int>(static_cast<long long>(seg) * c > width ? width : static_cast<long long>(seg) * c);
-        for (; x < fill; x += tile) {
-            const int w = tile < end - x ? tile : end - x;
-            if (w <= 0)
-                break;
-            RECT dest = {x, 0, x + w, m_pMiddle->GetHeight()};
-            graphics->DrawImage(m_pMiddle, dest, 0, 0, w, m_pMiddle->GetHeight());
-        }
+    if (layout.end)
+        graphics->DrawImage(m_pRight, layout.endX, 0);
+    for (const zcmod::StepBarTile& tile : layout.tiles) {
+        RECT dest = {tile.x, 0, tile.x + tile.width, m_pMiddle->GetHeight()};
+        graphics->DrawImage(m_pMiddle, dest, 0, 0, tile.width, m_pMiddle->GetHeight());
     }
     if (m_pSeparator)
-        for (int i = 1; i < n && static_cast<long long>(i) * seg < width; ++i)
-            graphics->DrawImage(m_pSeparator, i * seg, 0);
+        for (int x : layout.separators)
+            graphics->DrawImage(m_pSeparator, x, 0);
 
     if (!m_pLeft && !m_pMiddle && !m_pRight) {
         HWND hwnd = window ? window->m_hWnd : nullptr;
