@@ -60,6 +60,18 @@ const int kStepCount = sizeof(kSteps) / sizeof(kSteps[0]);
 
 LRESULT CALLBACK PanelProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
+// A push button drawn left to right in a window that is not mirrored, whatever the page's direction: its face
+// is the same both ways round, and its caption reads either way.
+class WizardButton : public CVuikButtonCtrl {
+public:
+    void CreateBackBuffer(int width, int height, CVuikGraphics* graphics) override
+    {
+        const DWORD layout = CVuikLib::SetLayout(0);
+        CVuikButtonCtrl::CreateBackBuffer(width, height, graphics);
+        CVuikLib::SetLayout(layout);
+    }
+};
+
 class WizardPage : public GalleryPage {
 public:
     const wchar_t* Title() const override { return L"Step bar"; }
@@ -224,10 +236,12 @@ private:
     }
     HWND Button(const wchar_t* text, int x, int y, UINT id)
     {
-        m_buttons.push_back(std::make_unique<CVuikButtonCtrl>());
+        m_buttons.push_back(std::make_unique<WizardButton>());
         CVuikButtonCtrl& button = *m_buttons.back();
         HWND hwnd = button.Create(m_panel.m_hWnd, RECT{x, y, x + 90, y + 28}, id,
                                   WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, 0);
+        // Placed by the mirrored page, drawn unmirrored.
+        SetWindowLongPtrW(hwnd, GWL_EXSTYLE, GetWindowLongPtrW(hwnd, GWL_EXSTYLE) & ~static_cast<LONG_PTR>(WS_EX_LAYOUTRTL));
         button.SetSkin(&m_buttonSkin);
         SetWindowTextW(hwnd, text);
         return hwnd;
