@@ -107,4 +107,12 @@
 #define ZGR_BMP_STEPBAR_SEPARATOR 5208
 #define ZGR_BMP_STEPBAR_BACKGROUND 5209
 
+/* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
+   colour; CPNGAnimation plays them in order. */
+#define ZGR_PNG_ANIMATION_FIRST 34030
+#define ZGR_PNG_ANIMATION_LAST 34040
+#define ZGR_PNG_ANIMATION_FRAMES 11
+/* Graphics module: the suite's splash picture, PNG with soft alpha edges, for CVuikSplashScreen. */
+#define ZGR_PNG_SPLASH 34100
+
 #endif
