@@ -26,6 +26,8 @@
 #include "zcmod/VuikLib.h"
 #include "zcmod/VuikListViewCtrl.h"
 #include "zcmod/VuikMessages.h"
+#include "zcmod/VuikComboBoxCtrl.h"
+#include "zcmod/VuikStepBarCtrl.h"
 #include "zcmod/VuikSplashScreen.h"
 #include "zcmod/VuikStaticCtrl.h"
 #include "zcmod/VuikTabCtrl.h"
