@@ -103,8 +103,8 @@ void PngLoad(std::vector<Row>& rows)
     CNBitmapUtil util;
     const std::wstring png = TempFile(L"zcmod_bench.png");
     if (MakePicture(util, BT_IMAGE, 1024, 768) && util.SaveBitmap(png.c_str(), BF_PNG, BT_IMAGE, 0) > 0) {
-        const double ours = Time([&] { return util.NLoadBitmap(png.c_str(), BT_BACKGROUND, 0) != nullptr; });
-        const double reference = Time([&] { return LibpngDecode(png); });
+        const Timing ours = Time([&] { return util.NLoadBitmap(png.c_str(), BT_BACKGROUND, 0) != nullptr; });
+        const Timing reference = Time([&] { return LibpngDecode(png); });
         AddTimes(rows, "PNG load", "1024x768 RGB8", ours, reference, "libpng");
     }
     DeleteFileW(png.c_str());
@@ -122,12 +122,12 @@ void AnimatedGifLoad(std::vector<Row>& rows)
                      reinterpret_cast<void**>(&factory));
     CNBitmapUtil util;
     int frames = 0;
-    const double ours = Time([&] {
+    const Timing ours = Time([&] {
         util.NLoadBitmap(gif.c_str(), BT_IMAGE, 0);
         frames = util.GetNumberOfBitmaps(BT_IMAGE);
         return frames > 1;
     });
-    const double reference = factory.p ? Time([&] { return WicDecodeAll(factory.p, gif) > 1; }) : -1;
+    const Timing reference = factory.p ? Time([&] { return WicDecodeAll(factory.p, gif) > 1; }) : Timing();
     const std::string input = std::to_string(util.GetBitmapWidth(BT_IMAGE)) + "x" +
                               std::to_string(util.GetBitmapHeight(BT_IMAGE)) + ", " + std::to_string(frames) +
                               " frames";
@@ -141,7 +141,7 @@ void ResizeDitherRate(std::vector<Row>& rows)
     if (!MakePicture(util, BT_IMAGE, 1024, 768))
         return;
     const int w = 1280, h = 960;
-    const double ours = Time([&] {
+    const Timing ours = Time([&] {
         util.ResizeDither(BT_IMAGE, 0, 0, 0, 1023, 767, w, h, 4, 200);
         return util.GetBitmapHandle(BT_IMAGE_RESIZED, 0) != nullptr;
     });
@@ -153,7 +153,7 @@ void ResizeDitherRate(std::vector<Row>& rows)
     HGDIOBJ oldTo = SelectObject(to, target);
     SetStretchBltMode(to, HALFTONE);
     SetBrushOrgEx(to, 0, 0, nullptr);
-    const double reference = Time([&] { return StretchBlt(to, 0, 0, w, h, from, 0, 0, 1023, 767, SRCCOPY) != 0; });
+    const Timing reference = Time([&] { return StretchBlt(to, 0, 0, w, h, from, 0, 0, 1023, 767, SRCCOPY) != 0; });
     SelectObject(from, oldFrom);
     SelectObject(to, oldTo);
     DeleteObject(target);
@@ -172,11 +172,11 @@ void AlphaBlendRate(std::vector<Row>& rows)
     if (!MakePicture(util, BT_IMAGE, w, h) || !MakePicture(util, BT_ALPHA, w, h) ||
         !MakePicture(util, BT_BACKGROUND, w, h))
         return;
-    const double ours = Time([&] { return util.AlphaBlendBitmaps(0, 0, 0) == h; });
+    const Timing ours = Time([&] { return util.AlphaBlendBitmaps(0, 0, 0) == h; });
     util.AlphaBlendBitmaps(1, 0, 0);
     const size_t bytes = static_cast<size_t>(util.GetBitmapSize(BT_IMAGE));
     std::vector<unsigned char> a(bytes, 1), b(bytes);
-    const double reference = Time([&] {
+    const Timing reference = Time([&] {
         memcpy(b.data(), a.data(), bytes);
         return b[bytes / 2] == 1;
     });

@@ -29,11 +29,11 @@ void BlenderRate(std::vector<Row>& rows)
         under[i] = static_cast<BYTE>(i >> 3);
         image[i] = static_cast<BYTE>(i * 13 + 5);
     }
-    const double ours = Time([&] {
+    const Timing ours = Time([&] {
         Lib::BlenderFunc(mask.data(), under.data(), image.data(), result.data(), bytes);
         return result[bytes / 2] != 0 || image[bytes / 2] == 0;
     });
-    const double reference = Time([&] {
+    const Timing reference = Time([&] {
         memcpy(result.data(), image.data(), bytes);
         return result[bytes / 2] == image[bytes / 2];
     });
@@ -67,7 +67,7 @@ void MaskedDraw(std::vector<Row>& rows)
     picture.AttachMask(
         Section(size, size, [](int x, int y) { return 0x010101u * static_cast<uint32_t>((x + y) / 2); }));
     CVuikGraphics graphics(target);
-    const double ours = Time([&] {
+    const Timing ours = Time([&] {
         graphics.DrawImage(&picture, 0, 0);
         return true;
     });
@@ -80,7 +80,7 @@ void MaskedDraw(std::vector<Row>& rows)
     HDC from = CreateCompatibleDC(nullptr);
     HGDIOBJ oldFrom = SelectObject(from, source);
     const BLENDFUNCTION blend = {AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
-    const double reference =
+    const Timing reference =
         Time([&] { return AlphaBlend(target, 0, 0, size, size, from, 0, 0, size, size, blend) != 0; });
 
     SelectObject(from, oldFrom);

@@ -5,9 +5,10 @@
 #include <cstring>
 
 #include "frame/BitmapRegion.h"
+#include "frame/DibSection.h"
 #include "frame/Handles.h"
 #include "image/NBitmapInternal.h"
-#include "image/core/PixelMath.h"
+#include "core/PixelMath.h"
 #include "zcmod/NBitmapUtil.h"
 
 using namespace zcmod;
@@ -37,6 +38,22 @@ int HeightOf(const BITMAPINFO* info)
 {
     const LONG height = info->bmiHeader.biHeight;
     return height < 0 ? -height : height;
+}
+
+// The pixels of `frame` when it is a bottom-up 24-bit section with the geometry of `record`'s header, so that
+// its memory is the padded bottom-up layout of the store's transfers; null otherwise.
+uint8_t* InPlaceRows(HBITMAP frame, const CNBitmapUtil::CNBitmap* record)
+{
+    SectionPixels pixels;
+    if (!record || !record->m_pInfo || !GetSectionPixels(frame, pixels) || pixels.bytesPerPixel != 3 ||
+        pixels.topDown)
+        return nullptr;
+    const BITMAPINFOHEADER& header = record->m_pInfo->bmiHeader;
+    if (pixels.width != header.biWidth || pixels.height != HeightOf(record->m_pInfo) ||
+        pixels.stride != record->m_nStride ||
+        static_cast<int64_t>(pixels.stride) * pixels.height != record->m_nSize)
+        return nullptr;
+    return pixels.bits;
 }
 
 int SetOf(int set)
@@ -387,8 +404,9 @@ int CNBitmapUtil::AlphaBlendBitmaps(int mode, int set, int index)
                     break;
             }
             if (!FrameOf(resultStore, index)) {
-                WindowDC screen(nullptr);
-                HBITMAP made = CreateCompatibleBitmap(screen.Get(), image->m_pInfo->bmiHeader.biWidth, rows);
+                // A 24-bit section like the image's frames, so that the blend can write it in place.
+                void* bits = nullptr;
+                HBITMAP made = CreateSection24(image->m_pInfo->bmiHeader.biWidth, rows, &bits);
                 if (!made)
                     break;
                 resultStore->m_hBitmap[index] = made;
@@ -406,9 +424,19 @@ int CNBitmapUtil::AlphaBlendBitmaps(int mode, int set, int index)
                 ReadRows(imageFrame, image->m_pInfo, 0, rows, m_pBlendImage, false);
                 ReadRows(alphaFrame, alpha->m_pInfo, 0, HeightOf(alpha->m_pInfo), m_pBlendAlpha, false);
             }
+            // Where background and result are sections laid out as the buffers are, the blend reads the one and
+            // writes the other in place: one pass over the pixels and no transfer. The kept buffers then hold
+            // the image and the transparency only.
+            const size_t bytesToBlend = static_cast<size_t>(image->m_nSize);
+            uint8_t* backgroundBits = InPlaceRows(backgroundFrame, image);
+            uint8_t* resultBits = InPlaceRows(resultStore->m_hBitmap[index], image);
+            if (backgroundBits && resultBits && HeightOf(resultStore->m_pInfo) == rows) {
+                AlphaBlendBytes(m_pBlendImage, m_pBlendAlpha, backgroundBits, resultBits, bytesToBlend);
+                result = rows;
+                break;
+            }
             ReadRows(backgroundFrame, background->m_pInfo, 0, HeightOf(background->m_pInfo), m_pBlendBackground, false);
-            AlphaBlendBytes(m_pBlendImage, m_pBlendAlpha, m_pBlendBackground, m_pBlendResult,
-                            static_cast<size_t>(image->m_nSize));
+            AlphaBlendBytes(m_pBlendImage, m_pBlendAlpha, m_pBlendBackground, m_pBlendResult, bytesToBlend);
             result = WriteRows(resultStore->m_hBitmap[index], resultStore->m_pInfo, 0, HeightOf(resultStore->m_pInfo),
                                m_pBlendResult, false);
         } while (false);
