@@ -1,10 +1,8 @@
 #include "zcmod/VuikGraphics.h"
 
 #include <cstdint>
-#include <vector>
 
 #include "core/PixelMath.h"
-#include "frame/DibSection.h"
 #include "frame/Handles.h"
 #include "zcmod/VuikBitmap.h"
 #include "zcmod/VuikLib.h"
@@ -12,96 +10,6 @@
 using namespace zcmod;
 
 namespace {
-
-// The rows of one picture part taken in place from a section: a rectangle of the section's pixels.
-struct PartRows {
-    SectionPixels pixels;
-    int left = 0;
-    int top = 0;
-
-    // The row `y` of the part as 24-bit blue, green, red: in place for a 24-bit section, else copied to `scratch`.
-    const uint8_t* Row24(int y, int width, std::vector<uint8_t>& scratch) const
-    {
-        const uint8_t* row = pixels.Row(top + y) + static_cast<ptrdiff_t>(left) * pixels.bytesPerPixel;
-        if (pixels.bytesPerPixel == 3)
-            return row;
-        scratch.resize(static_cast<size_t>(width) * 3);
-        for (int x = 0; x < width; ++x) {
-            scratch[3 * x] = row[4 * x];
-            scratch[3 * x + 1] = row[4 * x + 1];
-            scratch[3 * x + 2] = row[4 * x + 2];
-        }
-        return scratch.data();
-    }
-};
-
-// `source` of `bitmap` in place, when the bitmap is a 24- or 32-bit section holding all of it.
-bool TakePart(HBITMAP bitmap, const RECT& source, PartRows& part)
-{
-    if (!GetSectionPixels(bitmap, part.pixels))
-        return false;
-    part.left = source.left;
-    part.top = source.top;
-    return source.left >= 0 && source.top >= 0 && source.right <= part.pixels.width &&
-           source.bottom <= part.pixels.height;
-}
-
-// The blend of one row of `width` pixels into `target`, whose pixels have `targetBytes` bytes (3 or 4; a
-// fourth byte is set to 0, as a 24-bit picture copied onto a 32-bit one gets it).
-void BlendRow(const uint8_t* image, const uint8_t* mask, uint8_t* target, int targetBytes, int width,
-              std::vector<uint8_t>& scratch)
-{
-    if (targetBytes == 3) {
-        AlphaBlendBytes(image, mask, target, target, static_cast<size_t>(width) * 3);
-        return;
-    }
-    scratch.resize(static_cast<size_t>(width) * 3);
-    for (int x = 0; x < width; ++x) {
-        scratch[3 * x] = target[4 * x];
-        scratch[3 * x + 1] = target[4 * x + 1];
-        scratch[3 * x + 2] = target[4 * x + 2];
-    }
-    AlphaBlendBytes(image, mask, scratch.data(), scratch.data(), scratch.size());
-    for (int x = 0; x < width; ++x) {
-        target[4 * x] = scratch[3 * x];
-        target[4 * x + 1] = scratch[3 * x + 1];
-        target[4 * x + 2] = scratch[3 * x + 2];
-        target[4 * x + 3] = 0;
-    }
-}
-
-// The blend of the two parts onto `target` at (x, y), row by row.
-void BlendParts(const PartRows& image, const PartRows& mask, const SectionPixels& target, int x, int y, int width,
-                int height)
-{
-    std::vector<uint8_t> imageRow, maskRow, scratch;
-    for (int row = 0; row < height; ++row) {
-        uint8_t* out = target.Row(y + row) + static_cast<ptrdiff_t>(x) * target.bytesPerPixel;
-        BlendRow(image.Row24(row, width, imageRow), mask.Row24(row, width, maskRow), out, target.bytesPerPixel, width,
-                 scratch);
-    }
-}
-
-// The section that `dc` draws on, when drawing there is a plain copy to its memory: a memory context without
-// a clip region, mirroring or transform, whose logical rectangle `dest` lies inside the bitmap. `x` and `y`
-// get the rectangle's place in the bitmap.
-bool DrawsStraightOn(HDC dc, const RECT& dest, SectionPixels& target, int& x, int& y)
-{
-    if (GetObjectType(dc) != OBJ_MEMDC || GetMapMode(dc) != MM_TEXT || GetGraphicsMode(dc) != GM_COMPATIBLE)
-        return false;
-    RegionHandle clip(CreateRectRgn(0, 0, 0, 0));
-    if (!clip || GetClipRgn(dc, clip.Get()) != 0)
-        return false;
-    if (!GetSectionPixels(static_cast<HBITMAP>(GetCurrentObject(dc, OBJ_BITMAP)), target))
-        return false;
-    POINT corners[2] = {{dest.left, dest.top}, {dest.right, dest.bottom}};
-    if (!LPtoDP(dc, corners, 2) || corners[1].x - corners[0].x != dest.right - dest.left ||
-        corners[1].y - corners[0].y != dest.bottom - dest.top)
-        return false;
-    x = corners[0].x;
-    y = corners[0].y;
-    return x >= 0 && y >= 0 && corners[1].x <= target.width && corners[1].y <= target.height;
-}
 
 // Bits a pixel of what `dc` draws on.
 int TargetDepth(HDC dc)
@@ -121,44 +29,74 @@ RECT MakeRect(int x, int y, int width, int height)
     return r;
 }
 
-// A masked picture drawn without a stretch; false when the long way has to do it.
-bool DrawMaskedInPlace(HDC hdc, CVuikBitmap* bitmap, const RECT& dest, const RECT& source)
+// Bits a pixel of a bitmap, 0 if it can't be measured.
+int BitmapDepth(HBITMAP bitmap)
 {
-    // Without a stretch, the parts of picture and mask are rectangles of their sections, and the blend can read
-    // them where they are: the same bytes as the copies, the read-back, BlendBitmap and the write, with fewer
-    // passes. A stretch, a mirrored context, a picture that is not a section or a target of fewer than 24 bits
-    // goes the long way.
+    BITMAP bm = {};
+    return bitmap && GetObjectW(bitmap, sizeof(bm), &bm) ? bm.bmBitsPixel * bm.bmPlanes : 0;
+}
+
+// A 24-bit top-down section of w x h whose rows `bits` receives, selected into a context of its own.
+struct Scratch {
+    BitmapHandle bitmap;
+    MemoryDC dc;
+    uint8_t* bits = nullptr;
+    HGDIOBJ old = nullptr;
+
+    Scratch(HDC reference, int w, int h)
+    {
+        BITMAPINFO info = {};
+        info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, -h, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+        void* memory = nullptr;
+        bitmap.Reset(CreateDIBSection(reference, &info, DIB_RGB_COLORS, &memory, nullptr, 0));
+        dc.Reset(CreateCompatibleDC(reference));
+        bits = static_cast<uint8_t*>(memory);
+        if (bitmap && dc)
+            old = SelectObject(dc.Get(), bitmap.Get());
+    }
+    ~Scratch()
+    {
+        if (old)
+            SelectObject(dc.Get(), old);
+    }
+    bool Ok() const { return bits && old; }
+};
+
+// `source` of `picture` copied into `scratch`, as CopyBitmapPart copies it without a stretch.
+bool CopyPart(HDC reference, HBITMAP picture, const RECT& source, Scratch& scratch, int w, int h)
+{
+    MemoryDC from(CreateCompatibleDC(reference));
+    if (!from)
+        return false;
+    HGDIOBJ old = SelectObject(from.Get(), picture);
+    if (!old)
+        return false;
+    const BOOL copied = BitBlt(scratch.dc.Get(), 0, 0, w, h, from.Get(), source.left, source.top, SRCCOPY);
+    SelectObject(from.Get(), old);
+    return copied != FALSE;
+}
+
+// A masked picture drawn without a stretch, through 24-bit sections whose memory the blend reads and writes
+// directly: the same copies, read-back and write as the long way, without BlendBitmap's reads and write
+// through GetDIBits and SetDIBits and its three extra buffers. False when the long way has to do it: a
+// stretch, a mirrored context, a picture, mask or target of fewer than 24 bits.
+bool DrawMaskedDirect(HDC hdc, CVuikBitmap* bitmap, const RECT& dest, const RECT& source)
+{
     const int w = dest.right - dest.left;
     const int h = dest.bottom - dest.top;
     if (w < 1 || h < 1 || w != source.right - source.left || h != source.bottom - source.top ||
-        GetLayout(hdc) != 0 || TargetDepth(hdc) < 24)
+        GetLayout(hdc) != 0 || TargetDepth(hdc) < 24 || BitmapDepth(bitmap->GetPrimary()) < 24 ||
+        BitmapDepth(bitmap->GetMask()) < 24)
         return false;
-    PartRows image, mask;
-    if (!TakePart(bitmap->GetPrimary(), source, image) || !TakePart(bitmap->GetMask(), source, mask))
+    Scratch image(hdc, w, h), mask(hdc, w, h), background(hdc, w, h);
+    if (!image.Ok() || !mask.Ok() || !background.Ok() || !CopyPart(hdc, bitmap->GetPrimary(), source, image, w, h) ||
+        !CopyPart(hdc, bitmap->GetMask(), source, mask, w, h))
         return false;
-
-    // A section drawn on without clip or transform is blended where it is.
-    SectionPixels target;
-    int x = 0, y = 0;
-    if (DrawsStraightOn(hdc, dest, target, x, y)) {
-        BlendParts(image, mask, target, x, y, w, h);
-        return true;
-    }
-    // Anything else: read back what the context shows into a 24-bit section, blend there, copy it back.
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, -h, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    BitmapHandle background(CreateDIBSection(hdc, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-    MemoryDC dc(CreateCompatibleDC(hdc));
-    if (!background || !bits || !dc)
-        return false;
-    SelectGuard select(dc.Get(), background.Get());
-    BitBlt(dc.Get(), 0, 0, w, h, hdc, dest.left, dest.top, SRCCOPY);
-    SectionPixels pixels;
-    if (!GetSectionPixels(background.Get(), pixels))
-        return false;
-    BlendParts(image, mask, pixels, 0, 0, w, h);
-    BitBlt(hdc, dest.left, dest.top, w, h, dc.Get(), 0, 0, SRCCOPY);
+    BitBlt(background.dc.Get(), 0, 0, w, h, hdc, dest.left, dest.top, SRCCOPY);
+    GdiFlush();
+    const size_t bytes = static_cast<size_t>((3 * w + 3) / 4 * 4) * static_cast<size_t>(h);
+    AlphaBlendBytes(image.bits, mask.bits, background.bits, background.bits, bytes);
+    BitBlt(hdc, dest.left, dest.top, w, h, background.dc.Get(), 0, 0, SRCCOPY);
     return true;
 }
 
@@ -197,7 +135,7 @@ void CVuikGraphics::DrawImage(CVuikBitmap* bitmap, RECT dest, RECT source)
         return;
     const int w = dest.right - dest.left;
     const int h = dest.bottom - dest.top;
-    if (bitmap->GetMask() && DrawMaskedInPlace(m_hDC, bitmap, dest, source))
+    if (bitmap->GetMask() && DrawMaskedDirect(m_hDC, bitmap, dest, source))
         return;
     // The stretch comes first, so the mask is applied at the target's size.
     BitmapHandle part(CopyBitmapPart(bitmap->GetPrimary(), source, w, h));
