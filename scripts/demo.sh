@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Builds ZCMOD and runs its gallery under Wine.
 #   scripts/demo.sh                      interactive (needs a display: DISPLAY must be set)
-#   scripts/demo.sh --screenshots DIR    headless: one PNG per page in DIR, exit 0 when every page passes
+#   scripts/demo.sh --screenshots DIR    headless: one PNG per page, exit 0 when every page passes; without
+#                                        the options below it writes every page four times, in DIR/<theme>-ltr
+#                                        (English) and DIR/<theme>-rtl (Hebrew) for both themes
 # Options: --lang eng|heb (default eng), --theme Default|Graphite (default Default), --rtl.
 set -euo pipefail
 
@@ -9,14 +11,14 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 . "$here/env.sh"
 cd "$ZCMOD_ROOT"
 
-screenshots="" lang=eng theme=Default rtl=""
+screenshots="" lang=eng theme=Default rtl="" chosen=""
 while [ $# -gt 0 ]; do
   case "$1" in
     --screenshots) screenshots=${2:?--screenshots needs a folder}; shift 2 ;;
-    --lang) lang=${2:?}; shift 2 ;;
-    --theme) theme=${2:?}; shift 2 ;;
-    --rtl) rtl=--rtl; shift ;;
-    -h|--help) sed -n '2,6p' "$0"; exit 0 ;;
+    --lang) lang=${2:?}; chosen=1; shift 2 ;;
+    --theme) theme=${2:?}; chosen=1; shift 2 ;;
+    --rtl) rtl=--rtl; chosen=1; shift ;;
+    -h|--help) sed -n '2,8p' "$0"; exit 0 ;;
     *) echo "demo: unknown option $1" >&2; exit 2 ;;
   esac
 done
@@ -46,6 +48,11 @@ cp "$bin/standins/service/LinkAPI64.dll" "$bin/standins/service/DAAPI64.dll" \
 
 # The settings the library reads, for the stand-in settings library's manufacturer "Zelvo".
 export WINEPREFIX="$ZCMOD_WINE_DEMO" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+winpath() { printf 'Z:%s' "$(realpath "$1")" | tr '/' '\\'; }
+regpath() { winpath "$1" | sed 's/\\/\\\\/g'; }
+
+# Runs the gallery once with the settings of lang, theme and rtl; into the folder $1 when it is given.
+run_gallery() {
 reg="$run/settings.reg"
 cat > "$reg" <<REG
 REGEDIT4
@@ -60,9 +67,6 @@ REGEDIT4
 [HKEY_CURRENT_USER\\Software\\Zelvo\\DeskHub]
 "Theme"="$theme"
 REG
-
-winpath() { printf 'Z:%s' "$(realpath "$1")" | tr '/' '\\'; }
-regpath() { winpath "$1" | sed 's/\\/\\\\/g'; }
 
 # Where the library finds the connectivity service: the stand-ins of the runtime folder.
 cat >> "$reg" <<REG
@@ -87,11 +91,22 @@ session='
   wineserver -w
   exit $rc'
 
-if [ -n "$screenshots" ]; then
-  mkdir -p "$screenshots"
+if [ -n "${1:-}" ]; then
+  mkdir -p "$1"
   xvfb-run -a -s "-screen 0 1280x1024x24" sh -c "$session" sh "$(winpath "$reg")" "$run" \
-    --screenshots "$(winpath "$screenshots")" $rtl
-  echo "demo: screenshots in $screenshots"
+    --screenshots "$(winpath "$1")" $rtl
+  echo "demo: screenshots in $1"
 else
   sh -c "$session" sh "$(winpath "$reg")" "$run" $rtl
+fi
+}
+
+if [ -n "$screenshots" ] && [ -z "$chosen" ]; then
+  # Every page in both themes and both layouts, each layout in its language.
+  for theme in Default Graphite; do
+    lang=eng rtl="" run_gallery "$screenshots/$theme-ltr"
+    lang=heb rtl=--rtl run_gallery "$screenshots/$theme-rtl"
+  done
+else
+  run_gallery "$screenshots"
 fi

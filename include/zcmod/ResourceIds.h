@@ -8,6 +8,16 @@
 #define ZLR_STR_SUITE_NAME 3      /* caption of the suite's messages */
 #define ZLR_STR_VERSION 95        /* three characters of prefix, then the word for "Version" */
 
+/* Language module: the phone file dialog. "%1" stands for the file's name. */
+#define ZLR_STR_FD_OVERWRITE 15   /* the file exists; replace it? */
+#define ZLR_STR_FD_FORBIDDEN 17   /* nothing may be saved in this folder */
+#define ZLR_STR_FD_OPEN_TITLE 19  /* title of the open dialog */
+#define ZLR_STR_FD_SAVE_TITLE 20  /* title of the save dialog */
+#define ZLR_STR_FD_READ_ONLY 33   /* the file is read-only */
+
+/* The library's own resources (zcmod.dll): the child template of the phone file dialog. */
+#define ZCMOD_DLG_FILE_DIALOG 1000
+
 /* Graphics module (Resource\ZCMOD_<theme>.zgr): colours as "red,green,blue" strings. */
 #define ZGR_COLOR_TEXT 600
 #define ZGR_COLOR_TEXT_DISABLED 601

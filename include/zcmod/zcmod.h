@@ -6,6 +6,7 @@
 #include "zcmod/DKHLInfoReader.h"
 #include "zcmod/FaultReporting.h"
 #include "zcmod/NBitmapUtil.h"
+#include "zcmod/PhoneFileDialog.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
 #include "zcmod/Utils.h"

@@ -1,0 +1,366 @@
+// The phone file dialog through the DLL: folder kinds of the data layer, files carried between a stand-in
+// phone and the mirror, and the open and save dialogs driven from a second thread (with a watchdog), whose
+// save checks refuse what they must.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <dlgs.h>
+
+#include <atomic>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ServiceTestSupport.h"
+#include "zcmod/PhoneFileDialog.h"
+
+using namespace zcmod_test;
+
+namespace {
+
+std::wstring LongTemp()
+{
+    wchar_t temp[MAX_PATH], longer[MAX_PATH];
+    GetTempPathW(MAX_PATH, temp);
+    GetLongPathNameW(temp, longer, MAX_PATH);
+    return longer;
+}
+const std::wstring kMirror = LongTemp() + L"CFD Temp Folder";
+
+void WriteFile(const std::wstring& path, const std::string& bytes)
+{
+    std::ofstream(path.c_str(), std::ios::binary) << bytes;
+}
+std::string ReadFile(const std::wstring& path)
+{
+    std::ifstream in(path.c_str(), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+void MakeFolders(const std::wstring& path)
+{
+    for (size_t at = path.find(L'\\', 3); at != std::wstring::npos; at = path.find(L'\\', at + 1))
+        CreateDirectoryW(path.substr(0, at).c_str(), nullptr);
+    CreateDirectoryW(path.c_str(), nullptr);
+}
+
+// The language and theme the messages come from, and a data layer in a folder of the test's own.
+class PhoneFileDialog : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        suite.SetLanguage(L"eng");
+        suite.SetMachineTheme(L"Default");
+        dataRoot = LongTemp() + L"zcmod-data-" + std::to_wstring(GetCurrentProcessId());
+        RemoveTree(dataRoot);
+        MakeFolders(dataRoot);
+        SetString(HKEY_CURRENT_USER, L"SOFTWARE\\DeskHub\\DataLayer", L"Root", dataRoot);
+        service.UseStandIns();
+    }
+    void TearDown() override
+    {
+        TerminateAllInterfaces();
+        DeleteTree(HKEY_CURRENT_USER, L"SOFTWARE\\DeskHub");
+        RemoveTree(dataRoot);
+        RemoveTree(kMirror);
+    }
+    // A data-layer folder with a folder.xml of the given root element.
+    std::wstring DataFolder(const std::wstring& relative, const std::string& rootElement)
+    {
+        const std::wstring folder = dataRoot + L"\\" + relative;
+        MakeFolders(folder);
+        if (!rootElement.empty())
+            WriteFile(folder + L"\\folder.xml", "<?xml version=\"1.0\"?>\n" + rootElement + "\n");
+        return folder;
+    }
+    SuiteRegistry suite;
+    ServiceRegistry service;
+    Phones phones;
+    std::wstring dataRoot;
+};
+
+TEST_F(PhoneFileDialog, FolderKinds)
+{
+    DataFolder(L"Contacts", "<Folder Name=\"contacts\"/>");
+    DataFolder(L"Contacts\\Family", "");
+    DataFolder(L"Msgs", "<Folder Name=\"Text Messages\"/>");
+    DataFolder(L"Msgs\\Inbox", "<Folder Name=\"Inbox\"/>");  // the topmost of the run decides
+    DataFolder(L"Cal", "<Folder Name=\"Calendar\"/>");
+    DataFolder(L"Pics", "<Folder Name=\"My Pictures\"/>");
+    DataFolder(L"Odd", "<Folder Name=\"Odd\"/>");
+    DataFolder(L"NoName", "<Folder Forbidden=\"A\"/>");
+    DataFolder(L"Broken", "<Folder Name=");
+    DataFolder(L"Plain", "");
+    WriteFile(dataRoot + L"\\Cal\\day.vcs", "x");
+    const struct {
+        std::wstring path;
+        int type;
+    } cases[] = {
+        {dataRoot + L"\\Contacts", CFD_FOLDER_CONTACTS},      {dataRoot + L"\\Contacts\\Family\\", CFD_FOLDER_CONTACTS},
+        {dataRoot + L"\\Msgs\\Inbox", CFD_FOLDER_MESSAGES},   {dataRoot + L"\\Cal\\day.vcs", CFD_FOLDER_CALENDAR},
+        {dataRoot + L"\\Pics", CFD_FOLDER_NONE},              {dataRoot + L"\\Odd", CFD_FOLDER_UNKNOWN},
+        {dataRoot + L"\\NoName", CFD_FOLDER_UNKNOWN},         {dataRoot + L"\\Broken", CFD_FOLDER_UNKNOWN},
+        {dataRoot + L"\\Plain", CFD_FOLDER_NONE},             {L"C:\\windows", CFD_FOLDER_NONE},
+        {kMirror + L"\\123\\C\\a.jpg", CFD_FOLDER_PHONE},     {L"", CFD_FOLDER_NONE},
+        {L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{416651E4-9C3C-11D9-8BDE-F66BAD1E3F3A}", CFD_FOLDER_PHONE},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(CFD_GetFolderType(c.path.c_str()), c.type) << c.path.c_str();
+    EXPECT_EQ(CFD_GetFolderType(nullptr), CFD_FOLDER_NONE);
+}
+
+TEST_F(PhoneFileDialog, FilesTravelBetweenPhoneAndMirror)
+{
+    const std::wstring serial = phones.New(L"p1");
+    ASSERT_FALSE(serial.empty());
+    const std::wstring phoneDocs = phones.Folder(L"p1") + L"\\files\\C\\Docs";
+    MakeFolders(phoneDocs);
+    std::string bytes;
+    for (int i = 0; i < 70000; ++i)
+        bytes.push_back(static_cast<char>(i * 7 + i / 256));
+    WriteFile(phoneDocs + L"\\note.bin", bytes);
+
+    const std::wstring mirrorDocs = kMirror + L"\\" + serial + L"\\C\\Docs";
+    EXPECT_EQ(CFD_DownloadFile((mirrorDocs + L"\\note.bin").c_str(), nullptr), S_OK);
+    EXPECT_EQ(ReadFile(mirrorDocs + L"\\note.bin"), bytes);
+
+    WriteFile(mirrorDocs + L"\\reply.txt", "from the computer");
+    EXPECT_EQ(CFD_UploadFile((mirrorDocs + L"\\reply.txt").c_str(), nullptr), S_OK);
+    EXPECT_EQ(ReadFile(phoneDocs + L"\\reply.txt"), "from the computer");
+
+    // Missing on the phone, outside the mirror, or climbing out of it: a failure code, nothing written.
+    const HRESULT failures[] = {
+        CFD_DownloadFile((mirrorDocs + L"\\none.bin").c_str(), nullptr),
+        CFD_DownloadFile(L"C:\\elsewhere\\x.bin", nullptr),
+        CFD_DownloadFile((kMirror + L"\\" + serial + L"\\C\\..\\..\\..\\escape.bin").c_str(), nullptr),
+        CFD_UploadFile(nullptr, nullptr),
+    };
+    for (HRESULT failure : failures)
+        EXPECT_EQ(static_cast<uint32_t>(failure) & 0xFFFF0000u, 0x80000000u) << std::hex << failure;
+    EXPECT_EQ(GetFileAttributesW((LongTemp() + L"escape.bin").c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+TEST_F(PhoneFileDialog, PhoneUnpluggedDuringADownloadLeavesNoPartialFile)
+{
+    const std::wstring serial = phones.New(L"slow", L"--copydelay 20");
+    const std::wstring phoneDocs = phones.Folder(L"slow") + L"\\files\\C";
+    WriteFile(phoneDocs + L"\\big.bin", std::string(2 << 20, 'x'));  // some 30 blocks of 20 ms
+    std::thread unplug([&] {
+        Sleep(150);
+        phones.Ctl(L"detach slow");
+    });
+    const std::wstring target = kMirror + L"\\" + serial + L"\\C\\big.bin";
+    const HRESULT result = CFD_DownloadFile(target.c_str(), nullptr);
+    unplug.join();
+    EXPECT_NE(result, S_OK);
+    EXPECT_EQ(static_cast<uint32_t>(result) & 0xFFFF0000u, 0x80000000u) << std::hex << result;
+    EXPECT_EQ(GetFileAttributesW(target.c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_EQ(GetFileAttributesW((target + L".partial").c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+// --- the dialogs, driven from a second thread -------------------------------------------------------------------
+
+// Records what the dialog tells its listener.
+struct Recorder : CFileDialogListener {
+    std::atomic<int> initDone{0}, folderChanges{0}, fileOks{0};
+    void OnInitDone(HWND, OFNOTIFYW*) override { ++initDone; }
+    void OnFolderChange(HWND, OFNOTIFYW*) override { ++folderChanges; }
+    int OnFileNameOK(HWND, OFNOTIFYW*) override { return ++fileOks, 1; }
+};
+
+// The top-level dialog window of `thread` for which `match` holds, waited for up to 5 s.
+HWND FindDialog(DWORD thread, const std::function<bool(HWND)>& match)
+{
+    HWND found = nullptr;
+    WaitUntil([&] {
+        struct Search {
+            const std::function<bool(HWND)>* match;
+            HWND found;
+        } search = {&match, nullptr};
+        EnumThreadWindows(
+            thread,
+            [](HWND hwnd, LPARAM data) {
+                auto* s = reinterpret_cast<Search*>(data);
+                wchar_t cls[32];
+                GetClassNameW(hwnd, cls, 32);
+                if (IsWindowVisible(hwnd) && lstrcmpW(cls, L"#32770") == 0 && (*s->match)(hwnd)) {
+                    s->found = hwnd;
+                    return FALSE;
+                }
+                return TRUE;
+            },
+            reinterpret_cast<LPARAM>(&search));
+        found = search.found;
+        return found != nullptr;
+    });
+    return found;
+}
+bool IsFileDialog(HWND hwnd) { return GetDlgItem(hwnd, lst1) || GetDlgItem(hwnd, lst2) || GetDlgItem(hwnd, cmb13); }
+std::wstring MessageText(HWND box)
+{
+    wchar_t text[512] = {};
+    GetDlgItemTextW(box, 0xFFFF, text, 512);
+    return text;
+}
+// Types into the dialog's name box and presses Enter.
+void Enter(HWND dialog, const std::wstring& text)
+{
+    HWND box = GetDlgItem(dialog, edt1) ? GetDlgItem(dialog, edt1) : GetDlgItem(dialog, cmb13);
+    SendMessageW(box, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
+}
+
+// Runs `steps` on a second thread while the dialog runs on this one; a watchdog closes every window of this
+// thread after 20 s so that a stuck dialog fails the test instead of hanging the suite.
+INT_PTR RunDriven(const std::function<INT_PTR()>& call, const std::function<void(DWORD)>& steps)
+{
+    const DWORD self = GetCurrentThreadId();
+    std::atomic<bool> done{false};
+    std::thread driver([&] { steps(self); });
+    std::thread watchdog([&] {
+        for (int i = 0; i < 2000 && !done; ++i)
+            Sleep(10);
+        if (!done) {
+            ADD_FAILURE() << "the dialog did not end in 20 s";
+            EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
+                              0);
+        }
+    });
+    const INT_PTR result = call();
+    done = true;
+    driver.join();
+    watchdog.join();
+    return result;
+}
+BOOL RunDriven(BOOL (*call)(OPENFILENAMEW*), OPENFILENAMEW& ofn, const std::function<void(DWORD)>& steps)
+{
+    return static_cast<BOOL>(RunDriven([&]() -> INT_PTR { return call(&ofn); }, steps));
+}
+
+OPENFILENAMEW Ofn(wchar_t* buffer, DWORD size, DWORD flags)
+{
+    OPENFILENAMEW ofn = {};
+    ofn.lStructSize = sizeof(ofn);
+    ofn.lpstrFile = buffer;
+    ofn.nMaxFile = size;
+    ofn.lpstrFilter = L"All files\0*.*\0";
+    ofn.Flags = flags;
+    return ofn;
+}
+
+TEST_F(PhoneFileDialog, OpenGivesCancelOneFileOrSeveral)
+{
+    Recorder recorder;
+    CFD_SetListener(&recorder);
+    // A folder outside the data layer: its initial directory is taken as it is.
+    const std::wstring folder = LongTemp() + L"zcmod-open-" + std::to_wstring(GetCurrentProcessId());
+    MakeFolders(folder);
+    WriteFile(folder + L"\\a.txt", "a");
+    WriteFile(folder + L"\\b.txt", "b");
+    wchar_t buffer[1024] = {};
+
+    OPENFILENAMEW ofn = Ofn(buffer, 1024, OFN_FILEMUSTEXIST);
+    std::wstring title;
+    EXPECT_FALSE(RunDriven(CFD_GetOpenFileName, ofn, [&](DWORD thread) {
+        HWND dialog = FindDialog(thread, IsFileDialog);
+        wchar_t text[64] = {};
+        GetWindowTextW(dialog, text, 64);
+        title = text;
+        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    }));
+    EXPECT_EQ(title, L"Open");
+    EXPECT_EQ(recorder.initDone, 1);
+    EXPECT_EQ(ofn.Flags, static_cast<DWORD>(OFN_FILEMUSTEXIST));  // the caller's structure comes back as it was
+    EXPECT_EQ(ofn.lpfnHook, nullptr);
+
+    EXPECT_TRUE(RunDriven(CFD_GetOpenFileName, ofn, [&](DWORD thread) { Enter(FindDialog(thread, IsFileDialog), folder + L"\\b.txt"); }));
+    EXPECT_EQ(std::wstring(buffer), folder + L"\\b.txt");
+
+    ofn = Ofn(buffer, 1024, OFN_ALLOWMULTISELECT);
+    ofn.lpstrInitialDir = folder.c_str();
+    EXPECT_TRUE(RunDriven(CFD_GetOpenFileName, ofn, [&](DWORD thread) { Enter(FindDialog(thread, IsFileDialog), L"\"a.txt\" \"b.txt\""); }));
+    EXPECT_EQ(std::wstring(buffer), folder);
+    const wchar_t* first = buffer + wcslen(buffer) + 1;
+    EXPECT_EQ(std::wstring(first), L"a.txt");
+    EXPECT_EQ(std::wstring(first + wcslen(first) + 1), L"b.txt");
+    CFD_SetListener(nullptr);
+    RemoveTree(folder);
+}
+
+TEST_F(PhoneFileDialog, SaveRefusesForbiddenFoldersAndReadOnlyFiles)
+{
+    Recorder recorder;
+    CFD_SetListener(&recorder);
+    const std::wstring locked = DataFolder(L"Locked", "<Folder Name=\"My Files\" Forbidden=\"DA\"/>");
+    const std::wstring open = DataFolder(L"Open", "<Folder Name=\"My Files\" Forbidden=\"B\"/>");
+    WriteFile(open + L"\\old.txt", "old");
+    SetFileAttributesW((open + L"\\old.txt").c_str(), FILE_ATTRIBUTE_READONLY);
+    wchar_t buffer[MAX_PATH] = {};
+
+    // Into `folder`, then the name; each of the `messages` message boxes that follow is read and answered
+    // (yes to a prompt); a dialog still open after them was refused and is cancelled.
+    auto save = [&](const std::wstring& folder, const std::wstring& name, DWORD flags, size_t messages,
+                    std::vector<std::wstring>& seen) {
+        buffer[0] = 0;
+        OPENFILENAMEW ofn = Ofn(buffer, MAX_PATH, flags);
+        return RunDriven(CFD_GetSaveFileName, ofn, [&](DWORD thread) {
+            HWND dialog = FindDialog(thread, IsFileDialog);
+            const int changes = recorder.folderChanges;
+            Enter(dialog, folder);
+            WaitUntil([&] { return recorder.folderChanges > changes; });
+            Enter(dialog, name);
+            for (size_t i = 0; i < messages; ++i) {
+                HWND box = FindDialog(thread, [](HWND h) { return !IsFileDialog(h); });
+                if (!box)
+                    break;
+                seen.push_back(MessageText(box));
+                PostMessageW(box, WM_COMMAND, GetDlgItem(box, IDYES) ? IDYES : IDOK, 0);
+                WaitUntil([&] { return !IsWindow(box); });
+            }
+            if (messages)
+                PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        });
+    };
+    std::vector<std::wstring> seen;
+    EXPECT_FALSE(save(locked, L"new.txt", 0, 1, seen));
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(seen[0], L"Files cannot be saved in this folder.\nPlease choose another folder.");
+
+    seen.clear();
+    EXPECT_TRUE(save(open, L"new.txt", 0, 0, seen));
+    EXPECT_TRUE(seen.empty());
+    EXPECT_EQ(std::wstring(buffer), open + L"\\new.txt");
+
+    // A read-only target is refused, even when the overwrite prompt was answered yes.
+    seen.clear();
+    EXPECT_FALSE(save(open, L"old.txt", OFN_OVERWRITEPROMPT, 2, seen));
+    ASSERT_EQ(seen.size(), 2u);
+    EXPECT_EQ(seen[0], L"old.txt already exists.\nDo you want to replace it?");
+    EXPECT_EQ(seen[1], L"old.txt is read-only.\nPlease save the file under another name.");
+    SetFileAttributesW((open + L"\\old.txt").c_str(), FILE_ATTRIBUTE_NORMAL);
+    CFD_SetListener(nullptr);
+}
+
+TEST_F(PhoneFileDialog, FileDialogObjectKeepsTitlesOfUpTo63Characters)
+{
+    const std::wstring folder = DataFolder(L"Titles", "");
+    const std::wstring name63(63, L'n'), name64(64, L'n');
+    const struct {
+        std::wstring name;
+        std::wstring title;
+    } cases[] = {{name63 + L".txt", name63}, {name64 + L".txt", L""}};
+    for (const auto& c : cases) {
+        WriteFile(folder + L"\\" + c.name, "x");
+        CNFileDialog dialog(TRUE, L".txt", nullptr, 0, L"Text|*.txt|", nullptr);
+        EXPECT_EQ(RunDriven([&] { return dialog.DoModal(); },
+                            [&](DWORD thread) { Enter(FindDialog(thread, IsFileDialog), folder + L"\\" + c.name); }),
+                  1);
+        EXPECT_EQ(std::wstring(dialog.GetFileNameTitle()), c.title);
+        EXPECT_EQ(std::wstring(dialog.GetFileName()), c.name);
+        EXPECT_EQ(std::wstring(dialog.GetFileExt()), L"txt");
+    }
+}
+
+}  // namespace
