@@ -39,6 +39,14 @@ struct Timing {
 };
 Timing Time(const std::function<bool()>& body);
 
+// Both sides of a case, their rounds taken in turn (ours, reference, ours, ...), so that a slow spell of a
+// shared machine weighs on both alike.
+struct TimingPair {
+    Timing ours;
+    Timing reference;
+};
+TimingPair TimeBoth(const std::function<bool()>& ours, const std::function<bool()>& reference);
+
 std::string Format(const char* format, double value);
 std::wstring TempFile(const wchar_t* name);
 

@@ -46,28 +46,57 @@ double Timing::Median() const
     return n % 2 ? sorted[n / 2] : (sorted[n / 2 - 1] + sorted[n / 2]) / 2;
 }
 
+namespace {
+
+// One round of `body`: batches for `seconds`, the fastest batch's time per call. `batch` carries the batch
+// size from round to round.
+double Round(const std::function<bool()>& body, double seconds, int& batch)
+{
+    double best = 1e30;
+    const double end = Now() + seconds;
+    do {
+        const double start = Now();
+        for (int i = 0; i < batch; ++i)
+            body();
+        const double per = (Now() - start) / batch;
+        best = std::min(best, per);
+        if (per * batch < 0.02)
+            batch *= 2;
+    } while (Now() < end);
+    return best;
+}
+
+int Rounds()
+{
+    return g_options.rounds > 0 ? g_options.rounds : 1;
+}
+
+}  // namespace
+
 Timing Time(const std::function<bool()>& body)
 {
     Timing timing;
     if (!body())
         return timing;
-    const int rounds = g_options.rounds > 0 ? g_options.rounds : 1;
     int batch = 1;
-    for (int round = 0; round < rounds; ++round) {
-        double best = 1e30;
-        const double end = Now() + g_options.seconds / rounds;
-        do {
-            const double start = Now();
-            for (int i = 0; i < batch; ++i)
-                body();
-            const double per = (Now() - start) / batch;
-            best = std::min(best, per);
-            if (per * batch < 0.02)
-                batch *= 2;
-        } while (Now() < end);
-        timing.rounds.push_back(best);
-    }
+    for (int round = 0; round < Rounds(); ++round)
+        timing.rounds.push_back(Round(body, g_options.seconds / Rounds(), batch));
     return timing;
+}
+
+TimingPair TimeBoth(const std::function<bool()>& ours, const std::function<bool()>& reference)
+{
+    TimingPair pair;
+    const bool oursWorks = ours();
+    const bool referenceWorks = reference();
+    int oursBatch = 1, referenceBatch = 1;
+    for (int round = 0; round < Rounds(); ++round) {
+        if (oursWorks)
+            pair.ours.rounds.push_back(Round(ours, g_options.seconds / Rounds(), oursBatch));
+        if (referenceWorks)
+            pair.reference.rounds.push_back(Round(reference, g_options.seconds / Rounds(), referenceBatch));
+    }
+    return pair;
 }
 
 namespace {

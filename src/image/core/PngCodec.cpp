@@ -67,43 +67,49 @@ void ConvertRows(png_bytepp rows, png_colorp palette, int paletteCount, bool has
         image.plane.assign(w * h * 3, 0);
     else
         image.plane.clear();
+    // One loop per layout, so that the choice is made once a row and not once a pixel.
     for (size_t y = 0; y < h; ++y) {
-        const uint8_t* row = rows[y];
+        const uint8_t* p = rows[y];
         uint8_t* out = image.pixels.data() + y * w * 3;
-        for (size_t x = 0; x < w; ++x, out += 3) {
-            const uint8_t* p = row + x * static_cast<size_t>(b);
-            switch (b) {
-                case 1:
-                case 2:
-                    if (hasPalette) {
-                        // An index past the palette's entries gives black.
-                        if (p[0] < paletteCount && palette) {
-                            out[0] = palette[p[0]].blue;
-                            out[1] = palette[p[0]].green;
-                            out[2] = palette[p[0]].red;
-                        } else {
-                            out[0] = out[1] = out[2] = 0;
-                        }
-                    } else {
+        switch (b) {
+            case 1:
+            case 2:
+                for (size_t x = 0; x < w; ++x, out += 3, p += b) {
+                    if (!hasPalette) {
                         out[0] = out[1] = out[2] = p[0];  // the grey, or the high byte of 16-bit grey
+                    } else if (p[0] < paletteCount && palette) {
+                        out[0] = palette[p[0]].blue;
+                        out[1] = palette[p[0]].green;
+                        out[2] = palette[p[0]].red;
+                    } else {
+                        out[0] = out[1] = out[2] = 0;  // an index past the palette's entries gives black
                     }
-                    break;
-                case 3:
-                case 4:
+                }
+                break;
+            case 3:
+                for (size_t x = 0; x < w; ++x, out += 3, p += 3) {
                     out[0] = p[2];
                     out[1] = p[1];
                     out[2] = p[0];
-                    if (b == 4) {
-                        uint8_t* t = image.plane.data() + (y * w + x) * 3;
-                        t[0] = t[1] = t[2] = static_cast<uint8_t>(255 - p[3]);
-                    }
-                    break;
-                default:  // 6 and 8: the high bytes of 16-bit samples; alpha is dropped
+                }
+                break;
+            case 4: {
+                uint8_t* t = image.plane.data() + y * w * 3;
+                for (size_t x = 0; x < w; ++x, out += 3, t += 3, p += 4) {
+                    out[0] = p[2];
+                    out[1] = p[1];
+                    out[2] = p[0];
+                    t[0] = t[1] = t[2] = static_cast<uint8_t>(255 - p[3]);
+                }
+                break;
+            }
+            default:  // 6 and 8: the high bytes of 16-bit samples; alpha is dropped
+                for (size_t x = 0; x < w; ++x, out += 3, p += b) {
                     out[0] = p[4];
                     out[1] = p[2];
                     out[2] = p[0];
-                    break;
-            }
+                }
+                break;
         }
     }
 }
