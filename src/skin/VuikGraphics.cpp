@@ -1,5 +1,6 @@
 #include "zcmod/VuikGraphics.h"
 
+#include <climits>
 #include <cstdint>
 
 #include "core/PixelMath.h"
@@ -36,7 +37,8 @@ int BitmapDepth(HBITMAP bitmap)
     return bitmap && GetObjectW(bitmap, sizeof(bm), &bm) ? bm.bmBitsPixel * bm.bmPlanes : 0;
 }
 
-// A 24-bit top-down section of w x h whose rows `bits` receives, selected into a context of its own.
+// Image, mask and background of one masked draw, one above the other in a 24-bit top-down section of w x 3h,
+// selected into a context of its own; `bits` receives its rows.
 struct Scratch {
     BitmapHandle bitmap;
     MemoryDC dc;
@@ -46,7 +48,7 @@ struct Scratch {
     Scratch(HDC reference, int w, int h)
     {
         BITMAPINFO info = {};
-        info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, -h, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+        info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, -3 * h, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
         void* memory = nullptr;
         bitmap.Reset(CreateDIBSection(reference, &info, DIB_RGB_COLORS, &memory, nullptr, 0));
         dc.Reset(CreateCompatibleDC(reference));
@@ -62,41 +64,39 @@ struct Scratch {
     bool Ok() const { return bits && old; }
 };
 
-// `source` of `picture` copied into `scratch`, as CopyBitmapPart copies it without a stretch.
-bool CopyPart(HDC reference, HBITMAP picture, const RECT& source, Scratch& scratch, int w, int h)
-{
-    MemoryDC from(CreateCompatibleDC(reference));
-    if (!from)
-        return false;
-    HGDIOBJ old = SelectObject(from.Get(), picture);
-    if (!old)
-        return false;
-    const BOOL copied = BitBlt(scratch.dc.Get(), 0, 0, w, h, from.Get(), source.left, source.top, SRCCOPY);
-    SelectObject(from.Get(), old);
-    return copied != FALSE;
-}
-
-// A masked picture drawn without a stretch, through 24-bit sections whose memory the blend reads and writes
-// directly: the same copies, read-back and write as the long way, without BlendBitmap's reads and write
-// through GetDIBits and SetDIBits and its three extra buffers. False when the long way has to do it: a
-// stretch, a mirrored context, a picture, mask or target of fewer than 24 bits.
+// A masked picture drawn without a stretch, through one 24-bit section whose memory the blend reads and
+// writes directly: the same copies, read-back and write as the long way, without BlendBitmap's reads and write
+// through GetDIBits and SetDIBits and its buffers. False when the long way has to do it: a stretch, a mirrored
+// context, a picture, mask or target of fewer than 24 bits.
 bool DrawMaskedDirect(HDC hdc, CVuikBitmap* bitmap, const RECT& dest, const RECT& source)
 {
     const int w = dest.right - dest.left;
     const int h = dest.bottom - dest.top;
     if (w < 1 || h < 1 || w != source.right - source.left || h != source.bottom - source.top ||
-        GetLayout(hdc) != 0 || TargetDepth(hdc) < 24 || BitmapDepth(bitmap->GetPrimary()) < 24 ||
-        BitmapDepth(bitmap->GetMask()) < 24)
+        static_cast<int64_t>(h) * 3 > INT_MAX / 4 / (w > 0 ? w : 1) || GetLayout(hdc) != 0 || TargetDepth(hdc) < 24 ||
+        BitmapDepth(bitmap->GetPrimary()) < 24 || BitmapDepth(bitmap->GetMask()) < 24)
         return false;
-    Scratch image(hdc, w, h), mask(hdc, w, h), background(hdc, w, h);
-    if (!image.Ok() || !mask.Ok() || !background.Ok() || !CopyPart(hdc, bitmap->GetPrimary(), source, image, w, h) ||
-        !CopyPart(hdc, bitmap->GetMask(), source, mask, w, h))
+    Scratch scratch(hdc, w, h);
+    MemoryDC from(CreateCompatibleDC(hdc));
+    if (!scratch.Ok() || !from)
         return false;
-    BitBlt(background.dc.Get(), 0, 0, w, h, hdc, dest.left, dest.top, SRCCOPY);
+    // The two parts, as CopyBitmapPart copies them without a stretch, then what the context shows there.
+    HGDIOBJ old = SelectObject(from.Get(), bitmap->GetPrimary());
+    if (!old)
+        return false;
+    BitBlt(scratch.dc.Get(), 0, 0, w, h, from.Get(), source.left, source.top, SRCCOPY);
+    const bool maskSelected = SelectObject(from.Get(), bitmap->GetMask()) != nullptr;
+    if (maskSelected)
+        BitBlt(scratch.dc.Get(), 0, h, w, h, from.Get(), source.left, source.top, SRCCOPY);
+    SelectObject(from.Get(), old);
+    if (!maskSelected)
+        return false;
+    BitBlt(scratch.dc.Get(), 0, 2 * h, w, h, hdc, dest.left, dest.top, SRCCOPY);
     GdiFlush();
-    const size_t bytes = static_cast<size_t>((3 * w + 3) / 4 * 4) * static_cast<size_t>(h);
-    AlphaBlendBytes(image.bits, mask.bits, background.bits, background.bits, bytes);
-    BitBlt(hdc, dest.left, dest.top, w, h, background.dc.Get(), 0, 0, SRCCOPY);
+    const size_t part = static_cast<size_t>((3 * w + 3) / 4 * 4) * static_cast<size_t>(h);
+    uint8_t* background = scratch.bits + 2 * part;
+    AlphaBlendBytes(scratch.bits, scratch.bits + part, background, background, part);
+    BitBlt(hdc, dest.left, dest.top, w, h, scratch.dc.Get(), 0, 2 * h, SRCCOPY);
     return true;
 }
 
