@@ -86,6 +86,9 @@ ZCMOD_TARGET_AVX2 void AlphaBlendBytesAvx2(const uint8_t* image, const uint8_t* 
         // Unpacking and packing both work within 128-bit halves, so the bytes come back in their order.
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(result + i), _mm256_packus_epi16(lo, hi));
     }
+    // Clear the upper halves before any SSE code runs again: the compiler does not do it before a tail call,
+    // and every SSE instruction after dirty upper halves pays for it, in this library and in the caller.
+    _mm256_zeroupper();
     AlphaBlendBytesSse2(image + i, alpha + i, background + i, result + i, count - i);
 }
 
