@@ -2,8 +2,10 @@
 
 #include <climits>
 #include <cstdint>
+#include <cstring>
 
 #include "core/PixelMath.h"
+#include "frame/DibSection.h"
 #include "frame/Handles.h"
 #include "zcmod/VuikBitmap.h"
 #include "zcmod/VuikLib.h"
@@ -35,6 +37,53 @@ int BitmapDepth(HBITMAP bitmap)
 {
     BITMAP bm = {};
     return bitmap && GetObjectW(bitmap, sizeof(bm), &bm) ? bm.bmBitsPixel * bm.bmPlanes : 0;
+}
+
+// Whether the first row of the section `dc` draws on is the top row. The description of a section does not
+// say (its height is positive either way), so ask the context: mark the first byte of the first row in memory
+// so that it differs from the last row's, read the pixel at the device's origin, and put the byte back.
+// False with `known` false when the context can't tell.
+bool FirstRowIsTop(HDC dc, const SectionPixels& target, bool& known)
+{
+    known = true;
+    if (target.height < 2)
+        return true;
+    uint8_t* first = target.bits;
+    const uint8_t* last = target.bits + static_cast<ptrdiff_t>(target.stride) * (target.height - 1);
+    const uint8_t saved = first[0];
+    const uint8_t mark = static_cast<uint8_t>(~last[0]);
+    first[0] = mark;
+    POINT origin = {0, 0};
+    DPtoLP(dc, &origin, 1);
+    const COLORREF seen = GetPixel(dc, origin.x, origin.y);
+    first[0] = saved;
+    known = seen != CLR_INVALID;
+    return known && GetBValue(seen) == mark;
+}
+
+// The section that `dc` draws on, when drawing there is a plain copy to its memory: a memory context without a
+// clip region, mirroring or transform, whose logical rectangle `dest` lies inside the bitmap. `x` and `y` get
+// the rectangle's place in the bitmap.
+bool DrawsStraightOn(HDC dc, const RECT& dest, SectionPixels& target, int& x, int& y)
+{
+    if (GetObjectType(dc) != OBJ_MEMDC || GetMapMode(dc) != MM_TEXT || GetGraphicsMode(dc) != GM_COMPATIBLE)
+        return false;
+    RegionHandle clip(CreateRectRgn(0, 0, 0, 0));
+    if (!clip || GetClipRgn(dc, clip.Get()) != 0)
+        return false;
+    if (!GetSectionPixels(static_cast<HBITMAP>(GetCurrentObject(dc, OBJ_BITMAP)), target))
+        return false;
+    POINT corners[2] = {{dest.left, dest.top}, {dest.right, dest.bottom}};
+    if (!LPtoDP(dc, corners, 2) || corners[1].x - corners[0].x != dest.right - dest.left ||
+        corners[1].y - corners[0].y != dest.bottom - dest.top)
+        return false;
+    x = corners[0].x;
+    y = corners[0].y;
+    if (x < 0 || y < 0 || corners[1].x > target.width || corners[1].y > target.height)
+        return false;
+    bool known = false;
+    target.topDown = FirstRowIsTop(dc, target, known);
+    return known;
 }
 
 // Image, mask and background of one masked draw, one above the other in a 24-bit top-down section of w x 3h,
@@ -91,10 +140,38 @@ bool DrawMaskedDirect(HDC hdc, CVuikBitmap* bitmap, const RECT& dest, const RECT
     SelectObject(from.Get(), old);
     if (!maskSelected)
         return false;
+    GdiFlush();
+    const size_t stride = static_cast<size_t>((3 * w + 3) / 4 * 4);
+    const size_t part = stride * static_cast<size_t>(h);
+    uint8_t* background = scratch.bits + 2 * part;
+
+    // A section drawn on without clip or transform is blended where it lies, row by row; a 32-bit one through
+    // the background rows of the scratch, its fourth byte set to 0 as a 24-bit copy onto it sets it.
+    SectionPixels target;
+    int x = 0, y = 0;
+    if (DrawsStraightOn(hdc, dest, target, x, y)) {
+        for (int row = 0; row < h; ++row) {
+            uint8_t* out = target.Row(y + row) + static_cast<ptrdiff_t>(x) * target.bytesPerPixel;
+            const uint8_t* image = scratch.bits + stride * row;
+            const uint8_t* mask = image + part;
+            if (target.bytesPerPixel == 3) {
+                AlphaBlendBytes(image, mask, out, out, 3 * static_cast<size_t>(w));
+                continue;
+            }
+            uint8_t* under = background + stride * row;
+            for (int i = 0; i < w; ++i)
+                memcpy(under + 3 * i, out + 4 * i, 3);
+            AlphaBlendBytes(image, mask, under, under, 3 * static_cast<size_t>(w));
+            for (int i = 0; i < w; ++i) {
+                memcpy(out + 4 * i, under + 3 * i, 3);
+                out[4 * i + 3] = 0;
+            }
+        }
+        return true;
+    }
+    // Anything else: read back what the context shows, blend, and copy the result back.
     BitBlt(scratch.dc.Get(), 0, 2 * h, w, h, hdc, dest.left, dest.top, SRCCOPY);
     GdiFlush();
-    const size_t part = static_cast<size_t>((3 * w + 3) / 4 * 4) * static_cast<size_t>(h);
-    uint8_t* background = scratch.bits + 2 * part;
     AlphaBlendBytes(scratch.bits, scratch.bits + part, background, background, part);
     BitBlt(hdc, dest.left, dest.top, w, h, scratch.dc.Get(), 0, 2 * h, SRCCOPY);
     return true;

@@ -59,22 +59,6 @@ Bytes RandomTable(unsigned seed)
 
 }  // namespace
 
-TEST(PixelMath, AlphaBlendShiftsByEightSo255Becomes254)
-{
-    const uint8_t image[] = {255, 0, 200, 255, 10};
-    const uint8_t alpha[] = {0, 255, 128, 255, 0};
-    const uint8_t background[] = {7, 255, 100, 255, 99};
-    uint8_t result[5] = {};
-    AlphaBlendBytes(image, alpha, background, result, 5);
-    // (200 * 127 + 100 * 128) >> 8 = 149; 10 * 255 >> 8 = 9.
-    EXPECT_EQ(Bytes(result, result + 5), (Bytes{254, 254, 149, 254, 9}));
-    uint8_t untouched[1] = {42};
-    AlphaBlendBytes(image, alpha, background, untouched, 0);
-    AlphaBlendBytes(nullptr, alpha, background, untouched, 1);
-    AlphaBlendBytes(image, alpha, background, nullptr, 1);
-    EXPECT_EQ(untouched[0], 42);
-}
-
 TEST(PixelMath, MixFadeDifferenceAndColourMatch)
 {
     // Blue: (255 * 75 + 0 * 25) / 100 = 191; red: (0 * 75 + 255 * 25) / 100 = 63. The top byte is dropped.
@@ -295,7 +279,14 @@ TEST(PixelMath, EveryBlendFormEqualsTheReference)
                             chosen.data() + offset, length);
             EXPECT_EQ(chosen, expected);
         }
-    // Every byte triple once, through each form: the whole table of the arithmetic.
+    // A null pointer blends nothing.
+    uint8_t untouched[1] = {42};
+    const uint8_t one[1] = {200};
+    AlphaBlendBytes(nullptr, one, one, untouched, 1);
+    AlphaBlendBytes(one, one, one, nullptr, 1);
+    EXPECT_EQ(untouched[0], 42);
+    // Every image and alpha byte over six backgrounds, through each form, against the formula written out:
+    // (image * (255 - alpha) + background * alpha) >> 8, so that 255 comes out 254 for every alpha.
     Bytes image, alpha, background;
     for (int i = 0; i < 256; ++i)
         for (int a = 0; a < 256; ++a)

@@ -93,25 +93,9 @@ TEST(SkinPrimitives, BlenderArithmeticAndColourMatch)
     Lib::BlenderFunc(mask, under, image, result, 6);
     EXPECT_EQ(std::vector<BYTE>(result, result + 7), (std::vector<BYTE>{254, 254, 149, 8, 6, 189, 1}));
 
-    // {pixel, colour, tolerance, match}: a difference of -1 passes a zero limit once another byte of the
-    // tolerance isn't 0, +1 doesn't; a zero tolerance compares all 32 bits, another ignores the top byte; a
-    // limit of 1 lets 3 and 2 pass against 4 but not 1, and 5 but not 6.
-    const DWORD cases[][4] = {{0, 1, 0x100, 1},
-                              {1, 0, 0x100, 0},
-                              {5, 6, 0, 0},
-                              {5, 5, 0, 1},
-                              {0x01000005, 5, 0, 0},
-                              {0x01000005, 5, 0x010101, 1},
-                              {5, 4, 1, 1},
-                              {6, 4, 1, 0},
-                              {3, 4, 1, 1},
-                              {2, 4, 1, 1},
-                              {1, 4, 1, 0},
-                              {0x300000, 0x320000, 0x010000, 1},
-                              {0x330000, 0x320000, 1, 0}};
-    for (const auto& c : cases)
-        EXPECT_EQ(CVuikLib::TestColorMatch(c[0], c[1], c[2]), static_cast<int>(c[3]))
-            << std::hex << c[0] << " " << c[1] << " " << c[2];
+    // The colour match is the core's rule (its table is in the native tests); the library's entry reaches it.
+    EXPECT_EQ(CVuikLib::TestColorMatch(0, 1, 0x100), 1);
+    EXPECT_EQ(CVuikLib::TestColorMatch(1, 0, 0x100), 0);
 }
 
 TEST(SkinPrimitives, BlendThroughTheMask)
