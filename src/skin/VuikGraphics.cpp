@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 #include "core/PixelMath.h"
 #include "frame/DibSection.h"
@@ -113,6 +114,74 @@ struct Scratch {
     bool Ok() const { return bits && old; }
 };
 
+// `source` of a picture that is a section, its rows in place, when `from` (a spare memory context) tells
+// which way up they lie.
+bool TakeRows(HDC from, HBITMAP picture, const RECT& source, SectionPixels& rows)
+{
+    if (!GetSectionPixels(picture, rows) || source.left < 0 || source.top < 0 || source.right > rows.width ||
+        source.bottom > rows.height)
+        return false;
+    HGDIOBJ old = SelectObject(from, picture);
+    if (!old)
+        return false;
+    bool known = false;
+    rows.topDown = FirstRowIsTop(from, rows, known);
+    SelectObject(from, old);
+    return known;
+}
+
+// A row of `width` pixels of `bytes` bytes each, as blue, green, red: in place for 3, else copied to `row`.
+const uint8_t* Row24(const uint8_t* pixels, int bytes, int width, std::vector<uint8_t>& row)
+{
+    if (bytes == 3)
+        return pixels;
+    row.resize(3 * static_cast<size_t>(width));
+    for (int i = 0; i < width; ++i)
+        memcpy(&row[3 * static_cast<size_t>(i)], pixels + 4 * static_cast<size_t>(i), 3);
+    return row.data();
+}
+
+// When picture, mask and target are all sections that can be reached directly (see DrawsStraightOn), the
+// blend reads and writes them where they lie, row by row: no copy at all. A 32-bit target gets 0 in its fourth
+// bytes, as a 24-bit copy onto it gives.
+bool BlendSectionsInPlace(HDC hdc, HDC from, CVuikBitmap* bitmap, const RECT& dest, const RECT& source)
+{
+    SectionPixels image, mask, target;
+    int x = 0, y = 0;
+    if (!TakeRows(from, bitmap->GetPrimary(), source, image) || !TakeRows(from, bitmap->GetMask(), source, mask) ||
+        !DrawsStraightOn(hdc, dest, target, x, y))
+        return false;
+    const int w = dest.right - dest.left;
+    const int h = dest.bottom - dest.top;
+    const bool allFour = image.bytesPerPixel == 4 && mask.bytesPerPixel == 4 && target.bytesPerPixel == 4;
+    std::vector<uint8_t> imageRow, maskRow, under;
+    for (int row = 0; row < h; ++row) {
+        const uint8_t* in = image.Row(source.top + row) + static_cast<ptrdiff_t>(source.left) * image.bytesPerPixel;
+        const uint8_t* weights = mask.Row(source.top + row) + static_cast<ptrdiff_t>(source.left) * mask.bytesPerPixel;
+        uint8_t* out = target.Row(y + row) + static_cast<ptrdiff_t>(x) * target.bytesPerPixel;
+        if (allFour) {
+            // The fourth bytes blend too, and are then set to 0.
+            AlphaBlendBytes(in, weights, out, out, 4 * static_cast<size_t>(w));
+            for (int i = 0; i < w; ++i)
+                out[4 * i + 3] = 0;
+            continue;
+        }
+        const uint8_t* in24 = Row24(in, image.bytesPerPixel, w, imageRow);
+        const uint8_t* weights24 = Row24(weights, mask.bytesPerPixel, w, maskRow);
+        if (target.bytesPerPixel == 3) {
+            AlphaBlendBytes(in24, weights24, out, out, 3 * static_cast<size_t>(w));
+            continue;
+        }
+        const uint8_t* under24 = Row24(out, 4, w, under);
+        AlphaBlendBytes(in24, weights24, under24, under.data(), 3 * static_cast<size_t>(w));
+        for (int i = 0; i < w; ++i) {
+            memcpy(out + 4 * i, &under[3 * static_cast<size_t>(i)], 3);
+            out[4 * i + 3] = 0;
+        }
+    }
+    return true;
+}
+
 // A masked picture drawn without a stretch, through one 24-bit section whose memory the blend reads and
 // writes directly: the same copies, read-back and write as the long way, without BlendBitmap's reads and write
 // through GetDIBits and SetDIBits and its buffers. False when the long way has to do it: a stretch, a mirrored
@@ -125,9 +194,13 @@ bool DrawMaskedDirect(HDC hdc, CVuikBitmap* bitmap, const RECT& dest, const RECT
         static_cast<int64_t>(h) * 3 > INT_MAX / 4 / (w > 0 ? w : 1) || GetLayout(hdc) != 0 || TargetDepth(hdc) < 24 ||
         BitmapDepth(bitmap->GetPrimary()) < 24 || BitmapDepth(bitmap->GetMask()) < 24)
         return false;
-    Scratch scratch(hdc, w, h);
     MemoryDC from(CreateCompatibleDC(hdc));
-    if (!scratch.Ok() || !from)
+    if (!from)
+        return false;
+    if (BlendSectionsInPlace(hdc, from.Get(), bitmap, dest, source))
+        return true;
+    Scratch scratch(hdc, w, h);
+    if (!scratch.Ok())
         return false;
     // The two parts, as CopyBitmapPart copies them without a stretch, then what the context shows there.
     HGDIOBJ old = SelectObject(from.Get(), bitmap->GetPrimary());

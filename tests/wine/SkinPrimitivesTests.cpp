@@ -397,11 +397,12 @@ TEST(SkinPrimitives, MaskedDrawWithoutStretchBlendsEveryPixelByTheRule)
             for (int x = 0; x < width; ++x)
                 SetPixelV(dc, x, y, ToColorRef(colour(x, y)));
     };
-    // A picture of `bits` bits a pixel (0: compatible with the screen) painted with `colour`.
+    // A picture of `bits` bits a pixel (0: compatible with the screen; negative: top-down) painted with `colour`.
     auto picture = [&](int bits, const Colour& colour) {
         HDC screen = GetDC(nullptr);
         BITMAPINFO info = {};
-        info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, h, 1, static_cast<WORD>(bits), BI_RGB, 0, 0, 0, 0, 0};
+        info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, bits < 0 ? -h : h, 1, static_cast<WORD>(bits < 0 ? -bits : bits),
+                          BI_RGB, 0, 0, 0, 0, 0};
         HBITMAP bitmap = trash(bits ? CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, nullptr, nullptr, 0)
                                     : CreateCompatibleBitmap(screen, w, h));
         HDC dc = CreateCompatibleDC(screen);
@@ -430,7 +431,7 @@ TEST(SkinPrimitives, MaskedDrawWithoutStretchBlendsEveryPixelByTheRule)
     };
     const Target targets[] = {{32, -th, false}, {32, th, false}, {24, th, false}, {24, -th, false}, {32, -th, true},
                               {0, th, false}};
-    for (int pictureBits : {24, 32, 0})
+    for (int pictureBits : {24, 32, -24, -32, 0})
         for (const Target& t : targets) {
             CVuikBitmap masked;
             masked.Attach(picture(pictureBits, pictureOf));
