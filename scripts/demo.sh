@@ -45,6 +45,7 @@ cp -r "$bin/pictures" "$run/pictures"
 # The stand-in connectivity service and its controller; the virtual phones live in "phones" beside them.
 cp "$bin/standins/service/LinkAPI64.dll" "$bin/standins/service/DAAPI64.dll" \
    "$bin/standins/service/VersitConverter64.dll" "$bin/phonectl.exe" "$run/"
+cp standins/samples/contacts.vcf "$run/sample-contacts.vcf"
 
 # The settings the library reads, for the stand-in settings library's manufacturer "Zelvo".
 export WINEPREFIX="$ZCMOD_WINE_DEMO" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
@@ -85,6 +86,8 @@ session='
   wine regedit /S "$1" >/dev/null 2>&1
   wine "$2/phonectl.exe" new sample --name "Sample phone" --contacts 300 --files 12 >/dev/null 2>&1 ||
     { echo "demo: phonectl could not make the sample phone" >&2; exit 1; }
+  wine "$2/phonectl.exe" contacts sample "$2/sample-contacts.vcf" --append >/dev/null 2>&1 ||
+    { echo "demo: phonectl could not load the sample contacts" >&2; exit 1; }
   reg=$1 run=$2; shift 2
   wine "$run/gallery.exe" "$@"
   rc=$?

@@ -6,5 +6,9 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeFramePage());
     pages.push_back(MakePicturesPage());
     pages.push_back(MakeSkinPage());
+    pages.push_back(MakeDevicePage());
+    pages.push_back(MakeRtlPage());
+    pages.push_back(MakeTabsPage());
+    pages.push_back(MakeListViewPage());
     return pages;
 }

@@ -18,6 +18,21 @@
 /* The library's own resources (zcmod.dll): the child template of the phone file dialog. */
 #define ZCMOD_DLG_FILE_DIALOG 1000
 
+/* Language module: the phone's state in the title bar, and the device selection window. */
+#define ZLR_STR_TITLE_NO_DEVICE 0x22     /* no phone */
+#define ZLR_STR_TITLE_UNSUPPORTED 0x23   /* only phones the application can't work with */
+#define ZLR_STR_TITLE_ATTACHED 0x24      /* one "%s": the phone's friendly name */
+#define ZLR_STR_TITLE_CHOOSE 0x26        /* several phones and none chosen */
+#define ZLR_STR_DEVSEL_CAPTION 4100
+#define ZLR_STR_DEVSEL_PROMPT 4101
+#define ZLR_STR_DEVSEL_OK 4102
+#define ZLR_STR_DEVSEL_CANCEL 4103
+#define ZLR_STR_DEVSEL_REFRESH 4104
+#define ZLR_STR_DEVSEL_CONNECTIONS 4105
+#define ZLR_STR_DEVSEL_EMPTY 4107
+#define ZLR_STR_DEVSEL_UNSUPPORTED 4108
+#define ZLR_STR_DEVSEL_HELP_TEXT 4109
+
 /* Graphics module (Resource\ZCMOD_<theme>.zgr): colours as "red,green,blue" strings. */
 #define ZGR_COLOR_TEXT 600
 #define ZGR_COLOR_TEXT_DISABLED 601
@@ -28,6 +43,10 @@
 #define ZGR_COLOR_HIGHLIGHT 606
 #define ZGR_COLOR_BORDER 607
 
+/* Graphics module: list view and edit. The column texts of the list view's header, drawn on the header's light
+   gradient in every theme. */
+#define ZGR_COLOR_LISTVIEW_HEADER_TEXT 4300
+
 /* Graphics module: the theme's name, for display. */
 #define ZGR_STR_THEME_NAME 1
 
@@ -36,5 +55,23 @@
 #define ZGR_FONT_BOLD 34002
 #define ZGR_FONT_OBLIQUE 34003
 #define ZGR_FONT_BOLD_OBLIQUE 34004
+
+/* Graphics module: the colours of the plain dialogs of CDkhDialog. */
+#define ZGR_COLOR_DIALOG_BACKGROUND 2
+#define ZGR_COLOR_DIALOG_TEXT 100
+
+/* Language module: the recipient box's messages on a malformed or unknown recipient. */
+#define ZLR_STR_RECIPIENT_PHONE_ONLY 0x8344
+#define ZLR_STR_RECIPIENT_EMAIL_ONLY 0x8345
+#define ZLR_STR_RECIPIENT_PHONE_OR_EMAIL 0x8346
+#define ZLR_STR_RECIPIENT_UNKNOWN 0x8347
+
+/* The library's own module: plain dialog templates served by CDkhDialog, in English and Hebrew. */
+#define IDD_ZCMOD_SYSTEM_INFORMATION 105
+#define IDC_ZCMOD_SYSTEM_INFORMATION_TEXT 1001
+#define IDD_ZCMOD_RECIPIENTS 701
+#define IDC_ZCMOD_RECIPIENTS_LIST 1002
+#define IDC_ZCMOD_RECIPIENTS_FILTER 1003
+#define IDC_ZCMOD_RECIPIENTS_LABEL 1004
 
 #endif

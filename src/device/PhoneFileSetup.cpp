@@ -6,6 +6,7 @@
 #include "frame/Handles.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/PhoneFileDialog.h"
+#include "zcmod/RTLHelper.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
 
@@ -113,12 +114,7 @@ bool IsRightToLeft()
 {
     CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
     const wchar_t* code = handler ? handler->GetLanguageName() : nullptr;
-    if (!code)
-        return false;
-    for (const wchar_t* rtl : {L"heb", L"ara", L"far", L"urd"})
-        if (_wcsicmp(code, rtl) == 0)
-            return true;
-    return false;
+    return CRTLHelper::IsRTL(code) != 0;
 }
 
 std::wstring LoadText(UINT id)

@@ -101,6 +101,15 @@ protected:
     ~IDMAPIDeviceNotify() = default;
 };
 
+// What LNKAGetDeviceInfo tells about a device (freed by LNKAFreeDeviceInfoStructure with the same type).
+#define LNKA_DEVICE_INFO_CAPABILITIES 1  // the device's capability text (device/core/DeviceCapabilities.h)
+
+struct LNKA_DEVICE_INFO {
+    DWORD dwSize;      // sizeof(LNKA_DEVICE_INFO)
+    DWORD dwInfoType;  // LNKA_DEVICE_INFO_
+    wchar_t* pstrText;
+};
+
 // --- File system --------------------------------------------------------------------------------------------
 // Directions of LNKACopyFile.
 #define LNKA_COPY_FROM_DEVICE 0x12  // phone to computer: source is a phone folder, destination a local one
@@ -212,3 +221,4 @@ static_assert(offsetof(ContactItem, bPersonalCount) == 4 && offsetof(ContactItem
 static_assert(offsetof(ContactItem, bNumberCount) == 16 && offsetof(ContactItem, pNumbers) == 24, "ContactItem");
 static_assert(offsetof(ContactItem, bAddressCount) == 32 && offsetof(ContactItem, pAddresses) == 40, "ContactItem");
 static_assert(sizeof(CA_DATA_VERSIT) == 16, "CA_DATA_VERSIT");
+static_assert(sizeof(LNKA_DEVICE_INFO) == 16, "LNKA_DEVICE_INFO");

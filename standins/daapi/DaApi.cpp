@@ -2,7 +2,8 @@
 //
 // A connection reads the phone's vCard file when it opens; its contacts have the ids 1, 2, ... in the file's
 // order, in one folder (id 1, "Contacts"). Every call checks that the phone is still attached (at most every
-// 50 milliseconds); once it is gone, calls on the connection fail with LNKA_E_DEVICE_NOT_CONNECTED.
+// 50 milliseconds); once it is gone, calls on the connection fail with LNKA_E_DEVICE_NOT_CONNECTED. A slow
+// phone ("finddelay" in its phone.ini, read when the connection opens) sleeps that long in each CAFindBegin.
 #include <cstring>
 
 #include "PhoneService.h"
@@ -287,6 +288,8 @@ CA_EXPORT CAFindBegin(HCA ca, DWORD, const ContactItem* condition, HCAFIND* find
     const ContactField* field = nullptr;
     if (!find || !ReadCondition(condition, field))
         return LNKA_E_INVALID_PARAMETER;
+    if (connection->phone.findDelay)
+        Sleep(connection->phone.findDelay);
     auto state = std::make_shared<Find>();
     state->connection = connection;
     const std::u16string pattern = ToU16(field->pstrValue);

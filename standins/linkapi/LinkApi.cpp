@@ -564,12 +564,48 @@ LNKA_EXPORT LNKARegisterDMNotifyIF(HLNKADM dm, DWORD state, IDMAPIDeviceNotify* 
     return notify ? Register(session->interfaces, state, notify) : LNKA_E_INVALID_PARAMETER;
 }
 
+// LNKA_DEVICE_INFO_CAPABILITIES: the phone's capability text. A phone without one: LNKA_E_NOT_SUPPORTED.
+LNKA_EXPORT LNKAGetDeviceInfo(HLNKADM dm, const wchar_t* serial, DWORD infoType, LNKA_DEVICE_INFO** info)
+{
+    if (!g_dmSessions.Get(dm))
+        return LNKA_E_INVALID_HANDLE;
+    if (!serial || !info)
+        return LNKA_E_INVALID_PARAMETER;
+    if (infoType != LNKA_DEVICE_INFO_CAPABILITIES)
+        return LNKA_E_NOT_SUPPORTED;
+    PhoneInfo phone;
+    if (!FindPhone(Root(), serial, phone) || !phone.attached)
+        return LNKA_E_DEVICE_NOT_CONNECTED;
+    std::wstring text;
+    if (!ReadCapabilityText(phone, text))
+        return LNKA_E_NOT_SUPPORTED;
+    auto* result = static_cast<LNKA_DEVICE_INFO*>(HeapZeroed(sizeof(LNKA_DEVICE_INFO)));
+    if (!result)
+        return LNKA_E_OUT_OF_MEMORY;
+    result->dwSize = sizeof(LNKA_DEVICE_INFO);
+    result->dwInfoType = infoType;
+    result->pstrText = HeapString(text);
+    if (!result->pstrText) {
+        HeapRelease(result);
+        return LNKA_E_OUT_OF_MEMORY;
+    }
+    *info = result;
+    return LNKA_OK;
+}
+
+LNKA_EXPORT LNKAFreeDeviceInfoStructure(DWORD infoType, LNKA_DEVICE_INFO* info)
+{
+    if (!info || infoType != LNKA_DEVICE_INFO_CAPABILITIES || info->dwSize != sizeof(LNKA_DEVICE_INFO))
+        return LNKA_E_INVALID_PARAMETER;
+    HeapRelease(info->pstrText);
+    HeapRelease(info);
+    return LNKA_OK;
+}
+
 STANDIN_NOT_SUPPORTED(LNKASetDeviceListOption, HLNKADM, DWORD, DWORD)
 STANDIN_NOT_SUPPORTED(LNKASearchDevices, STANDIN_ARGS_6)
 STANDIN_NOT_SUPPORTED(LNKAFreeConnectionInfoStructures, STANDIN_ARGS_2)
 STANDIN_NOT_SUPPORTED(LNKAChangeDeviceTrustedState, STANDIN_ARGS_5)
-STANDIN_NOT_SUPPORTED(LNKAGetDeviceInfo, STANDIN_ARGS_4)
-STANDIN_NOT_SUPPORTED(LNKAFreeDeviceInfoStructure, STANDIN_ARGS_2)
 STANDIN_NOT_SUPPORTED(LNKAModemConfig, STANDIN_ARGS_6)
 STANDIN_NOT_SUPPORTED(LNKAFreeModemConfigData, STANDIN_ARGS_2)
 STANDIN_NOT_SUPPORTED(LNKAGetDeviceServiceInfo, STANDIN_ARGS_4)

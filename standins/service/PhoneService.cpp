@@ -162,6 +162,8 @@ bool ReadPhone(const std::wstring& folder, PhoneInfo& phone)
             phone.media = MediaFromName(value) ? MediaFromName(value) : LNKA_MEDIA_USB;
         else if (key == "copydelay")
             phone.copyDelay = static_cast<DWORD>(std::wcstoul(value.c_str(), nullptr, 10));
+        else if (key == "finddelay")
+            phone.findDelay = static_cast<DWORD>(std::wcstoul(value.c_str(), nullptr, 10));
     }
     return !phone.serial.empty();
 }
@@ -172,7 +174,8 @@ bool WritePhone(const PhoneInfo& phone)
                        "\r\nmodel=" + WideToUtf8(phone.model) + "\r\nmanufacturer=" + WideToUtf8(phone.manufacturer) +
                        "\r\nattached=" + (phone.attached ? "1" : "0") +
                        "\r\nmedia=" + WideToUtf8(MediaName(phone.media)) +
-                       "\r\ncopydelay=" + std::to_string(phone.copyDelay) + "\r\n";
+                       "\r\ncopydelay=" + std::to_string(phone.copyDelay) +
+                       "\r\nfinddelay=" + std::to_string(phone.findDelay) + "\r\n";
     CreateDirectoryW(phone.folder.c_str(), nullptr);
     return WriteFileBytes(phone.folder + L"\\phone.ini", text);
 }
@@ -211,6 +214,38 @@ bool FindPhone(const std::wstring& root, const wchar_t* serial, PhoneInfo& phone
 std::vector<Contact> ReadContacts(const PhoneInfo& phone)
 {
     return ParseVCards(ReadFileBytes(phone.folder + L"\\contacts.vcf"));
+}
+
+bool WriteContacts(const PhoneInfo& phone, const std::vector<Contact>& contacts, VCardVersion version)
+{
+    std::string cards;
+    for (const Contact& contact : contacts)
+        cards += WriteVCard(contact, version);
+    return WriteFileBytes(phone.folder + L"\\contacts.vcf", cards);
+}
+
+bool ReadCapabilityText(const PhoneInfo& phone, std::wstring& text)
+{
+    const std::string bytes = ReadFileBytes(phone.folder + L"\\capabilities.txt");
+    text = Utf8ToWide(bytes.compare(0, 3, "\xEF\xBB\xBF") == 0 ? bytes.substr(3) : bytes);
+    return !bytes.empty();
+}
+
+bool WriteCapabilityText(const PhoneInfo& phone, const std::wstring& text)
+{
+    const std::wstring path = phone.folder + L"\\capabilities.txt";
+    if (text.empty())
+        return DeleteFileW(path.c_str()) || GetLastError() == ERROR_FILE_NOT_FOUND;
+    return WriteFileBytes(path, WideToUtf8(text));
+}
+
+std::wstring DefaultCapabilityText(const PhoneInfo& phone)
+{
+    const std::wstring type = phone.manufacturer + L" " + phone.model;
+    return L"PhoneType=" + type + L"\r\n[" + type + L"]\r\nManufacturer=" + phone.manufacturer + L"\r\nModel=" +
+           phone.model +
+           L"\r\nMemType=Phone,Card\r\nFolderNLen=64\r\nFileNLen=128\r\nCaseSenN=0\r\n"
+           L"Object=Contacts,Files,Pictures\r\nName-Ext=jpg,png,gif,bmp,mid,mp3,txt\r\nConversion=vcf\r\n";
 }
 
 bool IsValidName(const wchar_t* name)

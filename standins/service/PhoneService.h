@@ -9,7 +9,10 @@
 //
 //   <root>\<phone>\phone.ini      UTF-8 "key=value" lines: serial, name (friendly name), model, manufacturer,
 //                                 attached (1 or 0), media (usb, bluetooth, irda or serial), copydelay
-//                                 (milliseconds slept per transferred block, to make a copy slow on purpose)
+//                                 (milliseconds slept per transferred block, to make a copy slow on purpose),
+//                                 finddelay (milliseconds slept by each contact search, a slow phone)
+//   <root>\<phone>\capabilities.txt  UTF-8, the phone's capability text (device/core/DeviceCapabilities.h);
+//                                 a phone without one is a phone the suite doesn't know
 //   <root>\<phone>\contacts.vcf   the phone's contacts, vCard 2.1 or 3.0
 //   <root>\<phone>\files\         the phone's file system; a top folder with a one-letter name is a drive
 //                                 ("files\C\Pictures" is "\C:\Pictures" on the phone)
@@ -62,6 +65,7 @@ struct PhoneInfo {
     bool attached = false;
     DWORD media = LNKA_MEDIA_USB;
     DWORD copyDelay = 0;
+    DWORD findDelay = 0;
 
     DWORD DeviceId() const;  // the service's number for the phone's connection, from its serial
 };
@@ -74,6 +78,12 @@ bool WritePhone(const PhoneInfo& phone);
 // The phone with this serial (attached or not); false if none.
 bool FindPhone(const std::wstring& root, const wchar_t* serial, PhoneInfo& phone);
 std::vector<Contact> ReadContacts(const PhoneInfo& phone);
+bool WriteContacts(const PhoneInfo& phone, const std::vector<Contact>& contacts, VCardVersion version);
+// The capability text; false if the phone has none. An empty text removes the file.
+bool ReadCapabilityText(const PhoneInfo& phone, std::wstring& text);
+bool WriteCapabilityText(const PhoneInfo& phone, const std::wstring& text);
+// What a phone of this manufacturer and model can do, as `new` gives it.
+std::wstring DefaultCapabilityText(const PhoneInfo& phone);
 const wchar_t* MediaName(DWORD media);
 DWORD MediaFromName(const std::wstring& name);
 

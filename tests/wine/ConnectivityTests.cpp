@@ -311,7 +311,8 @@ TEST_F(Connectivity, EveryStubReachesAnExportOfTheStandIns)
         true, STUB(DMAPI_GetAPIVersion, 0), STUB(LNKAOpenDM, 1), STUB(LNKACloseDM, 1), STUB(LNKAGetDeviceCount, 2),
         STUB(LNKAGetDevices, 3), STUB(LNKAGetDevice, 3), STUB(LNKAFreeDeviceStructure, 2),
         STUB(LNKARefreshDeviceList, 2), STUB(LNKARenameFriendlyName, 3), STUB(LNKARegisterNotifyCallback, 3),
-        STUB(LNKARegisterDMNotifyIF, 3), STUB(FSAPI_GetAPIVersion, 0), STUB(LNKAOpenFS, 4), STUB(LNKACloseFS, 1),
+        STUB(LNKARegisterDMNotifyIF, 3), STUB(LNKAGetDeviceInfo, 4), STUB(LNKAFreeDeviceInfoStructure, 2),
+        STUB(FSAPI_GetAPIVersion, 0), STUB(LNKAOpenFS, 4), STUB(LNKACloseFS, 1),
         STUB(LNKARegisterFSNotifyCallback, 3), STUB(LNKARegisterFSNotifyIF, 3), STUB(LNKARefreshDeviceMemoryValues, 1),
         STUB(LNKAFindBegin, 4), STUB(LNKAFindNextFolder, 2), STUB(LNKAFindNextFile, 2), STUB(LNKAFindEnd, 1),
         STUB(LNKACreateFolder, 3), STUB(LNKADeleteFolder, 4), STUB(LNKARenameFolder, 4), STUB(LNKAGetFolderInfo, 6),
@@ -324,7 +325,7 @@ TEST_F(Connectivity, EveryStubReachesAnExportOfTheStandIns)
         STUB(CAFreeItemData, 3), STUB(CAFindBegin, 4), STUB(CAFindNext, 3), STUB(CAFindEnd, 1));
     const size_t unsupported = CheckStubs(
         false, STUB(LNKASetDeviceListOption, 3), STUB(LNKASearchDevices, 6), STUB(LNKAFreeConnectionInfoStructures, 2),
-        STUB(LNKAChangeDeviceTrustedState, 5), STUB(LNKAGetDeviceInfo, 4), STUB(LNKAFreeDeviceInfoStructure, 2),
+        STUB(LNKAChangeDeviceTrustedState, 5),
         STUB(LNKAModemConfig, 6), STUB(LNKAFreeModemConfigData, 2), STUB(LNKAGetDeviceServiceInfo, 4),
         STUB(LNKAFreeDeviceServiceInfoStructure, 1), STUB(LNKAInstallDeviceService, 5), STUB(LNKAGetMemoryTypes, 2),
         STUB(LNKAGetMemoryValues, 5), STUB(LNKASetCurrentFolder, 2), STUB(LNKAGetCurrentFolder, 2),

@@ -403,3 +403,39 @@ TEST_F(Service, ContactsReadAndSearchedAsTheLibraryAsks)
     EXPECT_EQ(CAFindEnd(find), S_OK);
     EXPECT_EQ(DACloseCA(ca), S_OK);
 }
+
+// A contact file of non-Latin and right-to-left names, loaded by the controller card by card through the
+// converter; an empty card is refused. A slow phone takes its delay in each search.
+TEST_F(Service, ContactsFromAFileAndASlowPhone)
+{
+    const std::wstring serial = phones.New(L"loaded");
+    const std::wstring file = DataFile("../../standins/samples/contacts.vcf");
+    const ProcessResult loaded = phones.Ctl(L"contacts loaded \"" + file + L"\"");
+    ASSERT_EQ(loaded.exitCode, 0u) << loaded.output;
+    EXPECT_NE(loaded.output.find("9 contacts loaded, 1 refused, 9 on the phone"), std::string::npos) << loaded.output;
+    ASSERT_EQ(phones.Ctl(L"slow loaded 150").exitCode, 0u);
+
+    ASSERT_EQ(CAAPI_Initialize(kCaapiVersion, 0), S_OK);
+    HCA ca = nullptr;
+    DWORD target = CA_TARGET_CONTACTS;
+    ASSERT_EQ(DAOpenCA(serial.c_str(), &target, 1, &ca), S_OK);
+    const struct {
+        int slot;
+        DWORD fieldClass, subType;
+        const wchar_t* pattern;
+        Names names;
+    } searches[] = {
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, L"דנ%", {L"דנה לוי"}},
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, L"حد%", {L"ليلى حداد"}},
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, L"аНН%", {L"Анна Иванова"}},  // case in Cyrillic
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, L"王", {L"芳 王"}},
+        {1, CA_FIELD_CLASS_NUMBER, CA_FIELD_SUBTYPE_ANY, L"+972 3 555 0102", {L"דנה לוי"}},
+        {2, CA_FIELD_CLASS_ADDRESS, CA_ADDRESS_EMAIL_WORK, L"s.brennan@%", {L"Siobhán Brennan"}},
+    };
+    for (const auto& s : searches) {
+        const DWORD start = GetTickCount();
+        EXPECT_EQ(Search(ca, s.slot, s.fieldClass, s.subType, s.pattern), s.names) << s.subType;
+        EXPECT_GE(GetTickCount() - start, 140u) << "the slow phone answered at once";
+    }
+    EXPECT_EQ(DACloseCA(ca), S_OK);
+}

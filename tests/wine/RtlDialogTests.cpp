@@ -1,0 +1,495 @@
+// Right-to-left support and the dialog base under Wine: the language table, template flips on real templates of
+// both layouts (every control mirrored, nothing else changed), the settings reader, CDkhDialog's map, colours and
+// brushes in a modal loop, and the recipient rules on a real rich edit box.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <commctrl.h>
+#include <richedit.h>
+
+#include <functional>
+#include <map>
+#include <vector>
+
+#include "HandleCounter.h"
+#include "RtlDialogIds.h"
+#include "TestSupport.h"
+#include "frame/core/DialogTemplate.h"
+#include "zcmod/CommonModuleState.h"
+#include "zcmod/DkhDialog.h"
+#include "zcmod/RTLHelper.h"
+#include "zcmod/ResHandler.h"
+#include "zcmod/ResourceIds.h"
+#include "zcmod/SearchEngineControl.h"
+
+using namespace zcmod_test;
+
+namespace {
+
+HINSTANCE TestModule() { return GetModuleHandleW(nullptr); }
+
+std::vector<uint8_t> TemplateBytes(HINSTANCE module, UINT id, const DLGTEMPLATE* loaded)
+{
+    HRSRC resource = FindResourceW(module, MAKEINTRESOURCEW(id), RT_DIALOG);
+    const DWORD size = resource ? SizeofResource(module, resource) : 0;
+    const auto* bytes = reinterpret_cast<const uint8_t*>(loaded);
+    return std::vector<uint8_t>(bytes, bytes + size);
+}
+
+INT_PTR CALLBACK QuietDialogProc(HWND, UINT message, WPARAM, LPARAM) { return message == WM_INITDIALOG; }
+
+void RegisterTestClasses()
+{
+    WNDCLASSW dialogClass = {};
+    dialogClass.lpfnWndProc = DefDlgProcW;
+    dialogClass.cbWndExtra = DLGWINDOWEXTRA;
+    dialogClass.hInstance = TestModule();
+    dialogClass.lpszClassName = L"ZcmodRtlTestDialog";
+    RegisterClassW(&dialogClass);
+    WNDCLASSW controlClass = {};
+    controlClass.lpfnWndProc = DefWindowProcW;
+    controlClass.hInstance = TestModule();
+    controlClass.lpszClassName = L"ZcmodRtlTestControl";
+    RegisterClassW(&controlClass);
+}
+
+// Each control's rectangle relative to the left edge of the dialog's client area, in screen pixels.
+struct Layout {
+    LONG clientWidth = 0;
+    bool rtl = false;
+    std::map<int, RECT> controls;
+};
+
+Layout CreateAndMeasure(const void* dialogTemplate, const std::vector<zcmod::DialogItemInfo>& items)
+{
+    Layout layout;
+    HWND dialog = CreateDialogIndirectParamW(TestModule(), static_cast<const DLGTEMPLATE*>(dialogTemplate), nullptr,
+                                             QuietDialogProc, 0);
+    EXPECT_NE(dialog, nullptr);
+    if (!dialog)
+        return layout;
+    WINDOWINFO info = {};
+    info.cbSize = sizeof(info);
+    GetWindowInfo(dialog, &info);
+    layout.clientWidth = info.rcClient.right - info.rcClient.left;
+    layout.rtl = (GetWindowLongW(dialog, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0;
+    for (const zcmod::DialogItemInfo& item : items) {
+        RECT rect = {};
+        HWND control = GetDlgItem(dialog, static_cast<int>(item.id));
+        EXPECT_NE(control, nullptr) << item.id;
+        GetWindowRect(control, &rect);
+        OffsetRect(&rect, -info.rcClient.left, -info.rcClient.top);
+        layout.controls[static_cast<int>(item.id)] = rect;
+    }
+    DestroyWindow(dialog);
+    return layout;
+}
+
+bool SameItems(const zcmod::DialogItemInfo& a, const zcmod::DialogItemInfo& b)
+{
+    return a.helpId == b.helpId && a.style == b.style && a.exStyle == b.exStyle && a.x == b.x && a.y == b.y &&
+           a.cx == b.cx && a.cy == b.cy && a.id == b.id && a.windowClass.text == b.windowClass.text &&
+           a.windowClass.ordinal == b.windowClass.ordinal && a.title.text == b.title.text &&
+           a.creationData == b.creationData;
+}
+
+uint32_t DwordAt(const std::vector<uint8_t>& bytes, size_t offset)
+{
+    return bytes[offset] | (bytes[offset + 1] << 8) | (bytes[offset + 2] << 16) | (static_cast<uint32_t>(bytes[offset + 3]) << 24);
+}
+
+}  // namespace
+
+TEST(RtlHelper, LanguageCodes)
+{
+    const struct {
+        const wchar_t* code;
+        int rtl;
+    } cases[] = {{L"heb", 1}, {L"HEB", 1}, {L"Ara", 1}, {L"aRA", 1}, {L"eng", 0}, {L"he", 0},
+                 {L"hebr", 0}, {L"arab", 0}, {L"", 0}, {nullptr, 0}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.code ? c.code : L"(null)");
+        EXPECT_EQ(CRTLHelper::IsRTL(c.code), c.rtl);
+        CRTLHelper helper(c.code);
+        EXPECT_EQ(helper.IsRTL(), c.rtl);
+        helper.Initialize(c.rtl ? L"eng" : L"ara");
+        EXPECT_EQ(helper.IsRTL(), 1 - c.rtl);
+    }
+    EXPECT_EQ(CRTLHelper::IsMidEastEnabled(), GetSystemMetrics(74));
+}
+
+TEST(RtlHelper, FlipsTemplatesOfBothLayoutsAndMirrorsEveryControl)
+{
+    RegisterTestClasses();
+    const struct {
+        UINT id;
+        zcmod::DialogTemplateKind kind;
+        size_t items;
+    } cases[] = {{IDD_RTL_PLAIN, zcmod::DialogTemplateKind::Plain, 5},
+                 {IDD_RTL_EXTENDED, zcmod::DialogTemplateKind::Extended, 4}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.id);
+        DLGTEMPLATE* asLoaded = CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(c.id), 0);
+        ASSERT_NE(asLoaded, nullptr);
+        std::vector<uint8_t> original = TemplateBytes(TestModule(), c.id, asLoaded);
+        const size_t styleOffset = zcmod::DialogExStyleOffset(c.kind);
+        original[styleOffset + 2] &= ~0x40;  // as written, should an earlier run in this process have flipped it
+        zcmod::DialogTemplateInfo before;
+        ASSERT_TRUE(zcmod::ParseDialogTemplate(original.data(), original.size(), before));
+        ASSERT_EQ(before.kind, c.kind);
+        ASSERT_EQ(before.items.size(), c.items);
+        const Layout ltr = CreateAndMeasure(original.data(), before.items);
+        EXPECT_FALSE(ltr.rtl);
+
+        DLGTEMPLATE* flipped = CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(c.id), 1);
+        EXPECT_EQ(flipped, asLoaded) << "the loaded resource itself changes";
+        const std::vector<uint8_t> after = TemplateBytes(TestModule(), c.id, flipped);
+        for (size_t i = 0; i < after.size(); ++i)
+            EXPECT_EQ(after[i], original[i] | (i == styleOffset + 2 ? 0x40 : 0)) << "byte " << i;
+        EXPECT_EQ(DwordAt(after, styleOffset), before.exStyle | WS_EX_LAYOUTRTL);
+        zcmod::DialogTemplateInfo parsed;
+        ASSERT_TRUE(zcmod::ParseDialogTemplate(after.data(), after.size(), parsed));
+        ASSERT_EQ(parsed.items.size(), before.items.size());
+        for (size_t i = 0; i < parsed.items.size(); ++i)
+            EXPECT_TRUE(SameItems(parsed.items[i], before.items[i])) << "item " << i;
+
+        // Nothing clears the bit again.
+        EXPECT_EQ(DwordAt(TemplateBytes(TestModule(), c.id, CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(c.id), 0)),
+                          styleOffset) & WS_EX_LAYOUTRTL,
+                  static_cast<uint32_t>(WS_EX_LAYOUTRTL));
+
+        const Layout rtl = CreateAndMeasure(flipped, parsed.items);
+        EXPECT_TRUE(rtl.rtl);
+        EXPECT_EQ(rtl.clientWidth, ltr.clientWidth);
+        for (const auto& [id, r] : ltr.controls) {
+            SCOPED_TRACE(id);
+            const RECT& m = rtl.controls.at(id);
+            EXPECT_EQ(m.left, ltr.clientWidth - r.right);
+            EXPECT_EQ(m.right, ltr.clientWidth - r.left);
+            EXPECT_EQ(m.top, r.top);
+            EXPECT_EQ(m.bottom, r.bottom);
+        }
+    }
+    // The optional parts were all read, from both layouts.
+    DLGTEMPLATE* plain = CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(IDD_RTL_PLAIN), 0);
+    const std::vector<uint8_t> plainBytes = TemplateBytes(TestModule(), IDD_RTL_PLAIN, plain);
+    zcmod::DialogTemplateInfo info;
+    ASSERT_TRUE(zcmod::ParseDialogTemplate(plainBytes.data(), plainBytes.size(), info));
+    EXPECT_TRUE(info.menu.isOrdinal && info.menu.ordinal == IDM_RTL_TEST_MENU);
+    EXPECT_EQ(info.windowClass.text, u"ZCMODRTLTESTDIALOG");  // windres writes class names in capitals
+    EXPECT_EQ(info.title.text, u"Plain template");
+    EXPECT_EQ(info.typeface, u"MS Shell Dlg");
+    EXPECT_EQ(info.items[3].windowClass.text, u"ZCMODRTLTESTCONTROL");
+    DLGTEMPLATE* extended = CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(IDD_RTL_EXTENDED), 0);
+    const std::vector<uint8_t> extendedBytes = TemplateBytes(TestModule(), IDD_RTL_EXTENDED, extended);
+    ASSERT_TRUE(zcmod::ParseDialogTemplate(extendedBytes.data(), extendedBytes.size(), info));
+    EXPECT_EQ(info.helpId, 4242u);
+    EXPECT_EQ(DwordAt(extendedBytes, 4), 4242u) << "the double word at offset 4 stays";
+    EXPECT_EQ(info.weight, 700);
+    EXPECT_EQ(info.italic, 1);
+    EXPECT_EQ(info.items[0].helpId, 77u);
+    EXPECT_EQ(info.items[0].exStyle, static_cast<uint32_t>(WS_EX_CLIENTEDGE));
+    EXPECT_EQ(info.items[1].creationData.size(), 8u);
+}
+
+TEST(RtlHelper, MissingTemplatesAndDataFileModules)
+{
+    for (int rtl : {0, 1}) {
+        EXPECT_EQ(CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(4321), rtl), nullptr);
+        EXPECT_EQ(CRTLHelper::FlipDialog(TestModule(), L"NoSuchDialog", rtl), nullptr);
+    }
+    CRTLHelper hebrew(L"heb");
+    EXPECT_EQ(hebrew.FlipDialog(TestModule(), 4321u), nullptr);
+
+    // A module mapped as a data file: its templates can be flipped too.
+    wchar_t temp[MAX_PATH];
+    GetTempPathW(MAX_PATH, temp);
+    const std::wstring copy = std::wstring(temp) + L"zcmod_rtl_datafile.dll";
+    ASSERT_TRUE(CopyFileW((BinDir() + L"\\zcmod.dll").c_str(), copy.c_str(), FALSE));
+    HMODULE data = LoadLibraryExW(copy.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    ASSERT_NE(data, nullptr);
+    DLGTEMPLATE* flipped = hebrew.FlipDialog(data, static_cast<UINT>(IDD_ZCMOD_SYSTEM_INFORMATION));
+    ASSERT_NE(flipped, nullptr);
+    zcmod::DialogTemplateInfo info;
+    const std::vector<uint8_t> bytes = TemplateBytes(data, IDD_ZCMOD_SYSTEM_INFORMATION, flipped);
+    ASSERT_TRUE(zcmod::ParseDialogTemplate(bytes.data(), bytes.size(), info));
+    EXPECT_TRUE(info.exStyle & WS_EX_LAYOUTRTL);
+    EXPECT_EQ(hebrew.FlipDialog(data, static_cast<UINT>(IDD_ZCMOD_SYSTEM_INFORMATION)), flipped);
+    FreeLibrary(data);
+    DeleteFileW(copy.c_str());
+}
+
+TEST(RtlHelper, LanguageIdFromTheRegistry)
+{
+    const wchar_t* key = L"Software\\ZCMOD Tests\\RtlHelper";
+    const std::wstring fits(129, L'a');  // 260 bytes with its end
+    SetString(HKEY_CURRENT_USER, key, L"Lang", L"heb");
+    SetString(HKEY_CURRENT_USER, key, L"Fits", fits);
+    SetString(HKEY_CURRENT_USER, key, L"Long", fits + L"a");
+    const struct {
+        const wchar_t* subKey;
+        const wchar_t* value;
+        const wchar_t* expected;
+    } cases[] = {{key, L"Lang", L"heb"},      {key, L"Fits", fits.c_str()}, {key, L"Long", nullptr},
+                 {key, L"Missing", nullptr}, {L"Software\\ZCMOD Tests\\None", L"Lang", nullptr},
+                 {key, L"", nullptr},        {nullptr, L"Lang", nullptr},  {key, nullptr, nullptr}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.value ? c.value : L"(null)");
+        wchar_t* text = CRTLHelper::GetLangID(HKEY_CURRENT_USER, c.subKey, c.value);
+        EXPECT_EQ(text != nullptr, c.expected != nullptr);
+        if (text && c.expected) {
+            EXPECT_STREQ(text, c.expected);
+        }
+        delete[] text;
+    }
+    DeleteTree(HKEY_CURRENT_USER, L"Software\\ZCMOD Tests\\RtlHelper");
+}
+
+namespace {
+
+// A dialog of one of the library's templates that runs `step` once it is up; the step closes it.
+class ProbeDialog : public CDkhDialog {
+public:
+    explicit ProbeDialog(WORD id) : CDkhDialog(id) {}
+    std::function<void(ProbeDialog&)> step;
+    int closings = 0;
+    HBRUSH BackgroundBrush() const { return m_hBackgroundBrush; }
+    HBRUSH NullBrush() const { return m_hNullBrush; }
+
+protected:
+    INT_PTR OnInitDialog() override
+    {
+        const INT_PTR result = CDkhDialog::OnInitDialog();
+        SetTimer(m_hWnd, 1, 10, nullptr);
+        return result;
+    }
+    INT_PTR DialogProc(UINT message, WPARAM wParam, LPARAM lParam) override
+    {
+        if (message == WM_TIMER && wParam == 1) {
+            KillTimer(m_hWnd, 1);
+            if (step)
+                step(*this);
+            return 1;
+        }
+        return CDkhDialog::DialogProc(message, wParam, lParam);
+    }
+    void OnOK() override
+    {
+        ++closings;
+        CDkhDialog::OnOK();
+    }
+    void OnCancel() override
+    {
+        ++closings;
+        CDkhDialog::OnCancel();
+    }
+};
+
+HWND g_watchedDialog = nullptr;
+bool g_watchdogFired = false;
+
+void CALLBACK Watchdog(HWND, UINT, UINT_PTR, DWORD)
+{
+    g_watchdogFired = true;
+    if (g_watchedDialog)
+        EndDialog(g_watchedDialog, -2);
+}
+
+COLORREF PixelAfter(HWND dialog, UINT message)
+{
+    HDC screen = GetDC(nullptr);
+    HDC dc = CreateCompatibleDC(screen);
+    HBITMAP bitmap = CreateCompatibleBitmap(screen, 8, 8);
+    ReleaseDC(nullptr, screen);
+    HGDIOBJ old = SelectObject(dc, bitmap);
+    SendMessageW(dialog, message, reinterpret_cast<WPARAM>(dc), 0);
+    const COLORREF pixel = GetPixel(dc, 3, 3);
+    SelectObject(dc, old);
+    DeleteObject(bitmap);
+    DeleteDC(dc);
+    return pixel;
+}
+
+}  // namespace
+
+TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
+{
+    SuiteRegistry registry;
+    const struct {
+        const wchar_t* theme;
+        COLORREF background;
+        COLORREF text;
+        WPARAM closer;
+        WORD dialogId;
+        int controlId;
+        const wchar_t* language;
+        bool rtl;
+    } cases[] = {{L"Test", RGB(201, 202, 203), RGB(11, 12, 13), IDOK, IDD_ZCMOD_SYSTEM_INFORMATION,
+                  IDC_ZCMOD_SYSTEM_INFORMATION_TEXT, L"eng", false},
+                 // A theme without the dialog colours gives black; the recipient picker's template, in Hebrew.
+                 {L"Other", 0, 0, IDCANCEL, IDD_ZCMOD_RECIPIENTS, IDC_ZCMOD_RECIPIENTS_LIST, L"heb", true}};
+    INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&controls);
+    CCommonModuleState& state = CCommonModuleState::Get();
+    struct Restore {
+        CCommonModuleState& state;
+        CResHandler* handler;
+        ~Restore() { state.m_pResHandler = handler; }
+    } restore{state, state.m_pResHandler};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.theme);
+        registry.SetUserTheme(c.theme);
+        registry.SetLanguage(c.language);
+        // The language is chosen once per handler: a fresh one for each case, the process's back afterwards.
+        CResHandler handler;
+        state.m_pResHandler = &handler;
+        state.ResetColorLoader();
+        HandleCounter counter;
+        const HandleCounter::Counts before = counter.Live();
+
+        ProbeDialog dialog(c.dialogId);
+        ASSERT_TRUE(dialog.LoadRichEdit()) << "the template's RICHEDIT control needs riched32.dll";
+        HWND seen = nullptr;
+        HBRUSH brush = nullptr;
+        dialog.step = [&](ProbeDialog& d) {
+            seen = d.GetSafeHwnd();
+            g_watchedDialog = seen;
+            brush = d.BackgroundBrush();
+            EXPECT_EQ(CDkhDialog::FromHandle(seen), &d);
+            EXPECT_NE(GetDlgItem(seen, c.controlId), nullptr);
+            EXPECT_EQ((GetWindowLongW(seen, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0, c.rtl);
+            EXPECT_EQ(counter.Live()[HandleCounter::Brush], before[HandleCounter::Brush] + 1);
+
+            // Colours by message: the brush returned, the text and background colours left on the DC.
+            const struct {
+                UINT message;
+                HBRUSH brush;
+                COLORREF text;
+                COLORREF back;
+            } colours[] = {
+                {WM_CTLCOLORBTN, d.NullBrush(), RGB(255, 0, 0), RGB(1, 1, 1)},
+                {WM_CTLCOLORDLG, brush, c.text, c.background},
+                {WM_CTLCOLORSTATIC, brush, c.text, c.background},
+                {WM_CTLCOLOREDIT, d.NullBrush(), RGB(1, 1, 1), RGB(1, 1, 1)},
+                {WM_CTLCOLORLISTBOX, d.NullBrush(), RGB(1, 1, 1), RGB(1, 1, 1)},
+                {WM_CTLCOLORSCROLLBAR, d.NullBrush(), RGB(1, 1, 1), RGB(1, 1, 1)},
+            };
+            HDC dc = CreateCompatibleDC(nullptr);
+            for (const auto& colour : colours) {
+                SCOPED_TRACE(colour.message);
+                SetTextColor(dc, RGB(1, 1, 1));
+                SetBkColor(dc, RGB(1, 1, 1));
+                const LRESULT result = SendMessageW(seen, colour.message, reinterpret_cast<WPARAM>(dc), 0);
+                EXPECT_EQ(reinterpret_cast<HBRUSH>(result), colour.brush);
+                EXPECT_EQ(GetTextColor(dc), colour.text);
+                EXPECT_EQ(GetBkColor(dc), colour.back);
+            }
+            DeleteDC(dc);
+            EXPECT_EQ(d.NullBrush(), GetStockObject(NULL_BRUSH));
+            EXPECT_EQ(PixelAfter(seen, WM_ERASEBKGND), c.background);
+
+            // A click carries its notification in the high word; only the whole word 1 or 2 closes.
+            SendMessageW(seen, WM_COMMAND, MAKEWPARAM(IDOK, EN_CHANGE), 0);
+            SendMessageW(seen, WM_COMMAND, MAKEWPARAM(IDCANCEL, 1), 0);
+            EXPECT_EQ(d.closings, 0);
+            PostMessageW(seen, WM_COMMAND, c.closer, 0);
+        };
+        g_watchdogFired = false;
+        const UINT_PTR watchdog = SetTimer(nullptr, 0, 5000, Watchdog);
+        const INT_PTR result = dialog.DoModal(nullptr);
+        KillTimer(nullptr, watchdog);
+        g_watchedDialog = nullptr;
+        state.m_pResHandler = restore.handler;
+        ASSERT_FALSE(g_watchdogFired) << "the dialog never closed";
+        EXPECT_EQ(result, static_cast<INT_PTR>(c.closer));
+        ASSERT_NE(seen, nullptr);
+        EXPECT_EQ(CDkhDialog::FromHandle(seen), nullptr) << "WM_DESTROY leaves the map";
+        EXPECT_EQ(dialog.GetSafeHwnd(), nullptr);
+        EXPECT_EQ(dialog.BackgroundBrush(), nullptr);
+        EXPECT_EQ(GetObjectType(brush), 0u) << "the brush is deleted";
+        EXPECT_EQ(counter.Live(), before) << counter.Live().ToString();
+    }
+}
+
+TEST(DkhDialog, WithoutTemplateOrObject)
+{
+    ProbeDialog none(0);
+    EXPECT_EQ(none.DoModal(nullptr), -1);
+    ProbeDialog missing(4321);
+    EXPECT_EQ(missing.DoModal(nullptr), -1);
+    // Messages before WM_INITDIALOG, or of windows that are no dialog of ours, find no object and get 0.
+    HWND stranger = CreateWindowExW(0, L"STATIC", L"", 0, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    for (UINT message : {WM_SETFONT, WM_COMMAND, WM_CTLCOLORSTATIC, WM_ERASEBKGND, WM_DESTROY})
+        EXPECT_EQ(CDkhDialog::DialogProcStatic(stranger, message, IDOK, 0), 0);
+    EXPECT_EQ(CDkhDialog::DialogProcStatic(stranger, WM_INITDIALOG, 0, 0), 0) << "no object given";
+    EXPECT_EQ(CDkhDialog::FromHandle(stranger), nullptr);
+    DestroyWindow(stranger);
+}
+
+TEST(RecipientRules, OnARichEditBox)
+{
+    HMODULE richEdit = LoadLibraryW(L"Riched20.dll");
+    ASSERT_NE(richEdit, nullptr);
+    HWND edit = CreateWindowExW(0, L"RichEdit20W", L"", WS_POPUP | ES_MULTILINE, 0, 0, 400, 40, nullptr, nullptr,
+                                nullptr, nullptr);
+    ASSERT_NE(edit, nullptr);
+    // A surrogate pair takes two offsets in the box, and in the rules.
+    SetWindowTextW(edit, L"Ann <1>; b\U0001F600b; 12");
+    const struct {
+        int caret;
+        int result;
+        const wchar_t* text;
+        int start;
+        int end;
+    } carets[] = {{2, 1, L"Ann <1>", 0, 7}, {10, 1, L"b\U0001F600b", 9, 13}, {14, 1, L"12", 15, 17},
+                  {8, 1, L"b\U0001F600b", 9, 13}};
+    for (const auto& c : carets) {
+        SCOPED_TRACE(c.caret);
+        SendMessageW(edit, EM_SETSEL, c.caret, c.caret);
+        std::wstring out;
+        int start = -1, end = -1;
+        EXPECT_EQ(CSearchEngineControl::ExtractName(edit, out, &start, &end), c.result);
+        EXPECT_EQ(out, c.text);
+        EXPECT_EQ(start, c.start);
+        EXPECT_EQ(end, c.end);
+    }
+    std::vector<RecipientLocation> contacts;
+    CSearchEngineControl::GetContacts(edit, contacts);
+    ASSERT_EQ(contacts.size(), 3u);
+    EXPECT_EQ(contacts[1].m_strText, L" b\U0001F600b");
+    EXPECT_EQ(contacts[1].m_nStart, 8);
+    EXPECT_EQ(contacts[2].m_nEnd, 17);
+
+    // A malformed recipient goes into italics, a good one back upright; the selection stays where it was.
+    SendMessageW(edit, EM_SETSEL, 1, 2);
+    auto italic = [&](int at) {
+        SendMessageW(edit, EM_SETSEL, at, at + 1);
+        CHARFORMAT2W format = {};
+        format.cbSize = sizeof(format);
+        SendMessageW(edit, EM_GETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&format));
+        return (format.dwEffects & CFE_ITALIC) != 0;
+    };
+    EXPECT_EQ(CSearchEngineControl::ValidateInput(edit, L"Bob <x y>", 9, 13, 1, 0, 0), 0);
+    DWORD selStart = 0, selEnd = 0;
+    SendMessageW(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&selStart), reinterpret_cast<LPARAM>(&selEnd));
+    EXPECT_EQ(selStart, 1u);
+    EXPECT_EQ(selEnd, 2u);
+    EXPECT_TRUE(italic(9));
+    EXPECT_TRUE(italic(12));
+    EXPECT_FALSE(italic(13));
+    EXPECT_FALSE(italic(8));
+    EXPECT_EQ(CSearchEngineControl::ValidateInput(edit, L"b <1>", 9, 13, 1, 0, 0), 1);
+    EXPECT_FALSE(italic(9));
+    // Neither check asked for: passes and marks nothing.
+    EXPECT_EQ(CSearchEngineControl::ValidateInput(edit, L"b\U0001F600b", 9, 13, 0, 0, 0), 1);
+    EXPECT_FALSE(italic(9));
+
+    // With no contact search installed nothing is found, and the typed text stays.
+    std::wstring typed = L"040123", output;
+    EXPECT_EQ(CSearchEngineControl::CheckNumberOrEmail(typed, output), 0);
+    EXPECT_EQ(output, L"040123");
+    EXPECT_EQ(CSearchEngineControl::m_lAddressFilter, 3);
+    DestroyWindow(edit);
+    FreeLibrary(richEdit);
+}
