@@ -34,6 +34,14 @@ const Options& Settings();
 struct Timing {
     std::vector<double> rounds;
 
+    Timing() = default;
+    // One measurement (none when it isn't positive), for a case that times something once.
+    Timing(double seconds)
+    {
+        if (seconds > 0)
+            rounds.push_back(seconds);
+    }
+
     double Median() const;
     operator double() const { return rounds.empty() ? -1.0 : Median(); }
 };

@@ -104,9 +104,14 @@ namespace {
 // The median ratio of the rounds, paired in order, and its range: "1.23 (1.10-1.40)".
 std::string RatioText(const Timing& ours, const Timing& reference)
 {
+    // Rounds are paired in order; a side measured another number of times is compared by its median.
     Timing ratios;
-    for (size_t i = 0; i < ours.rounds.size() && i < reference.rounds.size(); ++i)
-        ratios.rounds.push_back(ours.rounds[i] / reference.rounds[i]);
+    if (ours.rounds.size() == reference.rounds.size()) {
+        for (size_t i = 0; i < ours.rounds.size(); ++i)
+            ratios.rounds.push_back(ours.rounds[i] / reference.rounds[i]);
+    } else {
+        ratios.rounds.push_back(ours.Median() / reference.Median());
+    }
     const auto range = std::minmax_element(ratios.rounds.begin(), ratios.rounds.end());
     char text[64];
     snprintf(text, sizeof(text), "%.2f (%.2f-%.2f)", ratios.Median(), *range.first, *range.second);
