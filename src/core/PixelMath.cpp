@@ -404,17 +404,19 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
     // row, edge ratios from a table of the 256 possible differences, and no 64-bit mixes where the weights are
     // hundredths. Anything unusual (weights outside 0 to 100, which only hostile rectangles give, or views whose
     // buffers are smaller than their geometry) goes to the reference.
-    const bool dither = edgeDivisor != 0 && noiseBase != 0 && noiseTable != nullptr;
-    if (dstW < 1 || dstH < 1 || !Holds(source, source.width, source.height)) {
+    auto reference = [&] {
         ResizeDitherPixelsReference(source, destination, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor, noiseBase,
                                     noiseTable);
+    };
+    const bool dither = edgeDivisor != 0 && noiseBase != 0 && noiseTable != nullptr;
+    if (dstW < 1 || dstH < 1 || !Holds(source, source.width, source.height)) {
+        reference();
         return;
     }
     const int columns = dstW < destination.width ? dstW : destination.width;
     const int rows = dstH < destination.height ? dstH : destination.height;
     if (columns < 1 || rows < 1 || !Holds(destination, columns, rows)) {
-        ResizeDitherPixelsReference(source, destination, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor, noiseBase,
-                                    noiseTable);
+        reference();
         return;
     }
 
@@ -427,8 +429,7 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
         const float fracX = fx - static_cast<float>(ix);
         const int32_t wx = TruncToInt((1.0f - fracX) * 100.0f);
         if (wx < 0 || wx > 100) {
-            ResizeDitherPixelsReference(source, destination, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor,
-                                        noiseBase, noiseTable);
+            reference();
             return;
         }
         column.left = static_cast<uint32_t>(3 * Clamp(ix, source.width - 1));
@@ -450,8 +451,7 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
         const float fracY = fy - static_cast<float>(iy);
         const int32_t wy = TruncToInt((1.0f - fracY) * 100.0f);
         if (wy < 0 || wy > 100) {
-            ResizeDitherPixelsReference(source, destination, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor,
-                                        noiseBase, noiseTable);
+            reference();
             return;
         }
         row.top = source.buffer + static_cast<int64_t>(source.stride) * Clamp(iy, source.height - 1);
