@@ -67,7 +67,8 @@ int SetOf(int set)
 
 int CNBitmapUtil::CreateBitmapFromData(int width, int height, char* data, CNBitmap* record, int index)
 {
-    if (!record || !data || !IsFrameIndex(index))
+    // Null data stands for all zero bytes, which a new section already holds (the public form refuses null).
+    if (!record || !IsFrameIndex(index))
         return 0;
     BITMAPINFO* info = NewInfo24(width, height);
     if (!info)
@@ -88,7 +89,7 @@ int CNBitmapUtil::CreateBitmapFromData(int width, int height, char* data, CNBitm
     const size_t rowBytes = static_cast<size_t>(width) * 3;
     GdiFlush();
     auto* target = static_cast<unsigned char*>(bits);
-    for (int y = 0; y < height; ++y)
+    for (int y = 0; data && y < height; ++y)
         memcpy(target + static_cast<size_t>(height - y - 1) * stride, data + rowBytes * y, rowBytes);
 
     if (record->m_hBitmap[index] && record->m_hBitmap[index] != bitmap)
@@ -263,7 +264,12 @@ int CNBitmapUtil::ResizeDither(BitmapType type, int index, int srcX, int srcY, i
             break;
         size_t destinationBytes = static_cast<size_t>(rowBytes * dstHeight);
         destinationPixels = static_cast<char*>(calloc(1, destinationBytes));
-        if (!destinationPixels || !CreateBitmapFromData(dstWidth, dstHeight, destinationPixels, target, index))
+        // The frame starts as the zero pixels of the buffer, as the public CreateBitmapFromData makes it from
+        // them; a new section is all zero already, so they are not copied.
+        if (!destinationPixels)
+            break;
+        DeleteBitmap(target, index);
+        if (!CreateBitmapFromData(dstWidth, dstHeight, nullptr, GetBitmapObject(target), index))
             break;
         CNBitmap* destination = GetBitmapObject(target);
         // The destination is described by its store's header, which may be larger than dstW x dstH when the
