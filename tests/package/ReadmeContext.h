@@ -1,12 +1,16 @@
-// What the README's examples take from the application around them: they are written as pieces of one.
+// What the README's examples take from the application around them: they are written as pieces of one. An
+// example that uses a new name of its own fails the package test until the name is added here.
 #pragma once
 
 #include <windows.h>
 
-extern HINSTANCE instance;                       // the application's module
-extern HWND parent, panel, dialog, edit;         // windows a control is placed on or works with
-extern HBITMAP backdrop;                         // a picture to blend over
-extern HFONT font, boldFont;                     // fonts that outlive the skins using them
-constexpr UINT IDB_MY_FACE = 100, IDB_MY_TAB_FIRST = 110;  // bitmap resources of the application
-constexpr int IDC_TABS = 1001, IDC_NAME = 1002, IDC_CONTACTS = 1003, IDD_MY_DIALOG = 101;
+extern HINSTANCE instance;                                 // the application's module
+extern HWND parent, panel, dialog, edit, view, frame;      // windows a control is placed on or works with
+extern HBITMAP backdrop;                                   // a picture to blend over
+extern HFONT font, boldFont;                               // fonts that outlive the skins using them
+// Resources and control ids of the application.
+constexpr UINT IDB_MY_FACE = 100, IDB_MY_TAB_FIRST = 110, IDB_FACE_LEFT = 120, IDB_FACE_MIDDLE = 121,
+               IDB_FACE_RIGHT = 122, IDB_FACE_MIDDLE_PRESSED = 123, IDB_ICON_CLOSE = 124;
+constexpr int IDC_TABS = 1001, IDC_NAME = 1002, IDC_CONTACTS = 1003, IDC_SEND = 1004, IDC_CLOSE = 1005,
+              IDC_REMEMBER = 1006, IDD_MY_DIALOG = 101, IDR_MAIN = 102;
 INT_PTR CALLBACK MyDialogProc(HWND, UINT, WPARAM, LPARAM);
