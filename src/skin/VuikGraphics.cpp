@@ -141,23 +141,17 @@ const uint8_t* Row24(const uint8_t* pixels, int bytes, int width, std::vector<ui
     return row.data();
 }
 
-// When picture, mask and target are all sections that can be reached directly (see DrawsStraightOn), the
-// blend reads and writes them where they lie, row by row: no copy at all. A 32-bit target gets 0 in its fourth
-// bytes, as a 24-bit copy onto it gives.
-bool BlendSectionsInPlace(HDC hdc, HDC from, CVuikBitmap* bitmap, const RECT& dest, const RECT& source)
+// The blend of w x h pixels of `image` and `mask` from (left, top) into `target` at (x, y), row by row, each of
+// them read and written where it lies. A 32-bit target gets 0 in its fourth bytes, as a 24-bit copy onto it
+// gives.
+void BlendRows(const SectionPixels& image, const SectionPixels& mask, int left, int top, const SectionPixels& target,
+               int x, int y, int w, int h)
 {
-    SectionPixels image, mask, target;
-    int x = 0, y = 0;
-    if (!TakeRows(from, bitmap->GetPrimary(), source, image) || !TakeRows(from, bitmap->GetMask(), source, mask) ||
-        !DrawsStraightOn(hdc, dest, target, x, y))
-        return false;
-    const int w = dest.right - dest.left;
-    const int h = dest.bottom - dest.top;
     const bool allFour = image.bytesPerPixel == 4 && mask.bytesPerPixel == 4 && target.bytesPerPixel == 4;
     std::vector<uint8_t> imageRow, maskRow, under;
     for (int row = 0; row < h; ++row) {
-        const uint8_t* in = image.Row(source.top + row) + static_cast<ptrdiff_t>(source.left) * image.bytesPerPixel;
-        const uint8_t* weights = mask.Row(source.top + row) + static_cast<ptrdiff_t>(source.left) * mask.bytesPerPixel;
+        const uint8_t* in = image.Row(top + row) + static_cast<ptrdiff_t>(left) * image.bytesPerPixel;
+        const uint8_t* weights = mask.Row(top + row) + static_cast<ptrdiff_t>(left) * mask.bytesPerPixel;
         uint8_t* out = target.Row(y + row) + static_cast<ptrdiff_t>(x) * target.bytesPerPixel;
         if (allFour) {
             // The fourth bytes blend too, and are then set to 0.
@@ -179,13 +173,13 @@ bool BlendSectionsInPlace(HDC hdc, HDC from, CVuikBitmap* bitmap, const RECT& de
             out[4 * i + 3] = 0;
         }
     }
-    return true;
 }
 
-// A masked picture drawn without a stretch, through one 24-bit section whose memory the blend reads and
-// writes directly: the same copies, read-back and write as the long way, without BlendBitmap's reads and write
-// through GetDIBits and SetDIBits and its buffers. False when the long way has to do it: a stretch, a mirrored
-// context, a picture, mask or target of fewer than 24 bits.
+// A masked picture drawn without a stretch, with the blend reading and writing memory directly: the same bytes
+// as the copies, read-back, BlendBitmap and write of the long way. Where picture, mask and target are sections
+// that can be reached directly (see DrawsStraightOn) nothing is copied; otherwise the parts, and the target's
+// pixels unless it is such a section, go through one 24-bit section. False when the long way has to do it: a
+// stretch, a mirrored context, a picture, mask or target of fewer than 24 bits.
 bool DrawMaskedDirect(HDC hdc, CVuikBitmap* bitmap, const RECT& dest, const RECT& source)
 {
     const int w = dest.right - dest.left;
@@ -197,12 +191,19 @@ bool DrawMaskedDirect(HDC hdc, CVuikBitmap* bitmap, const RECT& dest, const RECT
     MemoryDC from(CreateCompatibleDC(hdc));
     if (!from)
         return false;
-    if (BlendSectionsInPlace(hdc, from.Get(), bitmap, dest, source))
+    SectionPixels target, image, mask;
+    int x = 0, y = 0;
+    const bool straight = DrawsStraightOn(hdc, dest, target, x, y);
+    if (straight && TakeRows(from.Get(), bitmap->GetPrimary(), source, image) &&
+        TakeRows(from.Get(), bitmap->GetMask(), source, mask)) {
+        BlendRows(image, mask, source.left, source.top, target, x, y, w, h);
         return true;
+    }
+
     Scratch scratch(hdc, w, h);
     if (!scratch.Ok())
         return false;
-    // The two parts, as CopyBitmapPart copies them without a stretch, then what the context shows there.
+    // The two parts, as CopyBitmapPart copies them without a stretch.
     HGDIOBJ old = SelectObject(from.Get(), bitmap->GetPrimary());
     if (!old)
         return false;
@@ -213,38 +214,19 @@ bool DrawMaskedDirect(HDC hdc, CVuikBitmap* bitmap, const RECT& dest, const RECT
     SelectObject(from.Get(), old);
     if (!maskSelected)
         return false;
-    GdiFlush();
-    const size_t stride = static_cast<size_t>((3 * w + 3) / 4 * 4);
-    const size_t part = stride * static_cast<size_t>(h);
-    uint8_t* background = scratch.bits + 2 * part;
-
-    // A section drawn on without clip or transform is blended where it lies, row by row; a 32-bit one through
-    // the background rows of the scratch, its fourth byte set to 0 as a 24-bit copy onto it sets it.
-    SectionPixels target;
-    int x = 0, y = 0;
-    if (DrawsStraightOn(hdc, dest, target, x, y)) {
-        for (int row = 0; row < h; ++row) {
-            uint8_t* out = target.Row(y + row) + static_cast<ptrdiff_t>(x) * target.bytesPerPixel;
-            const uint8_t* image = scratch.bits + stride * row;
-            const uint8_t* mask = image + part;
-            if (target.bytesPerPixel == 3) {
-                AlphaBlendBytes(image, mask, out, out, 3 * static_cast<size_t>(w));
-                continue;
-            }
-            uint8_t* under = background + stride * row;
-            for (int i = 0; i < w; ++i)
-                memcpy(under + 3 * i, out + 4 * i, 3);
-            AlphaBlendBytes(image, mask, under, under, 3 * static_cast<size_t>(w));
-            for (int i = 0; i < w; ++i) {
-                memcpy(out + 4 * i, under + 3 * i, 3);
-                out[4 * i + 3] = 0;
-            }
-        }
+    const int stride = (3 * w + 3) / 4 * 4;
+    const size_t part = static_cast<size_t>(stride) * static_cast<size_t>(h);
+    if (straight) {
+        GdiFlush();
+        const SectionPixels imagePart = {scratch.bits, w, h, stride, 3, true};
+        const SectionPixels maskPart = {scratch.bits + part, w, h, stride, 3, true};
+        BlendRows(imagePart, maskPart, 0, 0, target, x, y, w, h);
         return true;
     }
-    // Anything else: read back what the context shows, blend, and copy the result back.
+    // Anything else: read back what the context shows, blend there, and copy the result back.
     BitBlt(scratch.dc.Get(), 0, 2 * h, w, h, hdc, dest.left, dest.top, SRCCOPY);
     GdiFlush();
+    uint8_t* background = scratch.bits + 2 * part;
     AlphaBlendBytes(scratch.bits, scratch.bits + part, background, background, part);
     BitBlt(hdc, dest.left, dest.top, w, h, scratch.dc.Get(), 0, 2 * h, SRCCOPY);
     return true;
