@@ -84,4 +84,12 @@
 #define IDC_ZCMOD_RECIPIENTS_FILTER 1003
 #define IDC_ZCMOD_RECIPIENTS_LABEL 1004
 
+/* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
+   colour; CPNGAnimation plays them in order. */
+#define ZGR_PNG_ANIMATION_FIRST 34030
+#define ZGR_PNG_ANIMATION_LAST 34040
+#define ZGR_PNG_ANIMATION_FRAMES 11
+/* Graphics module: the suite's splash picture, PNG with soft alpha edges, for CVuikSplashScreen. */
+#define ZGR_PNG_SPLASH 34100
+
 #endif
