@@ -5,7 +5,8 @@
 #include <windows.h>
 
 extern HINSTANCE instance;                                 // the application's module
-extern HWND parent, panel, dialog, edit, view, frame;      // windows a control is placed on or works with
+extern HWND parent, panel, dialog, edit, view, frame, mainWindow;  // windows the examples work with
+extern HWND m_hWnd;                                        // the window of the class an example is part of
 extern HBITMAP backdrop;                                   // a picture to blend over
 extern HFONT font, boldFont;                               // fonts that outlive the skins using them
 // Resources and control ids of the application.
@@ -14,3 +15,4 @@ constexpr UINT IDB_MY_FACE = 100, IDB_MY_TAB_FIRST = 110, IDB_FACE_LEFT = 120, I
 constexpr int IDC_TABS = 1001, IDC_NAME = 1002, IDC_CONTACTS = 1003, IDC_SEND = 1004, IDC_CLOSE = 1005,
               IDC_REMEMBER = 1006, IDD_MY_DIALOG = 101, IDR_MAIN = 102;
 INT_PTR CALLBACK MyDialogProc(HWND, UINT, WPARAM, LPARAM);
+void LoadTheApplication();

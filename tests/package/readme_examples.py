@@ -4,7 +4,7 @@ examples as they stand, against the installed headers alone: readme_examples.py 
 
 Declarations at the outer level of an example (#include lines, types, functions) stay at file level; its
 statements become the body of a function with the parameters of a window procedure, and from a first "case"
-on, the branches of a switch on its message. Names an example takes from the application around it (a parent
+on, the branches of a switch on its message; a line of "..." alone is code left out. Names an example takes from the application around it (a parent
 window, a resource id) come from ReadmeContext.h."""
 import pathlib
 import re
@@ -27,7 +27,8 @@ SHARED_OBJECT = re.compile(r"^[A-Z]\w*(<[^;]*>)?\s+\w+\s*;")
 for number, block in enumerate(blocks, 1):
     declarations, statements = [], []
     depth, target, pending = 0, None, False
-    lines = block.splitlines()
+    # A line of "..." alone stands for code left out.
+    lines = [re.sub(r"^(\s*)\.\.\.\s*$", r"\1// ...", line) for line in block.splitlines()]
     has_functions = any(FUNCTION.match(line) for line in lines)
     for line in lines:
         code = line.split("//")[0].strip()
