@@ -371,20 +371,20 @@ inline __m128i FadeLanes(__m128i c, int32_t factor)
     return _mm_and_si128(_mm_min_epi16(shifted, _mm_set1_epi16(255)), _mm_set1_epi16(0xFF));
 }
 
-inline bool FitsLanes(int32_t factor)
+// Whether a fade factor, before its truncation, truncates to -32,768 to 32,767 (false for NaN).
+inline bool FitsLanes(float factor)
 {
-    return factor >= -32768 && factor <= 32767;
+    return factor > -32769.0f && factor < 32768.0f;
 }
 
-// The truncated mean of the differences between lanes 0 to 2 and lanes 4 to 6.
+// The truncated mean of the differences between lanes 0 to 2 and lanes 4 to 6, all of them bytes, lanes 3 and
+// 7 zero: packed to bytes, the first four against the next four in one sum of absolute differences.
 inline uint32_t MeanOfHalves(__m128i v)
 {
-    const __m128i other = _mm_srli_si128(v, 8);
-    const __m128i diff = _mm_sub_epi16(_mm_max_epi16(v, other), _mm_min_epi16(v, other));
-    const uint64_t d = static_cast<uint64_t>(_mm_cvtsi128_si64(diff));
-    return (static_cast<uint32_t>(d & 0xFFFF) + static_cast<uint32_t>(d >> 16 & 0xFFFF) +
-            static_cast<uint32_t>(d >> 32 & 0xFFFF)) /
-           3;
+    const __m128i bytes = _mm_packus_epi16(v, _mm_setzero_si128());
+    const __m128i first = _mm_cvtsi32_si128(_mm_cvtsi128_si32(bytes));
+    const __m128i second = _mm_srli_si128(bytes, 4);
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_sad_epu8(first, second))) / 3;
 }
 
 // Lanes 0 to 2 plus lanes 4 to 6, divided by 100.
@@ -509,23 +509,25 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
                 if (dither) {
                     const uint32_t d1 = MeanOfHalves(topBottom);
                     float product = rowRatio[d1] * span[noiseTable[n]];
-                    const int32_t f1 = TruncToInt(255.0f - product);
+                    const float g1 = 255.0f - product;
                     // left = (p01 (100 - wy) + p00 wy) / 100, right the same of p11 and p10.
                     const __m128i left = MixHalves(_mm_mullo_epi16(a, rowWeights));
                     const __m128i right = MixHalves(_mm_mullo_epi16(b, rowWeights));
                     const uint32_t d2 = MeanOfHalves(_mm_unpacklo_epi64(left, right));
                     product = ratio[d2] * column.wave;
                     product = product * span[noiseTable[n + 1]];
-                    const int32_t f2 = TruncToInt(255.0f - product);
+                    const float g2 = 255.0f - product;
                     n += 2;
                     if (n > kNoiseIndexWrap - 1)
                         n = 0;
-                    if (FitsLanes(f1) && FitsLanes(f2)) {
-                        colour = FadeLanes(FadeLanes(colour, f1), f2);
+                    if (FitsLanes(g1) && FitsLanes(g2)) {
+                        // In range, the truncation is the plain conversion.
+                        colour = FadeLanes(FadeLanes(colour, static_cast<int32_t>(g1)), static_cast<int32_t>(g2));
                         const uint32_t packed =
                             static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(colour, colour)));
                         c0 = packed & 0xFF, c1 = packed >> 8 & 0xFF, c2 = packed >> 16 & 0xFF;
                     } else {
+                        const int32_t f1 = TruncToInt(g1), f2 = TruncToInt(g2);
                         const uint32_t packed =
                             static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(colour, colour)));
                         c0 = Fade(Fade(packed & 0xFF, f1), f2);
