@@ -33,6 +33,8 @@ std::unique_ptr<GalleryPage> MakePicturesPage();
 std::unique_ptr<GalleryPage> MakeSkinPage();
 std::unique_ptr<GalleryPage> MakeDevicePage();
 std::unique_ptr<GalleryPage> MakeRtlPage();
+std::unique_ptr<GalleryPage> MakeTabsPage();
+std::unique_ptr<GalleryPage> MakeListViewPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

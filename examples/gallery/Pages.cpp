@@ -8,5 +8,7 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeSkinPage());
     pages.push_back(MakeDevicePage());
     pages.push_back(MakeRtlPage());
+    pages.push_back(MakeTabsPage());
+    pages.push_back(MakeListViewPage());
     return pages;
 }

@@ -43,6 +43,10 @@
 #define ZGR_COLOR_HIGHLIGHT 606
 #define ZGR_COLOR_BORDER 607
 
+/* Graphics module: list view and edit. The column texts of the list view's header, drawn on the header's light
+   gradient in every theme. */
+#define ZGR_COLOR_LISTVIEW_HEADER_TEXT 4300
+
 /* Graphics module: the theme's name, for display. */
 #define ZGR_STR_THEME_NAME 1
 

@@ -1,6 +1,13 @@
 // CSearchEngineControl: the recipient box of a message editor. This header holds, for now, the rules of
 // recipient text that the box, the contact search and the recipient picker share; they are static and work on
 // plain strings, except ExtractName, GetContacts, ValidateInput and Highlight, which read or mark an edit box.
+// It also holds the contact search over the connected phones, with its cache: a search touches a phone only
+// when the cache cannot answer.
+//
+//     CSearchEngineControl control;                 // binds to the phone service for its lifetime
+//     std::wstring typed = L"ann";
+//     std::vector<std::wstring> found;               // "Ann Lee <040123>", ...
+//     if (CSearchEngineControl::SearchValues(typed, true, found)) { ... }
 //
 // A line holds recipients separated by ';'. Each is a phone number, an e-mail address, a name being typed, or
 // a finished contact "Name <address>". Under a right-to-left language the address of a contact is wrapped in
@@ -28,6 +35,30 @@ struct RecipientLocation {
 
 class ZCMOD_API CSearchEngineControl {
 public:
+    // Binds to the phone service (device management, content access, versit conversion) and reads the
+    // user's name order once; the destructor closes the device list, every connection and the service.
+    CSearchEngineControl();
+    virtual ~CSearchEngineControl();
+    CSearchEngineControl(const CSearchEngineControl&) = delete;
+    CSearchEngineControl& operator=(const CSearchEngineControl&) = delete;
+
+    // The contacts of every connected phone whose name (`byName`) or number begins with `text`, as contact
+    // strings sorted by WstrCompare. 1 when there are results to use, else 0.
+    static int SearchValues(std::wstring& text, bool byName, std::vector<std::wstring>& results);
+    // Searches the phone `serial` and remembers the answer in the cache; adds to `results`.
+    static void SearchValues2(const wchar_t* serial, std::wstring& text, bool byName,
+                              std::vector<std::wstring>& results);
+    // Makes the connection of `serial` the current one: 0, or 0x80100010 when it can't be opened.
+    static HRESULT CheckConnection(std::wstring serial);
+    // Connections are closed by the connection map; this answers 0x80100010 and does nothing.
+    static HRESULT CloseConnection();
+
+    static short GetSearchLimit() { return m_sSearchLimit; }
+    static void SetSearchLimit(short limit) { m_sSearchLimit = limit; }
+    static short GetResultLimit() { return m_sResultLimit; }
+    static void SetResultLimit(short limit) { m_sResultLimit = limit; }
+    static long GetAddressFilter() { return m_lAddressFilter; }
+    static void SetAddressFilter(long filter) { m_lAddressFilter = filter; }
     // Address filter bits of m_lAddressFilter.
     enum { kFilterEmail = 1, kFilterPhone = 2, kFilterBoth = 3 };
 
@@ -70,4 +101,17 @@ public:
     static long m_lFormalValidityChecking;  // default 1
     static long m_lHighlighting;            // default 1
     static bool m_bApplySearchLimit;        // default true; cleared while a name is checked against the contacts
+    static short m_sSearchLimit;            // shortest text searched by name; default 1
+    static short m_sResultLimit;            // most entries offered in the list, 0 or less for all; default 0
+    static int m_iNameOrder;                // 1: given name first; else family name first
+    static void* m_hConnection;             // the content access connection in use
+    static std::wstring m_strCurrentConnectionImei;    // the serial m_hConnection belongs to
+    static void* m_hDeviceManager;                      // the device list, opened on first need
+    static std::vector<std::wstring> m_vecDeviceSerials;  // the serials of the last enumeration with devices
+
+protected:
+    // The contact's name in the user's order: one personal field alone, else given and family name.
+    static std::wstring BuildContactName(const void* contactItem);
+    // The device list's notifications: a phone removed closes this thread's connection to it.
+    static HRESULT CALLBACK DeviceNotify(DWORD status, const wchar_t* serial);
 };

@@ -2,7 +2,6 @@
 // right-to-left decision from the current language and the text and caret from the edit box.
 #include <richedit.h>
 
-#include "recipient/RecipientSearch.h"
 #include "recipient/core/RecipientText.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/RTLHelper.h"
@@ -21,28 +20,23 @@ bool CSearchEngineControl::m_bApplySearchLimit = true;
 
 namespace {
 
-zcmod::RecipientSearchFunction g_search = nullptr;
-
 bool LanguageIsRtl()
 {
     CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
     return CRTLHelper::IsRTL(handler ? handler->GetLanguageName() : nullptr) != 0;
 }
 
-// The installed search, seen through UTF-16 text.
+// The contact search, seen through UTF-16 text.
 zcmod::RecipientSearch InstalledSearch(bool unlimited)
 {
     return [unlimited](Text16& text, bool byName, std::vector<Text16>& results) {
-        zcmod::RecipientSearchFunction search = g_search;
-        if (!search)
-            return 0;
         std::wstring wide = FromText16(text);
         std::vector<std::wstring> found;
         // Checking a finished name must see every contact, also below the shortest searched length; the limit
         // is on again afterwards.
         if (unlimited)
             CSearchEngineControl::m_bApplySearchLimit = false;
-        const int result = search(wide, byName, found);
+        const int result = CSearchEngineControl::SearchValues(wide, byName, found);
         if (unlimited)
             CSearchEngineControl::m_bApplySearchLimit = true;
         for (const std::wstring& entry : found)
@@ -75,14 +69,6 @@ void ShowRecipientMessage(HWND edit, UINT id)
 }
 
 }  // namespace
-
-namespace zcmod {
-
-void SetRecipientSearch(RecipientSearchFunction search) { g_search = search; }
-
-RecipientSearchFunction GetRecipientSearch() { return g_search; }
-
-}  // namespace zcmod
 
 int CSearchEngineControl::IsValidPhoneNumber(std::wstring text) { return zcmod::IsValidPhoneNumber(ToText16(text)); }
 

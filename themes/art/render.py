@@ -39,6 +39,7 @@ def main():
     palette = PALETTES[theme]
     (out / "svg").mkdir(parents=True, exist_ok=True)
     seen_ids, seen_names = {}, {}
+    redrawn = False
     lines = ["/* Made by themes/art/render.py for the theme %s; do not edit. */" % theme]
     for family, art in load_families(folder):
         lines.append("/* %s */" % family)
@@ -54,10 +55,12 @@ def main():
             if not svg_path.exists() or svg_path.read_text(encoding="utf-8") != text or not png_path.exists():
                 svg_path.write_text(text, encoding="utf-8")
                 subprocess.run(["rsvg-convert", "-f", "png", "-o", str(png_path), str(svg_path)], check=True)
+                redrawn = True
             lines.append('%d PNG "%s.png"' % (item.id, item.name))
     rc = "\n".join(lines) + "\n"
     rc_path = out / "art.rc"
-    if not rc_path.exists() or rc_path.read_text(encoding="utf-8") != rc:
+    # A picture drawn anew rewrites the script too: the resource scripts that include it depend on it alone.
+    if redrawn or not rc_path.exists() or rc_path.read_text(encoding="utf-8") != rc:
         rc_path.write_text(rc, encoding="utf-8")
 
 

@@ -1,0 +1,391 @@
+// The skinned tab control, with the gallery's pieces of both themes: switching by mouse and keyboard, rows
+// behind the selected one, no tabs, the strip repainted through the parent, right to left, pixel goldens and
+// handle hygiene. Pixels are read from the screen, where a right-to-left window shows mirrored.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "Golden.h"
+#include "HandleCounter.h"
+#include "TabArt.h"
+#include "wine/TestSkinIds.h"
+#include "wine/TestSkins.h"
+#include "zcmod/VuikTabCtrl.h"
+
+namespace {
+
+using testskin::Capture;
+
+struct Theme {
+    const char* name;
+    UINT firstId;
+    COLORREF strip;  // the parent's colour, behind the tabs
+    COLORREF text;
+};
+const Theme kDefault = {"Default", IDB_GALLERY_TAB_DEFAULT, RGB(0xf2, 0xf5, 0xf9), RGB(0x20, 0x26, 0x2e)};
+const Theme kGraphite = {"Graphite", IDB_GALLERY_TAB_GRAPHITE, RGB(0x23, 0x27, 0x2e), RGB(0xe8, 0xec, 0xf1)};
+
+const std::vector<const wchar_t*> kThree = {L"General", L"Display", L"Phone"};
+const std::vector<const wchar_t*> kFive = {L"General", L"Display", L"Phone", L"Advanced", L"About"};
+
+uint32_t Rgb(COLORREF c)
+{
+    return (GetRValue(c) << 16) | (GetGValue(c) << 8) | GetBValue(c);
+}
+
+// What the parent hears from the tab control: selection changes and requests for the strip.
+struct ParentLog {
+    WNDPROC previous = nullptr;
+    HWND tab = nullptr;
+    int selChanges = 0;
+    std::vector<RECT> strips;
+};
+ParentLog g_log;
+
+LRESULT CALLBACK LoggingParent(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_NOTIFY && reinterpret_cast<NMHDR*>(lParam)->code == TCN_SELCHANGE)
+        ++g_log.selChanges;
+    if (message == WM_VUIK_REPAINT && reinterpret_cast<HWND>(wParam) == g_log.tab)
+        g_log.strips.push_back(reinterpret_cast<PAINTSTRUCT*>(lParam)->rcPaint);
+    return CallWindowProcW(g_log.previous, hwnd, message, wParam, lParam);
+}
+
+class TabCtrl : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_font = CreateFontW(-12, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, NONANTIALIASED_QUALITY, 0,
+                             L"Tahoma");
+        m_bold = CreateFontW(-12, 0, 0, 0, FW_BOLD, 0, 0, 0, DEFAULT_CHARSET, 0, 0, NONANTIALIASED_QUALITY, 0,
+                             L"Tahoma");
+        UseTheme(kDefault);
+    }
+    void TearDown() override
+    {
+        Destroy();
+        DeleteObject(m_font);
+        DeleteObject(m_bold);
+        g_log = ParentLog();
+    }
+
+    void UseTheme(const Theme& theme)
+    {
+        m_theme = theme;
+        m_skin.SetSkinDef(Def(theme.firstId));
+        m_skin.Load();
+        ASSERT_TRUE(m_skin.IsValid()) << theme.name;
+        m_panelSkin.SetSkinDef({theme.strip, theme.strip});
+    }
+    CVuikTabSkinDef Def(UINT firstId) const
+    {
+        CVuikTabSkinDef def = {};
+        for (int i = 0; i < TAB_PIECE_COUNT; ++i)
+            def.m_nFrameBitmapIds[i] = i == IDB_GALLERY_TAB_SPARE ? 0 : firstId + i;
+        def.m_crText = def.m_crSelectedText = m_theme.text;
+        def.m_hFont = m_font;
+        def.m_hSelectedFont = m_bold;
+        return def;
+    }
+
+    // A parent in the strip's colour at (60, 60) with the tab control filling it, painted.
+    void Make(const std::vector<const wchar_t*>& names, int width, int height, DWORD style = 0, bool rtl = false,
+              int select = 0)
+    {
+        Destroy();
+        m_panel.SetSkin(&m_panelSkin);
+        m_panel.Create(msgseq::PlainClass(), nullptr, RECT{60, 60, 60 + width, 60 + height}, L"", 0,
+                       WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, rtl ? WS_EX_LAYOUTRTL : 0, nullptr);
+        ASSERT_TRUE(m_panel.m_hWnd);
+        g_log = ParentLog();
+        g_log.previous = reinterpret_cast<WNDPROC>(
+            SetWindowLongPtrW(m_panel.m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(LoggingParent)));
+        ASSERT_TRUE(m_tabs.Create(m_panel.m_hWnd, RECT{0, 0, width, height}, 7, WS_CHILD | WS_VISIBLE | style,
+                                  rtl ? WS_EX_LAYOUTRTL : 0));
+        g_log.tab = m_tabs.m_hWnd;
+        SendMessageW(m_tabs.m_hWnd, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), 0);
+        m_tabs.SetItemSize(SIZE{0, 24});
+        for (size_t i = 0; i < names.size(); ++i)
+            m_tabs.InsertItem(static_cast<int>(i), names[i]);
+        m_tabs.SetSkin(&m_skin);
+        m_tabs.SetCurSel(select);
+        SetForegroundWindow(m_panel.m_hWnd);
+        RedrawWindow(m_panel.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        msgseq::Recorder::Pump(20);
+    }
+    void Destroy()
+    {
+        m_panel.DeleteBackBuffer();  // the object outlives its window here
+        if (m_panel.m_hWnd && IsWindow(m_panel.m_hWnd))
+            DestroyWindow(m_panel.m_hWnd);  // takes the tab control with it
+        m_panel.m_hWnd = m_tabs.m_hWnd = nullptr;
+    }
+
+    // The tab control as the screen shows it.
+    Capture Screen() const
+    {
+        RECT r;
+        GetWindowRect(m_tabs.m_hWnd, &r);
+        testskin::Canvas canvas(r.right - r.left, r.bottom - r.top);
+        HDC screen = GetDC(nullptr);
+        BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
+        ReleaseDC(nullptr, screen);
+        return canvas.Read();
+    }
+    // Where the point (x, y) of the control's client area lies on the screen, and in Screen().
+    POINT ToScreen(int x, int y) const
+    {
+        POINT p = {x, y};
+        MapWindowPoints(m_tabs.m_hWnd, nullptr, &p, 1);
+        return p;
+    }
+    POINT OnCapture(int x, int y) const
+    {
+        RECT r;
+        GetWindowRect(m_tabs.m_hWnd, &r);
+        const POINT p = ToScreen(x, y);
+        return POINT{p.x - r.left, p.y - r.top};
+    }
+    RECT Item(int i) const
+    {
+        RECT r = {};
+        m_tabs.GetItemRect(i, &r);
+        return r;
+    }
+    // The colour of the selected tab's accent bar and of a resting tab's face, from the pieces themselves.
+    uint32_t Accent() { return m_skin.GetPiece(TAB_PIECE_SELECTED_MIDDLE)->GetPixel(0, 0); }
+    uint32_t RestingFace(int row) { return m_skin.GetPiece(TAB_PIECE_MIDDLE)->GetPixel(0, row); }
+    // Colour of the screen at the top of tab i's middle, where a selected tab shows its accent bar.
+    uint32_t TopOf(const Capture& c, int i)
+    {
+        const RECT r = Item(i);
+        const bool multi = m_tabs.GetRowCount() > 1;
+        const POINT p = OnCapture((r.left + r.right) / 2, multi ? r.top - 3 : r.top);
+        return c.At(p.x, p.y);
+    }
+
+    testskin::LibraryState m_library;  // pictures from the test program, left to right
+    Theme m_theme = kDefault;
+    HFONT m_font = nullptr;
+    HFONT m_bold = nullptr;
+    CVuikTabSkin m_skin;
+    testskin::CTestSkin m_panelSkin;
+    testskin::CTestPanel m_panel;
+    CVuikTabCtrl m_tabs;
+};
+
+// The user switches tabs by clicking and with the arrow keys; the platform's selection, the parent's
+// notification and the picture agree, left to right and right to left (where tab 0 is on the right).
+TEST_F(TabCtrl, SwitchesByClickAndArrowKeys)
+{
+    const struct {
+        const char* what;
+        DWORD style;
+        int width;
+        bool rtl;
+    } cases[] = {
+        {"one row", 0, 420, false},
+        {"one row, right to left", 0, 420, true},
+        {"several rows", TCS_MULTILINE, 220, false},
+        {"several rows, right to left", TCS_MULTILINE, 220, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        Make(kFive, c.width, 150, c.style, c.rtl);
+        ASSERT_EQ(m_tabs.GetRowCount(), c.style ? 2 : 1);
+        EXPECT_EQ(TopOf(Screen(), 0), Accent());
+
+        // A click on tab 2, where the screen shows it.
+        RECT r = Item(2);
+        const POINT click = ToScreen((r.left + r.right) / 2, (r.top + r.bottom) / 2);
+        msgseq::input::MoveTo(click);
+        msgseq::input::LeftDown();
+        msgseq::input::LeftUp();
+        msgseq::Recorder::Pump(60);
+        EXPECT_EQ(m_tabs.GetCurSel(), 2);
+        EXPECT_EQ(g_log.selChanges, 1);
+        Capture shown = Screen();
+        EXPECT_EQ(TopOf(shown, 2), Accent());
+        EXPECT_NE(TopOf(shown, 0), Accent()) << "the old selection still shows";
+
+        // The arrow keys move the selection one tab each way.
+        SetFocus(m_tabs.m_hWnd);
+        for (WORD key : {VK_RIGHT, VK_LEFT, VK_LEFT}) {
+            const int before = m_tabs.GetCurSel();
+            msgseq::input::Key(key, false);
+            msgseq::input::Key(key, true);
+            msgseq::Recorder::Pump(60);
+            const int now = m_tabs.GetCurSel();
+            EXPECT_EQ(now, before + (key == VK_RIGHT ? 1 : -1));
+            shown = Screen();
+            EXPECT_EQ(TopOf(shown, now), Accent()) << "tab " << now;
+            EXPECT_NE(TopOf(shown, before), Accent()) << "tab " << before;
+        }
+        EXPECT_EQ(g_log.selChanges, 4);
+        SetCursorPos(0, 0);
+    }
+}
+
+// In several rows the platform brings the selected tab's row to the front; the skin draws the rows behind
+// it reaching down under the row in front, and the front row without that.
+TEST_F(TabCtrl, RowsBehindTheSelectedOneReachUnderIt)
+{
+    for (int select : {0, 4}) {
+        SCOPED_TRACE(select);
+        Make(kFive, 220, 150, TCS_MULTILINE, false, select);
+        ASSERT_EQ(m_tabs.GetRowCount(), 2);
+        const RECT front = Item(select);
+        const int back = select == 0 ? 4 : 0;
+        const RECT behind = Item(back);
+        EXPECT_GT(front.top, behind.top) << "the selected row is in front";
+        const Capture shown = Screen();
+        EXPECT_EQ(TopOf(shown, select), Accent());
+        EXPECT_NE(TopOf(shown, back), Accent());
+        // A resting tab is UNSELECTED_HEIGHT (19) rows high from 1 row below its rectangle's top (4 down,
+        // 3 up for several rows); behind the front row it reaches 6 rows further.
+        const int x = (behind.left + behind.right) / 2;
+        EXPECT_NE(shown.At(x, behind.top + 20), Rgb(m_theme.strip)) << "the back row stops short";
+        const int frontResting = select == 0 ? 1 : 3;
+        const RECT r = Item(frontResting);
+        EXPECT_EQ(shown.At(r.left + 5, r.top + 10), RestingFace(9));  // beside the label
+        EXPECT_EQ(shown.At(r.left + 5, r.top + 21), Rgb(m_theme.strip)) << "the front row reaches down";
+    }
+}
+
+// Moving the selection asks the parent for the strip above the tabs, from the top to tab 0's bottom; a
+// paint without a change doesn't.
+TEST_F(TabCtrl, SelectionChangeRepaintsTheStripThroughTheParent)
+{
+    Make(kFive, 220, 150, TCS_MULTILINE, false, 0);
+    ASSERT_EQ(g_log.strips.size(), 1u) << "the first paint has a selection the control hasn't drawn yet";
+    EXPECT_EQ(g_log.strips[0].bottom, Item(0).bottom);
+    const struct {
+        int select;  // -1: repaint only
+        size_t strips;
+    } steps[] = {{-1, 0}, {2, 1}, {-1, 0}, {4, 1}, {4, 0}, {1, 1}};
+    for (const auto& s : steps) {
+        SCOPED_TRACE(s.select);
+        g_log.strips.clear();
+        if (s.select >= 0)
+            m_tabs.SetCurSel(s.select);
+        InvalidateRect(m_tabs.m_hWnd, nullptr, FALSE);
+        UpdateWindow(m_tabs.m_hWnd);
+        ASSERT_EQ(g_log.strips.size(), s.strips);
+        if (s.strips) {
+            const RECT strip = g_log.strips[0];
+            EXPECT_EQ(strip.left, 0);
+            EXPECT_EQ(strip.top, 0);
+            EXPECT_EQ(strip.right, 220);
+            EXPECT_EQ(strip.bottom, Item(0).bottom) << "tab 0 is in row " << Item(0).top / 24;
+        }
+    }
+}
+
+// Without tabs the panel fills the control from the top; the colour the control reports is the panel's.
+TEST_F(TabCtrl, WithoutTabsThePanelStartsAtTheTop)
+{
+    Make({}, 200, 100, 0, false, -1);
+    EXPECT_EQ(m_tabs.GetCurSel(), -1);
+    const Capture shown = Screen();
+    const uint32_t face = Rgb(static_cast<COLORREF>(SendMessageW(m_tabs.m_hWnd, WM_VUIK_TAB_GETBKCLR, 0, 0)));
+    const uint32_t border = m_skin.GetPiece(TAB_PIECE_LEFT)->GetPixel(0, 0);
+    EXPECT_NE(face, border);
+    for (int y = 1; y < 96; ++y) {  // above the rounded corners
+        ASSERT_EQ(shown.At(0, y), border) << y;
+        ASSERT_EQ(shown.At(100, y), face) << y;
+    }
+    EXPECT_EQ(shown.At(100, 99), border);
+    // Without a skin there is no colour to report.
+    m_tabs.SetSkin(nullptr);
+    EXPECT_EQ(SendMessageW(m_tabs.m_hWnd, WM_VUIK_TAB_GETBKCLR, 0, 0), 0);
+}
+
+// Every piece but the spare and the top edge must be there; without a valid skin the platform paints its own
+// tabs and the control keeps no buffer.
+TEST_F(TabCtrl, APieceMissingLeavesThePaintToThePlatform)
+{
+    const struct {
+        int piece;
+        bool valid;
+    } cases[] = {{TAB_PIECE_SPARE, true}, {TAB_PIECE_TOP, true}, {TAB_PIECE_BASE, false},
+                 {TAB_PIECE_SELECTED_MIDDLE, false}, {TAB_PIECE_SEPARATOR, false}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.piece);
+        CVuikTabSkinDef def = Def(m_theme.firstId);
+        def.m_nFrameBitmapIds[c.piece] = IDB_TEST_MISSING;
+        CVuikTabSkin skin;
+        skin.SetSkinDef(def);
+        skin.Load();
+        EXPECT_EQ(skin.IsValid(), c.valid);
+        Make(kThree, 300, 100);
+        m_tabs.SetSkin(&skin);
+        SendMessageW(m_tabs.m_hWnd, WM_VUIK_INVALIDATE_BACKBUFFER, 0, 0);
+        InvalidateRect(m_tabs.m_hWnd, nullptr, TRUE);
+        UpdateWindow(m_tabs.m_hWnd);
+        EXPECT_EQ(m_tabs.GetBackBuffer() != nullptr, c.valid);
+        Destroy();
+    }
+}
+
+// What the control looks like, one row and several, in both themes and both directions, and one tab alone.
+TEST_F(TabCtrl, Goldens)
+{
+    const struct {
+        const char* name;
+        const std::vector<const wchar_t*>* names;
+        DWORD style;
+        int width;
+        int select;
+    } shapes[] = {
+        {"one_row", &kThree, 0, 300, 1},
+        {"rows", &kFive, TCS_MULTILINE, 220, 4},
+    };
+    for (const Theme* theme : {&kDefault, &kGraphite}) {
+        UseTheme(*theme);
+        for (const auto& s : shapes)
+            for (bool rtl : {false, true}) {
+                const std::string name =
+                    std::string("tabs_") + s.name + "_" + theme->name + (rtl ? "_rtl" : "_ltr");
+                SCOPED_TRACE(name);
+                Make(*s.names, s.width, 110, s.style, rtl, s.select);
+                const Capture shown = Screen();
+                EXPECT_TRUE(zcmod_test::MatchesGolden(name, shown.width, shown.height, shown.pixels.data()));
+            }
+    }
+    UseTheme(kDefault);
+    Make({L"Only"}, 160, 80);
+    const Capture shown = Screen();
+    EXPECT_TRUE(zcmod_test::MatchesGolden("tabs_single_Default_ltr", shown.width, shown.height, shown.pixels.data()));
+}
+
+// A thousand tab controls made, painted and destroyed, and many selection changes, leave nothing of the
+// library's behind.
+TEST_F(TabCtrl, CreateSwitchDestroyLeavesNoHandles)
+{
+    Make({}, 220, 120);
+    HWND parent = m_panel.m_hWnd;
+    zcmod_test::HandleCounter counter;
+    auto cycle = [&](int switches) {
+        CVuikTabCtrl tabs;
+        ASSERT_TRUE(tabs.Create(parent, RECT{0, 0, 220, 120}, 8, WS_CHILD | WS_VISIBLE | TCS_MULTILINE, 0));
+        tabs.SetSkin(&m_skin);
+        for (int i = 0; i < 5; ++i)
+            tabs.InsertItem(i, kFive[static_cast<size_t>(i)]);
+        SetFocus(tabs.m_hWnd);
+        UpdateWindow(tabs.m_hWnd);
+        for (int i = 0; i < switches; ++i) {
+            tabs.SetCurSel(i % 5);
+            UpdateWindow(tabs.m_hWnd);
+        }
+        DestroyWindow(tabs.m_hWnd);
+    };
+    cycle(5);
+    const auto before = counter.Live();
+    for (int i = 0; i < 1000; ++i)
+        cycle(0);
+    cycle(300);
+    EXPECT_EQ(counter.Live(), before) << counter.Live().ToString();
+}
+
+}  // namespace
