@@ -28,7 +28,7 @@ typedef CVuikWindowBackgroundCtrl Frame;
 namespace {
 
 const DWORD kAll = Frame::CAPTION_CLOSE | Frame::CAPTION_MINIMIZE | Frame::CAPTION_MAXIMIZE;
-int g_closes = 0;
+int g_closes = 0, g_cancels = 0;
 
 // The application's window: it keeps its one child, the view, over the whole client area.
 LRESULT CALLBACK AppProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
@@ -42,6 +42,8 @@ LRESULT CALLBACK AppProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
         ++g_closes;
         return 0;
     }
+    if (message == WM_COMMAND && wParam == IDCANCEL)
+        ++g_cancels;
     return DefWindowProcW(hwnd, message, wParam, lParam);
 }
 
@@ -298,8 +300,9 @@ TEST_F(WindowBackground, MaximiseAndRestoreRules)
             RECT r, work;
             GetWindowRect(w.top, &r);
             SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
-            if (zoomed)
+            if (zoomed) {
                 EXPECT_TRUE(EqualRect(&r, &work));
+            }
             wchar_t text[32] = {};
             GetWindowTextW(w.Button(0x8002), text, 32);
             EXPECT_STREQ(text, zoomed ? L"Restore Down" : L"Maximize") << "step " << i;
@@ -311,11 +314,16 @@ TEST_F(WindowBackground, MaximiseAndRestoreRules)
 
 TEST_F(WindowBackground, CloseCommandPostsCloseOrCancel)
 {
-    Framed w(kAll);
-    SendMessageW(w.view, WM_COMMAND, 0x8001, 0);
-    EXPECT_EQ(g_closes, 0) << "posted, not sent";
-    Pump(30);
-    EXPECT_EQ(g_closes, 1);
+    for (bool dialog : {false, true}) {
+        SCOPED_TRACE(dialog ? "dialog" : "window");
+        g_closes = g_cancels = 0;
+        Framed w(kAll | (dialog ? Frame::CAPTION_ISDIALOG : 0));
+        SendMessageW(w.view, WM_COMMAND, 0x8001, 0);
+        EXPECT_EQ(g_closes + g_cancels, 0) << "posted, not sent";
+        Pump(30);
+        EXPECT_EQ(g_closes, dialog ? 0 : 1);
+        EXPECT_EQ(g_cancels, dialog ? 1 : 0);
+    }
 }
 
 // ---- Caption text, veil, hit tests, region -------------------------------------------------------------------
@@ -471,8 +479,9 @@ TEST_F(WindowBackground, MovingSizingAndTheSystemMenuDrivenFromInside)
             EXPECT_EQ(after.left - before.left, c.dx);
             EXPECT_EQ((after.right - after.left) - (before.right - before.left), c.dwidth);
         }
-        if (c.message != WM_SYSCOMMAND)
+        if (c.message != WM_SYSCOMMAND) {
             EXPECT_EQ(KeyScript::seenMenuText, L"&Close\tAlt+F4") << "the menu's texts come from the language";
+        }
         if (c.dwidth) {
             // The region came along with the modal sizing.
             HRGN region = CreateRectRgn(0, 0, 0, 0);
