@@ -131,6 +131,9 @@ public:
     // when the message was translated.
     int TranslateMenuAccelerator(MSG* msg);
 
+    // After a change of theme: the caption buttons take their pictures from the new graphics module.
+    void ReloadCaptionButtons();
+
     // Put on the top-level window: no non-client area, the caption band as HTCAPTION, the system menu on a
     // right click, maximise and restore through the view's commands, the veil on activation changes.
     static LRESULT CALLBACK CustomCaptionProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);

@@ -467,6 +467,23 @@ int CVuikWindowBackgroundCtrl::TranslateMenuAccelerator(MSG* msg)
     return 0;
 }
 
+void CVuikWindowBackgroundCtrl::ReloadCaptionButtons()
+{
+    CVuikCaptionButtonCtrl* const buttons[] = {m_pCloseButton, m_pMaximizeButton, m_pMinimizeButton};
+    for (CVuikCaptionButtonCtrl* button : buttons)
+        if (IsLive(button)) {
+            button->LoadDef(*button->GetOwnSkin());
+            button->DeleteBackBuffer();
+            InvalidateRect(button->m_hWnd, nullptr, TRUE);
+        }
+    if (m_hWnd && IsWindow(m_hWnd)) {
+        RECT r;
+        GetClientRect(m_hWnd, &r);
+        SendMessageW(m_hWnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(r.right, r.bottom));
+        InvalidateRect(m_hWnd, nullptr, TRUE);
+    }
+}
+
 bool CVuikWindowBackgroundCtrl::IsFrameActive() const
 {
     HWND frame = IsDialogFrame(m_hTopLevel) ? m_hWnd : m_hTopLevel;

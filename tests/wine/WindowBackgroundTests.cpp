@@ -20,6 +20,11 @@
 #include "controls/VuikCaptionButtonCtrl.h"
 #include "zcmod/ResourceIds.h"
 #include "zcmod/VuikWindowBackgroundCtrl.h"
+#if defined(__has_include)
+#if __has_include("zcmod/VuikMenuBarCtrl.h")
+#include "zcmod/VuikMenuBarCtrl.h"
+#endif
+#endif
 
 using namespace testskin;
 using namespace zcmod_test;
@@ -491,6 +496,79 @@ TEST_F(WindowBackground, MovingSizingAndTheSystemMenuDrivenFromInside)
         }
     }
 }
+
+// ---- The menu bar --------------------------------------------------------------------------------------------
+
+#if defined(__has_include)
+#if __has_include("zcmod/VuikMenuBarCtrl.h")
+TEST_F(WindowBackground, NativeMenuBecomesAMenuBarUnderTheCaption)
+{
+    HMENU menu = CreateMenu();
+    HMENU file = CreatePopupMenu();
+    AppendMenuW(file, MF_STRING, 42, L"&Open");
+    AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(file), L"&File");
+    HWND top = CreateWindowExW(0, AppClass(), L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 60, 60, 400, 300, nullptr, menu,
+                               GetModuleHandleW(nullptr), nullptr);
+    RECT client;
+    GetClientRect(top, &client);
+    HWND view = CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, client.right,
+                                client.bottom, top, nullptr, GetModuleHandleW(nullptr), nullptr);
+    CVuikWindowBackgroundSkin skin;
+    skin.SetMenuBarVisible(1);
+    {
+        Frame frame;
+        frame.SetSkin(&skin);
+        ASSERT_TRUE(frame.SubclassWindow(view, top, nullptr, kAll));
+        EXPECT_EQ(GetMenu(top), nullptr) << "the native menu is taken off";
+        EXPECT_EQ(frame.GetMenuHandle(), menu);
+        ASSERT_TRUE(frame.GetMenuBar());
+        HWND bar = frame.GetMenuBar()->m_hWnd;
+        ASSERT_TRUE(IsWindow(bar));
+        EXPECT_EQ(GetParent(bar), view);
+        SetWindowPos(top, nullptr, 0, 0, 480, 320, SWP_NOMOVE | SWP_NOZORDER);
+        RECT r;
+        GetWindowRect(bar, &r);
+        MapWindowPoints(nullptr, view, reinterpret_cast<POINT*>(&r), 2);
+        EXPECT_EQ(r.left, 0);
+        EXPECT_EQ(r.top, 30);
+        EXPECT_EQ(r.right, 480) << "the bar follows the view's width";
+        EXPECT_EQ(r.bottom, 60);
+        // Alt and the mnemonic go through the bar's accelerators; a plain key doesn't.
+        MSG plain = {}, alt = {};
+        plain.hwnd = alt.hwnd = bar;
+        plain.message = WM_KEYDOWN;
+        alt.message = WM_SYSKEYDOWN;
+        plain.wParam = alt.wParam = 'F';
+        alt.lParam = 1 << 29;
+        EXPECT_EQ(frame.TranslateMenuAccelerator(&plain), 0);
+        EXPECT_EQ(frame.TranslateMenuAccelerator(nullptr), 0);
+        BYTE keys[256] = {}, held[256] = {};
+        GetKeyboardState(keys);
+        memcpy(held, keys, sizeof(held));
+        held[VK_MENU] = 0x80;  // Alt is down, as the accelerator asks
+        SetKeyboardState(held);
+        EXPECT_NE(frame.TranslateMenuAccelerator(&alt), 0);
+        SetKeyboardState(keys);
+        MSG open;
+        while (PeekMessageW(&open, bar, 0, 0, PM_REMOVE)) {
+        }  // the popup it asked to open stays closed
+        // The strip under the caption: its two lines, then the caption's fill.
+        UpdateWindow(top);
+        Pump(100);
+        const Capture c = CaptureWindow(view);
+        EXPECT_TRUE(Near(c.At(300, 30), 0x232323, 2)) << std::hex << c.At(300, 30);
+        EXPECT_TRUE(Near(c.At(300, 31), 0x5A5A5A, 2)) << std::hex << c.At(300, 31);
+        EXPECT_TRUE(Near(c.At(300, 59), 0x373737, 2)) << std::hex << c.At(300, 59);
+        EXPECT_TRUE(Near(c.At(300, 61), 0xFFFFFF, 0)) << std::hex << c.At(300, 61);
+        DestroyWindow(top);
+    }
+    // Without a native menu there is no bar.
+    Framed w(kAll);
+    EXPECT_EQ(w.frame.GetMenuHandle(), nullptr);
+    EXPECT_EQ(w.frame.GetMenuBar(), nullptr);
+}
+#endif
+#endif
 
 // ---- Pixels and handles --------------------------------------------------------------------------------------
 
