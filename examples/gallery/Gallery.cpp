@@ -38,7 +38,7 @@ const wchar_t kViewClass[] = L"ZcmodGalleryView";
 const int kListWidth = 200;
 const UINT_PTR kTickTimer = 1;
 // The caption's icon, drawn by art/appicon.py into the gallery's resources.
-const DWORD kAppIconId = 7400;
+const DWORD kAppIconId = 7600;
 // Commands of the menu: a page by its index, a theme.
 const UINT kPageCommand = 1000;
 const UINT kThemeDefault = 1100;
@@ -277,6 +277,9 @@ void Pump(DWORD milliseconds)
     MSG msg;
     while (static_cast<LONG>(end - GetTickCount()) > 0) {
         while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            if (GalleryPage* page = CurrentPage())
+                if (page->PreTranslate(&msg))
+                    continue;
             TranslateMessage(&msg);
             DispatchMessageW(&msg);
         }
@@ -442,6 +445,9 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
         while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
             if (g_gallery.frame->TranslateMenuAccelerator(&msg))
                 continue;
+            if (GalleryPage* page = CurrentPage())
+                if (page->PreTranslate(&msg))
+                    continue;
             TranslateMessage(&msg);
             DispatchMessageW(&msg);
         }

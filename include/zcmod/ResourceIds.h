@@ -56,6 +56,16 @@
 #define ZGR_FONT_OBLIQUE 34003
 #define ZGR_FONT_BOLD_OBLIQUE 34004
 
+/* Graphics module: the backgrounds of the common (icon) button, seven states each (disabled, normal, hover,
+   pressed, focused, focused hover, focused pressed) from the first id of its size on. */
+#define ZGR_BMP_COMMON_BUTTON_SMALL 5030  /* 5030-5036 */
+#define ZGR_BMP_COMMON_BUTTON_MEDIUM 5037 /* 5037-5043 */
+#define ZGR_BMP_COMMON_BUTTON_LARGE 5044  /* 5044-5050 */
+/* Graphics module: the marks of the check box and the radio button, six states each (unchecked disabled,
+   unchecked, unchecked hover, checked disabled, checked, checked hover). */
+#define ZGR_BMP_CHECK_BOX 5100    /* 5100-5105 */
+#define ZGR_BMP_RADIO_BUTTON 5106 /* 5106-5111 */
+
 /* Graphics module: the colours of the plain dialogs of CDkhDialog. */
 #define ZGR_COLOR_DIALOG_BACKGROUND 2
 #define ZGR_COLOR_DIALOG_TEXT 100

@@ -3,6 +3,8 @@
 // them touches a window, a file or a font: resource modules and fonts load on first use.
 //
 // Order:
+//   the default def of the plain button skin: the system's text colours and DEFAULT_GUI_FONT as they are when
+//   the library loads;
 //   the bitmap map of CVuikResourceManager: skin pictures shared by reference count (pictures still in it at
 //   exit are dropped with it, not deleted);
 //   the tooltip's text colour, COLOR_BTNTEXT as it is when the library loads;
@@ -11,8 +13,11 @@
 //   dialog map.
 #include "frame/AppModule.h"
 #include "zcmod/CommonModuleState.h"
+#include "zcmod/VuikButtonCtrl.h"
 #include "zcmod/VuikResourceManager.h"
 #include "zcmod/VuikTooltip.h"
+
+CVuikButtonSkinDef CVuikButtonSkin::m_DefaultSkinDef = CVuikButtonSkin::MakeSystemSkinDef();
 
 std::map<CVuikResourceManager::Key, std::pair<CVuikBitmap*, int>, CVuikResourceManager::KeyLess>
     CVuikResourceManager::m_mapBitmaps;
