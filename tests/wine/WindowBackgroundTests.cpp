@@ -264,6 +264,29 @@ TEST_F(WindowBackground, CaptionFlagsMakeTheirButtonsAndOnSizeLaysThemOut)
     DestroyWindow(other);
 }
 
+// A change of theme reaches the caption buttons' pictures: the glyphs differ between the themes.
+TEST_F(WindowBackground, CaptionButtonsFollowAChangeOfTheme)
+{
+    Framed w(kAll);
+    // The maximise button's normal picture drawn on the caption's colour.
+    auto look = [&] {
+        auto* button = reinterpret_cast<CVuikCaptionButtonCtrl*>(GetWindowLongPtrW(w.Button(0x8002), GWLP_USERDATA));
+        CVuikBitmap* normal = button->GetOwnSkin()->State(0).GetBitmap();
+        Canvas canvas(30, 22);
+        canvas.Fill([](int, int) { return 0x373737u; });
+        CVuikGraphics graphics(canvas);
+        if (normal)
+            graphics.DrawImage(normal, 0, 0);
+        return canvas.Read().pixels;
+    };
+    const std::vector<uint32_t> before = look();
+    m_registry.SetUserTheme(L"Graphite");
+    w.frame.ReloadCaptionButtons();
+    EXPECT_NE(look(), before);
+    EXPECT_EQ(CVuikResourceManager::GetReferenceCount(ZCMOD_GetCommonZGR(), ZGR_BMP_CAPTION_MAXIMIZE_NORMAL, 0), 1);
+    EXPECT_EQ(w.ButtonRect(0x8001).right, w.ButtonRect(0x8001).left + 40) << "laid out again";
+}
+
 // ---- Maximise and restore ------------------------------------------------------------------------------------
 
 TEST_F(WindowBackground, MaximiseAndRestoreRules)
