@@ -34,6 +34,7 @@ public:
 std::unique_ptr<GalleryPage> MakeFramePage();
 std::unique_ptr<GalleryPage> MakePicturesPage();
 std::unique_ptr<GalleryPage> MakeSkinPage();
+std::unique_ptr<GalleryPage> MakeStaticsPage();
 std::unique_ptr<GalleryPage> MakeButtonFamilyPage();
 std::unique_ptr<GalleryPage> MakeCommonCheckButtonsPage();
 std::unique_ptr<GalleryPage> MakeDevicePage();
@@ -42,6 +43,7 @@ std::unique_ptr<GalleryPage> MakeRtlPage();
 std::unique_ptr<GalleryPage> MakeTabsPage();
 std::unique_ptr<GalleryPage> MakeListViewPage();
 std::unique_ptr<GalleryPage> MakeMenuBarPage();
+std::unique_ptr<GalleryPage> MakeAnimationPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();
