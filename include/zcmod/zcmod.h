@@ -40,4 +40,5 @@
 #include "zcmod/VuikTabCtrl.h"
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
+#include "zcmod/VuikWindowBackgroundCtrl.h"
 #include "zcmod/VuikWindowImpl.h"
