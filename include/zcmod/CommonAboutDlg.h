@@ -98,7 +98,8 @@ protected:
     // Moves `rect`, keeping its size, so that its left and top lie on the monitor nearest to it.
     static void ClipToMonitor(RECT& rect);
 
-    CVuikWindowBackgroundCtrl m_Background;
+    // The frame of the present box: made for each box, since a frame takes one window in its life.
+    CVuikWindowBackgroundCtrl* m_pBackground;
     CVuikWindowBackgroundSkin m_BackgroundSkin;
     CVuikCommonButtonCtrl* m_pOkButton;
     HWND m_hWnd;

@@ -95,7 +95,8 @@ RECT DrawLineAt(HDC dc, const wchar_t* text, int x, int y, UINT reading)
 }  // namespace
 
 CCommonAboutDlg::CCommonAboutDlg()
-    : m_pOkButton(nullptr),
+    : m_pBackground(nullptr),
+      m_pOkButton(nullptr),
       m_hWnd(nullptr),
       m_hParent(nullptr),
       m_hStringModule(nullptr),
@@ -123,6 +124,8 @@ CCommonAboutDlg::~CCommonAboutDlg()
 {
     delete m_pOkButton;
     m_pOkButton = nullptr;
+    delete m_pBackground;
+    m_pBackground = nullptr;
     FreeApplicationResources();
     FreeGlobalResources();
     DestroyFonts();
@@ -302,6 +305,11 @@ INT_PTR CCommonAboutDlg::DoModal()
     std::memcpy(copy.data() + zcmod::DialogExStyleOffset(kind), &exStyle, sizeof(exStyle));
     const INT_PTR result = DialogBoxIndirectParamW(module, reinterpret_cast<DLGTEMPLATE*>(copy.data()), m_hParent,
                                                    AboutBoxDlgProc, reinterpret_cast<LPARAM>(this));
+    // A box ended from outside (EndDialog by someone else) leaves its button object behind.
+    delete m_pOkButton;
+    m_pOkButton = nullptr;
+    delete m_pBackground;
+    m_pBackground = nullptr;
     m_hWnd = nullptr;
     return result;
 }
@@ -344,8 +352,12 @@ INT_PTR CCommonAboutDlg::OnInitDialog()
     CAPTIONAPPICONDATA icon = {static_cast<DWORD>(reinterpret_cast<UINT_PTR>(m_hIconData)), m_hIconModule, m_nIconId};
     if (m_nIconId)
         flags |= CVuikWindowBackgroundCtrl::CAPTION_APPICON;
-    m_Background.SetSkin(&m_BackgroundSkin);
-    m_Background.SubclassWindow(m_hWnd, m_hWnd, m_nIconId ? &icon : nullptr, flags);
+    delete m_pBackground;
+    m_pBackground = new (std::nothrow) CVuikWindowBackgroundCtrl;
+    if (m_pBackground) {
+        m_pBackground->SetSkin(&m_BackgroundSkin);
+        m_pBackground->SubclassWindow(m_hWnd, m_hWnd, m_nIconId ? &icon : nullptr, flags);
+    }
 
     // The OK button takes its faces and its tick from the theme.
     HINSTANCE savedResources = CVuikLib::GetResourceInstance();

@@ -379,6 +379,8 @@ TEST_F(AboutDialog, FreesEverythingOverRepeatedUse)
             if (tick == 0)
                 PostMessageW(box, WM_COMMAND, IDCANCEL, 0);
         });
+        // The same object again, its box ended from outside.
+        RunModal(about, [](HWND box, int) { EndDialog(box, IDOK); });
     };
     cycle();
     const auto before = counter.Live();
