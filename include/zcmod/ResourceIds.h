@@ -116,13 +116,6 @@
 #define ZGR_BMP_STEPBAR_SEPARATOR 5208
 #define ZGR_BMP_STEPBAR_BACKGROUND 5209
 
-/* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
-   colour; CPNGAnimation plays them in order. */
-#define ZGR_PNG_ANIMATION_FIRST 34030
-#define ZGR_PNG_ANIMATION_LAST 34040
-#define ZGR_PNG_ANIMATION_FRAMES 11
-/* Graphics module: the suite's splash picture, PNG with soft alpha edges, for CVuikSplashScreen. */
-#define ZGR_PNG_SPLASH 34100
 /* The drawn window frame (CVuikWindowBackgroundCtrl). Language module: the caption buttons' tips and texts
    (at most 19 characters) and the system menu's items. */
 #define ZLR_STR_CAPTION_CLOSE 35002
@@ -151,6 +144,13 @@
 #define ZGR_BMP_CAPTION_RESTORE_HOVER 32537
 #define ZGR_BMP_CAPTION_RESTORE_NORMAL 32538
 #define ZGR_BMP_CAPTION_RESTORE_PRESSED 32539
+/* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
+   colour; CPNGAnimation plays them in order. */
+#define ZGR_PNG_ANIMATION_FIRST 34030
+#define ZGR_PNG_ANIMATION_LAST 34040
+#define ZGR_PNG_ANIMATION_FRAMES 11
+/* Graphics module: the suite's splash picture, PNG with soft alpha edges, for CVuikSplashScreen. */
+#define ZGR_PNG_SPLASH 34100
 
 /* The about box (CCommonAboutDlg). Library module: its template. Language module: the legal text in two
    parts and the OK button's text and tip. Graphics module: the banner, the maker's mark and the OK tick. */
