@@ -46,6 +46,7 @@ std::unique_ptr<GalleryPage> MakeListViewPage();
 std::unique_ptr<GalleryPage> MakeMenuBarPage();
 std::unique_ptr<GalleryPage> MakeAnimationPage();
 std::unique_ptr<GalleryPage> MakeMessageEditorPage();
+std::unique_ptr<GalleryPage> MakeAboutPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

@@ -18,5 +18,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeMenuBarPage());
     pages.push_back(MakeAnimationPage());
     pages.push_back(MakeMessageEditorPage());
+    pages.push_back(MakeAboutPage());
     return pages;
 }

@@ -152,4 +152,15 @@
 /* Graphics module: the suite's splash picture, PNG with soft alpha edges, for CVuikSplashScreen. */
 #define ZGR_PNG_SPLASH 34100
 
+/* The about box (CCommonAboutDlg). Library module: its template. Language module: the legal text in two
+   parts and the OK button's text and tip. Graphics module: the banner, the maker's mark and the OK tick. */
+#define ZCMOD_DLG_ABOUT 108
+#define ZLR_STR_ABOUT_LEGAL_FIRST 6000
+#define ZLR_STR_ABOUT_LEGAL_SECOND 6001
+#define ZLR_STR_ABOUT_OK 6002
+#define ZGR_BMP_ABOUT_BANNER 35000
+#define ZGR_BMP_ABOUT_MAKER 35001
+#define ZGR_BMP_ABOUT_OK_ICON 34007
+#define ZGR_BMP_ABOUT_OK_ICON_DISABLED 34008
+
 #endif

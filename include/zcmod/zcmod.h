@@ -3,6 +3,7 @@
 #pragma once
 
 #include "zcmod/CSDWrapper.h"
+#include "zcmod/CommonAboutDlg.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/DKHLInfoReader.h"
 #include "zcmod/DkhDialog.h"
