@@ -34,6 +34,7 @@ public:
 std::unique_ptr<GalleryPage> MakeFramePage();
 std::unique_ptr<GalleryPage> MakePicturesPage();
 std::unique_ptr<GalleryPage> MakeSkinPage();
+std::unique_ptr<GalleryPage> MakeStaticsPage();
 std::unique_ptr<GalleryPage> MakeButtonFamilyPage();
 std::unique_ptr<GalleryPage> MakeCommonCheckButtonsPage();
 std::unique_ptr<GalleryPage> MakeDevicePage();
