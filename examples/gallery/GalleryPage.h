@@ -43,6 +43,7 @@ std::unique_ptr<GalleryPage> MakeRtlPage();
 std::unique_ptr<GalleryPage> MakeTabsPage();
 std::unique_ptr<GalleryPage> MakeListViewPage();
 std::unique_ptr<GalleryPage> MakeMenuBarPage();
+std::unique_ptr<GalleryPage> MakeAnimationPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

@@ -15,5 +15,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeTabsPage());
     pages.push_back(MakeListViewPage());
     pages.push_back(MakeMenuBarPage());
+    pages.push_back(MakeAnimationPage());
     return pages;
 }

@@ -112,5 +112,12 @@
 #define ZGR_BMP_CAPTION_RESTORE_HOVER 32537
 #define ZGR_BMP_CAPTION_RESTORE_NORMAL 32538
 #define ZGR_BMP_CAPTION_RESTORE_PRESSED 32539
+/* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
+   colour; CPNGAnimation plays them in order. */
+#define ZGR_PNG_ANIMATION_FIRST 34030
+#define ZGR_PNG_ANIMATION_LAST 34040
+#define ZGR_PNG_ANIMATION_FRAMES 11
+/* Graphics module: the suite's splash picture, PNG with soft alpha edges, for CVuikSplashScreen. */
+#define ZGR_PNG_SPLASH 34100
 
 #endif
