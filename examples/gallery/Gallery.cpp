@@ -38,7 +38,7 @@ const wchar_t kViewClass[] = L"ZcmodGalleryView";
 const int kListWidth = 200;
 const UINT_PTR kTickTimer = 1;
 // The caption's icon, drawn by art/appicon.py into the gallery's resources.
-const DWORD kAppIconId = 7400;
+const DWORD kAppIconId = 7600;
 // Commands of the menu: a page by its index, a theme.
 const UINT kPageCommand = 1000;
 const UINT kThemeDefault = 1100;
