@@ -36,4 +36,5 @@
 #include "zcmod/VuikWindowBackgroundCtrl.h"
 #include "zcmod/RTLHelper.h"
 #include "zcmod/DkhDialog.h"
+#include "zcmod/CommonProgressDlg.h"
 #include "zcmod/SearchEngineControl.h"
