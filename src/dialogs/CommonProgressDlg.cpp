@@ -441,8 +441,23 @@ void CCommonProgressDlg::OnDestroy()
 
 LRESULT CCommonProgressDlg::OnCustomPaint(HDC dc)
 {
+    if (!dc)
+        return 1;
+    // The frame has just painted over the animation's place: the frame last shown goes back at once rather
+    // than at the animation's next tick, so that a new progress text doesn't make the animation blink.
+    if (HBITMAP frame = m_animation.GetAnimationState() ? m_animation.GetLastBitmapHandle() : nullptr) {
+        BITMAP info = {};
+        if (GetObjectW(frame, sizeof(info), &info)) {
+            zcmod::MemoryDC memory(CreateCompatibleDC(dc));
+            if (memory) {
+                zcmod::SelectGuard select(memory.Get(), frame);
+                BitBlt(dc, m_rcAnimation.left, m_rcAnimation.top, info.bmWidth, info.bmHeight, memory.Get(), 0, 0,
+                       SRCCOPY);
+            }
+        }
+    }
     LockGuard lock(&m_lock);
-    if (!m_pszText || !dc)
+    if (!m_pszText)
         return 1;
     const int saved = SaveDC(dc);
     SetBkMode(dc, TRANSPARENT);
@@ -457,7 +472,8 @@ LRESULT CCommonProgressDlg::OnCustomPaint(HDC dc)
     // as the text needs.
     const LONG x = rtl ? m_rcAnimation.right - (text.right - text.left) : m_rcAnimation.left;
     OffsetRect(&text, x - text.left, m_rcAnimation.bottom - text.top);
-    DrawTextW(dc, m_pszText, -1, &text, format);
+    // Not clipped to the measured box either: its height is the font's cell, which some faces overhang.
+    DrawTextW(dc, m_pszText, -1, &text, format | DT_NOCLIP);
     RestoreDC(dc, saved);
     return 1;
 }
