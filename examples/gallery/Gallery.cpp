@@ -443,11 +443,11 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
     } else {
         MSG msg;
         while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
+            if (g_gallery.frame->TranslateMenuAccelerator(&msg))
+                continue;
             if (GalleryPage* page = CurrentPage())
                 if (page->PreTranslate(&msg))
                     continue;
-            if (g_gallery.frame->TranslateMenuAccelerator(&msg))
-                continue;
             TranslateMessage(&msg);
             DispatchMessageW(&msg);
         }
