@@ -139,16 +139,15 @@ public:
         y = Text(dc, 20, y, L"dialog's text; DoModal returns what it returned. The close", ink);
         y = Text(dc, 20, y, L"button does nothing while the work runs.", ink);
         y += 10;
-        Text(dc, 20, y,
-             m_ran ? Format(L"Last run: DoModal returned %lld pictures copied.", static_cast<long long>(m_result))
-                   : std::wstring(L"Press the button to run it."),
-             RGB(0x20, 0x20, 0x20));
+        y = Text(dc, 20, y,
+                 m_ran ? Format(L"Last run: DoModal returned %lld pictures copied.", static_cast<long long>(m_result))
+                       : std::wstring(L"Press the button to run it."),
+                 RGB(0x20, 0x20, 0x20));
         if (m_job.copy) {
-            const int x = kPanelX + kPanelWidth + 40;
-            Text(dc, x, kPanelY - 22, L"The dialog half-way through:", ink);
+            y = Text(dc, 20, y + 24, L"The dialog half-way through:", ink) + 6;
             HDC memory = CreateCompatibleDC(dc);
             HGDIOBJ was = SelectObject(memory, m_job.copy);
-            BitBlt(dc, x, kPanelY, m_job.copySize.cx, m_job.copySize.cy, memory, 0, 0, SRCCOPY);
+            BitBlt(dc, 20, y, m_job.copySize.cx, m_job.copySize.cy, memory, 0, 0, SRCCOPY);
             SelectObject(memory, was);
             DeleteDC(memory);
         }
