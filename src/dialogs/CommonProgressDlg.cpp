@@ -99,6 +99,9 @@ CCommonProgressDlg::CCommonProgressDlg(const wchar_t* caption, const wchar_t* te
 CCommonProgressDlg::~CCommonProgressDlg()
 {
     DestroyModeless();
+    // A modeless dialog's watch thread may still wait on an event that its user never set.
+    if (m_hWatchThread && m_hDoneEvent)
+        SetEvent(m_hDoneEvent);
     JoinWatch();
     m_animation.StopAnimation();
     m_animation.DeleteAnimation();
