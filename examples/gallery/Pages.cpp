@@ -19,5 +19,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeAnimationPage());
     pages.push_back(MakeMessageEditorPage());
     pages.push_back(MakeAboutPage());
+    pages.push_back(MakeProgressPage());
     return pages;
 }

@@ -162,5 +162,14 @@
 #define ZGR_BMP_ABOUT_MAKER 35001
 #define ZGR_BMP_ABOUT_OK_ICON 34007
 #define ZGR_BMP_ABOUT_OK_ICON_DISABLED 34008
+/* The progress dialog (CCommonProgressDlg). Library module: its template, with the two side pictures and the
+   animation's placeholder. Graphics module: the side pictures, left and right (mirrored in a right-to-left
+   layout); its frames are ZGR_PNG_ANIMATION_FIRST to _LAST and its text colour ZGR_COLOR_TEXT. Language
+   module: a waiting text and a step counter ("%d" the step, "%d" the steps) for applications to show. */
+#define ZCMOD_DLG_PROGRESS 702
+#define ZGR_BMP_PROGRESS_LEFT 34028
+#define ZGR_BMP_PROGRESS_RIGHT 34029
+#define ZLR_STR_PROGRESS_WAIT 35210
+#define ZLR_STR_PROGRESS_STEP 35211
 
 #endif

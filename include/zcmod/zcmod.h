@@ -5,6 +5,7 @@
 #include "zcmod/CSDWrapper.h"
 #include "zcmod/CommonAboutDlg.h"
 #include "zcmod/CommonModuleState.h"
+#include "zcmod/CommonProgressDlg.h"
 #include "zcmod/DKHLInfoReader.h"
 #include "zcmod/DkhDialog.h"
 #include "zcmod/FaultReporting.h"
