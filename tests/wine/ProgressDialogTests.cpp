@@ -117,7 +117,7 @@ DWORD HandleCount()
     };
     typedef LONG(WINAPI * Query)(int, void*, ULONG, ULONG*);
     static const Query query =
-        reinterpret_cast<Query>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation"));
+        reinterpret_cast<Query>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
     std::vector<BYTE> buffer(1 << 20);
     ULONG needed = 0;
     while (query && query(16, buffer.data(), static_cast<ULONG>(buffer.size()), &needed) == LONG(0xC0000004))
