@@ -30,6 +30,7 @@
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
+#include "zcmod/VuikWindowBackgroundCtrl.h"
 #include "zcmod/RTLHelper.h"
 #include "zcmod/DkhDialog.h"
 #include "zcmod/SearchEngineControl.h"
