@@ -31,7 +31,7 @@ const wchar_t kViewClass[] = L"ZcmodGalleryView";
 const int kListWidth = 200;
 const UINT_PTR kTickTimer = 1;
 // The caption's icon, drawn by art/appicon.py into the gallery's resources.
-const DWORD kAppIconId = 7400;
+const DWORD kAppIconId = 7900;
 
 struct Gallery {
     std::vector<std::unique_ptr<GalleryPage>> pages;

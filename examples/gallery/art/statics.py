@@ -8,7 +8,7 @@ from draw import Artwork, RADIUS, lighter, mix, svg
 from palettes import PALETTES
 
 THEMES = ("Default", "Graphite")
-BASE = 7500
+BASE = 7700
 
 # Card: 8-pixel corners round a 1-pixel middle, so 17 x 17 in all.
 CARD_CORNER = 8
