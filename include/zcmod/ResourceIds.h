@@ -113,4 +113,19 @@
 #define ZGR_BMP_CAPTION_RESTORE_NORMAL 32538
 #define ZGR_BMP_CAPTION_RESTORE_PRESSED 32539
 
+
+/* Message boxes. Language module: the texts (and tooltips) of the common box's buttons. Graphics module: the
+   icons of those buttons, normal and disabled (Yes wears OK's), and the box's message icon, 32 by 32. */
+#define ZLR_STR_MSGBOX_OK 6002
+#define ZLR_STR_MSGBOX_CANCEL 6003
+#define ZLR_STR_MSGBOX_YES 6004
+#define ZLR_STR_MSGBOX_NO 6005
+#define ZGR_BMP_MSGBOX_CANCEL 34005
+#define ZGR_BMP_MSGBOX_CANCEL_DISABLED 34006
+#define ZGR_BMP_MSGBOX_OK 34007
+#define ZGR_BMP_MSGBOX_OK_DISABLED 34008
+#define ZGR_BMP_MSGBOX_NO 34009
+#define ZGR_BMP_MSGBOX_NO_DISABLED 34010
+#define ZGR_BMP_MESSAGE_ICON 35010
+
 #endif

@@ -31,6 +31,7 @@
 #include "zcmod/VuikWindow.h"
 #include "zcmod/VuikWindowImpl.h"
 #include "zcmod/VuikWindowBackgroundCtrl.h"
+#include "zcmod/VuikMessageBox.h"
 #include "zcmod/RTLHelper.h"
 #include "zcmod/DkhDialog.h"
 #include "zcmod/SearchEngineControl.h"
