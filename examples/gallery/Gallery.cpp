@@ -198,6 +198,9 @@ void Pump(DWORD milliseconds)
     MSG msg;
     while (static_cast<LONG>(end - GetTickCount()) > 0) {
         while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+            if (GalleryPage* page = CurrentPage())
+                if (page->PreTranslate(&msg))
+                    continue;
             TranslateMessage(&msg);
             DispatchMessageW(&msg);
         }
@@ -354,6 +357,9 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
     } else {
         MSG msg;
         while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
+            if (GalleryPage* page = CurrentPage())
+                if (page->PreTranslate(&msg))
+                    continue;
             TranslateMessage(&msg);
             DispatchMessageW(&msg);
         }

@@ -24,6 +24,9 @@ public:
     // Called every 50 ms while the page is visible; returns true when the page must be drawn again.
     virtual bool Tick() { return false; }
 
+    // Sees each message of the application's loop first (a menu bar's accelerators); true when it took it.
+    virtual bool PreTranslate(MSG* /*msg*/) { return false; }
+
     // Checks of the screenshot run: an empty string when the page drew what it must, else what is wrong.
     virtual std::wstring Verify() { return L""; }
 };
@@ -31,15 +34,17 @@ public:
 std::unique_ptr<GalleryPage> MakeFramePage();
 std::unique_ptr<GalleryPage> MakePicturesPage();
 std::unique_ptr<GalleryPage> MakeSkinPage();
+std::unique_ptr<GalleryPage> MakeStaticsPage();
 std::unique_ptr<GalleryPage> MakeButtonFamilyPage();
 std::unique_ptr<GalleryPage> MakeCommonCheckButtonsPage();
-std::unique_ptr<GalleryPage> MakeStaticsPage();
 std::unique_ptr<GalleryPage> MakeMessageBoxPage();
 std::unique_ptr<GalleryPage> MakeDevicePage();
 std::unique_ptr<GalleryPage> MakeSearchPage();
 std::unique_ptr<GalleryPage> MakeRtlPage();
 std::unique_ptr<GalleryPage> MakeTabsPage();
 std::unique_ptr<GalleryPage> MakeListViewPage();
+std::unique_ptr<GalleryPage> MakeMenuBarPage();
+std::unique_ptr<GalleryPage> MakeAnimationPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

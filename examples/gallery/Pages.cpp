@@ -6,14 +6,16 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeFramePage());
     pages.push_back(MakePicturesPage());
     pages.push_back(MakeSkinPage());
+    pages.push_back(MakeStaticsPage());
     pages.push_back(MakeButtonFamilyPage());
     pages.push_back(MakeCommonCheckButtonsPage());
-    pages.push_back(MakeStaticsPage());
     pages.push_back(MakeMessageBoxPage());
     pages.push_back(MakeDevicePage());
     pages.push_back(MakeSearchPage());
     pages.push_back(MakeRtlPage());
     pages.push_back(MakeTabsPage());
     pages.push_back(MakeListViewPage());
+    pages.push_back(MakeMenuBarPage());
+    pages.push_back(MakeAnimationPage());
     return pages;
 }

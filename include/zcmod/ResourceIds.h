@@ -113,7 +113,6 @@
 #define ZGR_BMP_CAPTION_RESTORE_NORMAL 32538
 #define ZGR_BMP_CAPTION_RESTORE_PRESSED 32539
 
-
 /* Message boxes. Language module: the texts (and tooltips) of the common box's buttons. Graphics module: the
    icons of those buttons, normal and disabled (Yes wears OK's), and the box's message icon, 32 by 32. */
 #define ZLR_STR_MSGBOX_OK 6002
@@ -127,5 +126,13 @@
 #define ZGR_BMP_MSGBOX_NO 34009
 #define ZGR_BMP_MSGBOX_NO_DISABLED 34010
 #define ZGR_BMP_MESSAGE_ICON 35010
+
+/* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
+   colour; CPNGAnimation plays them in order. */
+#define ZGR_PNG_ANIMATION_FIRST 34030
+#define ZGR_PNG_ANIMATION_LAST 34040
+#define ZGR_PNG_ANIMATION_FRAMES 11
+/* Graphics module: the suite's splash picture, PNG with soft alpha edges, for CVuikSplashScreen. */
+#define ZGR_PNG_SPLASH 34100
 
 #endif

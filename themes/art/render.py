@@ -24,9 +24,9 @@ def load_families(folder):
     """Every module of `folder`, in the order of their file names, so the output is the same each run."""
     families = []
     for path in sorted(folder.glob("*.py")):
-        spec = importlib.util.spec_from_file_location("family_" + path.stem, path)
-        module = importlib.util.module_from_spec(spec)
-        spec.loader.exec_module(module)
+        found = importlib.util.spec_from_file_location("family_" + path.stem, path)
+        module = importlib.util.module_from_spec(found)
+        found.loader.exec_module(module)
         families.append((path.stem, getattr(module, "ART", [])))
     return families
 

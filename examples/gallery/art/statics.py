@@ -1,7 +1,7 @@
 """The pictures of the gallery's static page, in both themes at once (the gallery is one program that runs
 under either theme): a card frame cut into nine pieces, a bar across and a bar downwards cut into three, and
 the eight frames of a busy spinner. Each set is one drawing; a piece is a window (viewBox) onto it, so the
-pieces always meet without a seam. Ids: 7500 + 100 * theme index + the offsets below (art/StaticArt.h)."""
+pieces always meet without a seam. Ids: 7700 + 100 * theme index + the offsets below (art/StaticArt.h)."""
 import math
 
 from draw import Artwork, RADIUS, lighter, mix, svg

@@ -1,0 +1,794 @@
+// The menu bar, driven with real input while its popup runs the platform's modal menu loop: a script of
+// steps runs on a thread timer inside that loop, and a watchdog ends any menu and fails the test instead of
+// letting the suite hang. Keyboard wrap across the bar, Alt mnemonics, the mouse sliding and the nudged mouse
+// that keeps keyboard mode, the click on the open button, the hook gone on every way out, the owner-drawn
+// items (sizes, right-aligned shortcuts), the language's fonts, goldens of the bar and of open popups, and
+// handle counts over many popups.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Golden.h"
+#include "HandleCounter.h"
+#include "TestSkins.h"
+#include "TestSupport.h"
+#include "zcmod/CommonModuleState.h"
+#include "zcmod/ResHandler.h"
+#include "zcmod/VuikMenuBarCtrl.h"
+
+using namespace testskin;
+using msgseq::input;
+using msgseq::Recorder;
+using zcmod_test::HandleCounter;
+
+namespace {
+
+// Opens the bar's protected state.
+class CTestMenuBar : public CVuikMenuBarCtrl {
+public:
+    bool KeyboardMode() const { return m_bKeyboardMode; }
+    bool IgnoreNextDown() const { return m_bIgnoreNextDown; }
+    int ActiveIndex() const { return IndexOf(m_pActiveButton); }
+    CVuikMenuBarSkin* Skin() const { return m_pSkin; }
+};
+
+const COLORREF kStrip = RGB(0x37, 0x37, 0x37);
+const UINT WM_TEST_CLOSE_POPUP = WM_APP + 7;
+const POINT kAway = {300, 500};  // on no window of the tests
+
+std::vector<HWND> PopupWindows()
+{
+    std::vector<HWND> found;
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND hwnd, LPARAM param) -> BOOL {
+            wchar_t name[16] = {};
+            if (IsWindowVisible(hwnd) && GetClassNameW(hwnd, name, 16) && wcscmp(name, L"#32768") == 0)
+                reinterpret_cast<std::vector<HWND>*>(param)->push_back(hwnd);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+// A window as the screen shows it. A window of a right-to-left layout has a mirrored context; the copy goes to
+// a context mirrored the same way, so that no mirroring happens between the two.
+Capture CaptureShown(HWND hwnd)
+{
+    RECT client;
+    GetClientRect(hwnd, &client);
+    Canvas canvas(client.right, client.bottom);
+    HDC dc = GetDC(hwnd);
+    const bool rtl = (GetWindowLongW(hwnd, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0;
+    if (rtl)
+        SetLayout(canvas, LAYOUT_RTL);
+    BitBlt(canvas, 0, 0, client.right, client.bottom, dc, 0, 0, SRCCOPY);
+    if (rtl)
+        SetLayout(canvas, 0);
+    ReleaseDC(hwnd, dc);
+    return canvas.Read();
+}
+
+RECT ScreenRect(HWND hwnd)
+{
+    RECT r = {};
+    GetWindowRect(hwnd, &r);
+    return r;
+}
+
+POINT Centre(HWND hwnd)
+{
+    const RECT r = ScreenRect(hwnd);
+    return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+}
+
+// Runs steps on a thread timer, inside whatever modal loop is running, until each has said it is done; a
+// watchdog fails the script and ends any menu. Once finished, the timer keeps ending menus that open.
+class Script {
+public:
+    using Step = std::function<bool()>;
+
+    explicit Script(CVuikMenuBarCtrl* bar) : m_bar(bar)
+    {
+        s_current = this;
+        m_tick = SetTimer(nullptr, 0, 30, Tick);
+    }
+    ~Script()
+    {
+        KillTimer(nullptr, m_tick);
+        KillTimer(nullptr, m_watchdog);
+        s_current = nullptr;
+    }
+    Script(const Script&) = delete;
+    Script& operator=(const Script&) = delete;
+
+    // True when every step finished before the watchdog. The application's loop: the bar's accelerators first.
+    bool Run(std::vector<Step> steps, DWORD timeout = 6000)
+    {
+        m_steps = std::move(steps);
+        m_index = 0;
+        m_done = m_failed = false;
+        m_stepStart = GetTickCount();
+        m_watchdog = SetTimer(nullptr, 0, timeout, Watchdog);
+        const DWORD deadline = GetTickCount() + timeout + 2000;
+        while (!m_done && static_cast<LONG>(deadline - GetTickCount()) > 0) {
+            MSG msg;
+            if (!PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+                Sleep(2);
+                continue;
+            }
+            if (m_bar && m_bar->TranslateMenuAccelerator(&msg))
+                continue;
+            TranslateMessage(&msg);
+            DispatchMessageW(&msg);
+        }
+        KillTimer(nullptr, m_watchdog);
+        m_watchdog = 0;
+        if (!m_done)
+            m_failed = true;
+        m_done = true;
+        Recorder::Pump(30);  // a request to open that is still queued is ended by the tick
+        return !m_failed;
+    }
+    size_t FailedStep() const { return m_index; }
+    DWORD Elapsed() const { return GetTickCount() - m_stepStart; }
+    void SetBar(CVuikMenuBarCtrl* bar) { m_bar = bar; }
+
+    static Script* s_current;
+
+private:
+    static void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD)
+    {
+        Script* s = s_current;
+        if (!s)
+            return;
+        if (s->m_done) {
+            if (!PopupWindows().empty())
+                EndMenu();
+            return;
+        }
+        while (s->m_index < s->m_steps.size() && s->m_steps[s->m_index]()) {
+            ++s->m_index;
+            s->m_stepStart = GetTickCount();
+        }
+        if (s->m_index >= s->m_steps.size())
+            s->m_done = true;
+    }
+    static void CALLBACK Watchdog(HWND, UINT, UINT_PTR, DWORD)
+    {
+        if (Script* s = s_current) {
+            s->m_failed = true;
+            s->m_done = true;
+        }
+        EndMenu();
+    }
+
+    CVuikMenuBarCtrl* m_bar;
+    std::vector<Step> m_steps;
+    size_t m_index = 0;
+    bool m_done = false;
+    bool m_failed = false;
+    DWORD m_stepStart = 0;
+    UINT_PTR m_tick = 0;
+    UINT_PTR m_watchdog = 0;
+};
+Script* Script::s_current = nullptr;
+
+using Step = Script::Step;
+Step Do(std::function<void()> action)
+{
+    return [action] {
+        action();
+        return true;
+    };
+}
+Step Until(std::function<bool()> condition) { return condition; }
+// Waits for a state, but at most `limit`: a wrong state then shows in the test's own comparison.
+Step Settle(std::function<bool()> condition, DWORD limit = 2000)
+{
+    return [condition, limit] { return condition() || Script::s_current->Elapsed() >= limit; };
+}
+Step Pause(DWORD milliseconds)
+{
+    return [milliseconds] { return Script::s_current->Elapsed() >= milliseconds; };
+}
+Step Press(WORD vk)
+{
+    return Do([vk] {
+        input::Key(vk, false);
+        input::Key(vk, true);
+    });
+}
+Step ClickAt(std::function<POINT()> where)
+{
+    return Do([where] {
+        input::MoveTo(where());
+        input::LeftDown();
+        input::LeftUp();
+    });
+}
+
+// The suite's window: a frame with a dark strip (a panel of its own buffer), the bar on it at y 30, and a
+// host that records what the bar passes on.
+class MenuBar : public ::testing::Test {
+public:
+    void SetUp() override { registry.SetUserTheme(L"Test"); }
+    // Also between the cases of a table: the next Build starts afresh.
+    void TearDown() override
+    {
+        bar.reset();
+        if (frame.m_hWnd)
+            DestroyWindow(frame.m_hWnd);
+        frame.DeleteBackBuffer();
+        frame.m_hWnd = nullptr;
+        if (menu)
+            DestroyMenu(menu);
+        menu = nullptr;
+        if (host)
+            DestroyWindow(host);
+        host = nullptr;
+    }
+
+    static HMENU MakeMenu()
+    {
+        HMENU file = CreatePopupMenu();
+        AppendMenuW(file, MF_STRING, 101, L"&New\tCtrl+N");
+        AppendMenuW(file, MF_STRING, 102, L"&Open...\tCtrl+O");
+        AppendMenuW(file, MF_SEPARATOR, 0, nullptr);
+        HMENU recent = CreatePopupMenu();
+        AppendMenuW(recent, MF_STRING, 111, L"notes.txt");
+        AppendMenuW(recent, MF_STRING, 112, L"contacts.vcf");
+        AppendMenuW(file, MF_POPUP, reinterpret_cast<UINT_PTR>(recent), L"&Recent files");
+        AppendMenuW(file, MF_SEPARATOR, 0, nullptr);
+        AppendMenuW(file, MF_STRING, 103, L"E&xit\tAlt+F4");
+        HMENU edit = CreatePopupMenu();
+        AppendMenuW(edit, MF_STRING, 201, L"&Undo\tCtrl+Z");
+        AppendMenuW(edit, MF_STRING | MF_GRAYED, 202, L"&Redo\tCtrl+Y");
+        HMENU view = CreatePopupMenu();
+        AppendMenuW(view, MF_STRING | MF_CHECKED, 301, L"&Toolbar");
+        AppendMenuW(view, MF_SEPARATOR, 0, nullptr);
+        AppendMenuW(view, MF_STRING, 302, L"&Large icons");
+        AppendMenuW(view, MF_STRING, 303, L"&Small icons");
+        CheckMenuRadioItem(view, 302, 303, 302, MF_BYCOMMAND);
+        HMENU help = CreatePopupMenu();
+        AppendMenuW(help, MF_STRING, 401, L"&About");
+        HMENU bar = CreateMenu();
+        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(file), L"&File");
+        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(edit), L"&Edit");
+        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(view), L"&View");
+        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(help), L"&Help");
+        return bar;
+    }
+
+    // The frame at a fixed place on the screen, right to left when `exStyle` says so, and the bar on it.
+    void Build(DWORD exStyle = 0, HMENU source = nullptr)
+    {
+        frame.SetSkin(&strip);
+        ASSERT_TRUE(frame.Create(msgseq::PlainClass(), nullptr, RECT{40, 40, 440, 160}, L"", 0,
+                                 WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, exStyle, nullptr));
+        host = recorder.CreateParent("host", RECT{600, 40, 700, 100});
+        recorder.SetHandler([](HWND, UINT message, WPARAM, LPARAM, LRESULT* result) {
+            if (message != WM_TEST_CLOSE_POPUP)
+                return false;
+            // Inside the menu loop: the popup paints its items, then the menu ends.
+            for (HWND popup : PopupWindows())
+                UpdateWindow(popup);
+            EndMenu();
+            *result = 0;
+            return true;
+        });
+        menu = source ? source : MakeMenu();
+        bar = std::make_unique<CTestMenuBar>();
+        ASSERT_TRUE(bar->Create(menu, frame.m_hWnd, POINT{0, 30}, host));
+        SetForegroundWindow(frame.m_hWnd);
+        SetActiveWindow(frame.m_hWnd);
+        RedrawWindow(frame.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+        Recorder::Pump(20);
+    }
+
+    HWND Button(int i) const { return bar->GetButton(i)->m_hWnd; }
+    std::function<POINT()> ButtonCentre(int i) const
+    {
+        return [this, i] { return Centre(Button(i)); };
+    }
+    Step OpenIs(int index) const
+    {
+        return [this, index] { return bar->ActiveIndex() == index && !PopupWindows().empty(); };
+    }
+    Step Closed() const
+    {
+        return [this] { return !CVuikMenuBarCtrl::IsPopupOpen() && bar->ActiveIndex() < 0 && PopupWindows().empty(); };
+    }
+
+    zcmod_test::SuiteRegistry registry;
+    LibraryState lib;
+    CTestSkin strip{SkinDef{kStrip, kStrip}};
+    CTestPanel frame;
+    Recorder recorder;
+    HWND host = nullptr;
+    HMENU menu = nullptr;
+    std::unique_ptr<CTestMenuBar> bar;
+};
+
+TEST_F(MenuBar, ButtonsAcceleratorsAndOwnerDrawnItems)
+{
+    Build();
+    EXPECT_EQ(GetDlgCtrlID(bar->m_hWnd), 0xFFF);
+    EXPECT_EQ(ScreenRect(bar->m_hWnd).bottom - ScreenRect(bar->m_hWnd).top, 30);
+    EXPECT_EQ(ScreenRect(bar->m_hWnd).right - ScreenRect(bar->m_hWnd).left, 400);
+    ASSERT_EQ(bar->GetButtonCount(), 4);
+    EXPECT_EQ(bar->GetSourceMenu(), menu);
+    // Buttons from x 11, six pixels apart, at y 5, each its text plus 10 by 8; ids from 0x1000.
+    int x = 11;
+    for (int i = 0; i < 4; ++i) {
+        RECT r = ScreenRect(Button(i));
+        MapWindowPoints(nullptr, bar->m_hWnd, reinterpret_cast<POINT*>(&r), 2);
+        EXPECT_EQ(r.left, x) << i;
+        EXPECT_EQ(r.top, 5) << i;
+        EXPECT_EQ(GetDlgCtrlID(Button(i)), 0x1000 + i);
+        x = r.right + 6;
+    }
+
+    // Every item of every drop-down is owner-drawn, with its level as item data; text and radio type stay.
+    const struct {
+        int top, position, level;
+        const wchar_t* text;
+        UINT type;
+    } items[] = {{0, 0, 0, L"&New\tCtrl+N", 0},  {0, 2, 0, L"", MFT_SEPARATOR},
+                 {0, 3, 0, L"&Recent files", 0}, {2, 2, 0, L"&Large icons", MFT_RADIOCHECK}};
+    for (const auto& item : items) {
+        wchar_t text[64] = {};
+        MENUITEMINFOW info = {};
+        info.cbSize = sizeof(info);
+        info.fMask = MIIM_FTYPE | MIIM_DATA | MIIM_STRING;
+        info.dwTypeData = text;
+        info.cch = 63;
+        ASSERT_TRUE(GetMenuItemInfoW(GetSubMenu(menu, item.top), item.position, TRUE, &info));
+        EXPECT_TRUE(info.fType & MFT_OWNERDRAW) << item.position;
+        EXPECT_EQ(info.fType & (MFT_SEPARATOR | MFT_RADIOCHECK), item.type);
+        EXPECT_EQ(info.dwItemData, static_cast<ULONG_PTR>(item.level));
+        EXPECT_STREQ(text, item.text);
+    }
+    MENUITEMINFOW nested = {};
+    nested.cbSize = sizeof(nested);
+    nested.fMask = MIIM_FTYPE | MIIM_DATA;
+    ASSERT_TRUE(GetMenuItemInfoW(GetSubMenu(GetSubMenu(menu, 0), 3), 0, TRUE, &nested));
+    EXPECT_TRUE(nested.fType & MFT_OWNERDRAW);
+    EXPECT_EQ(nested.dwItemData, 1u) << "a submenu's items are level 1";
+
+    // Commands chosen in a popup reach the host; an accelerator's (high word 1) does not.
+    recorder.Only({WM_COMMAND});
+    SendMessageW(bar->m_hWnd, WM_COMMAND, 102, 0);
+    EXPECT_EQ(recorder.Count(WM_COMMAND), 1);
+}
+
+TEST_F(MenuBar, AcceleratorTableFromMnemonics)
+{
+    const struct {
+        std::vector<const wchar_t*> texts;
+        std::vector<ACCEL> expected;
+    } cases[] = {
+        {{L"&File", L"&edit"}, {{FALT | FVIRTKEY, 'F', 0}, {FALT | FVIRTKEY, 'E', 1}}},
+        {{L"Sales && &Marketing"}, {{FALT | FVIRTKEY, 'M', 0}}},
+        {{L"R&&D", L"No letter", L"Tools&9"}, {{FALT | FVIRTKEY, '9', 2}}},
+        {{L"Plain"}, {}},
+    };
+    for (const auto& c : cases) {
+        HMENU source = CreateMenu();
+        for (const wchar_t* text : c.texts)
+            AppendMenuW(source, MF_POPUP, reinterpret_cast<UINT_PTR>(CreatePopupMenu()), text);
+        CTestMenuBar one;
+        HWND window = one.Create(source, frame.m_hWnd ? frame.m_hWnd : GetDesktopWindow(), POINT{0, 0}, nullptr);
+        ASSERT_TRUE(window);
+        HACCEL table = one.GetAcceleratorTable();
+        std::vector<ACCEL> got(table ? CopyAcceleratorTableW(table, nullptr, 0) : 0);
+        if (!got.empty())
+            CopyAcceleratorTableW(table, got.data(), static_cast<int>(got.size()));
+        ASSERT_EQ(got.size(), c.expected.size()) << static_cast<const void*>(c.texts[0]);
+        for (size_t i = 0; i < got.size(); ++i) {
+            EXPECT_EQ(got[i].fVirt, c.expected[i].fVirt);
+            EXPECT_EQ(got[i].key, c.expected[i].key);
+            EXPECT_EQ(got[i].cmd, c.expected[i].cmd);
+        }
+        DestroyWindow(window);
+        DestroyMenu(source);
+    }
+}
+
+// Left and right move across the bar with wrap-around; inside a drop-down they open and close submenus.
+TEST_F(MenuBar, KeyboardMovesAcrossTheBar)
+{
+    Build();
+    const struct {
+        const char* name;
+        int start;
+        std::vector<WORD> keys;
+        int active;       // after the keys
+        size_t windows;   // open popup windows after the keys
+    } cases[] = {
+        {"left from the first wraps to the last", 0, {VK_LEFT}, 3, 1},
+        {"right from the last wraps to the first", 3, {VK_RIGHT}, 0, 1},
+        {"right from the second", 1, {VK_RIGHT}, 2, 1},
+        {"twice left", 2, {VK_LEFT, VK_LEFT}, 0, 1},
+        {"right on an item with a submenu opens it", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT}, 0, 2},
+        {"left in the submenu closes it", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT}, 0, 1},
+        {"then left moves on", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT, VK_LEFT}, 3, 1},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Script script(bar.get());
+        std::vector<Step> steps = {ClickAt(ButtonCentre(c.start)), OpenIs(c.start), Pause(60)};
+        for (WORD key : c.keys)
+            steps.insert(steps.end(), {Press(key), Pause(90)});
+        int seenActive = -2;
+        size_t seenWindows = 0;
+        bool keyboard = false;
+        steps.insert(steps.end(), {Settle([&] { return bar->ActiveIndex() == c.active && PopupWindows().size() == c.windows; }),
+                                   Pause(100), Do([&] {
+                                       seenActive = bar->ActiveIndex();
+                                       seenWindows = PopupWindows().size();
+                                       keyboard = bar->KeyboardMode();
+                                   }),
+                                   Do([] { input::MoveTo(kAway); }), Pause(60), Press(VK_ESCAPE), Press(VK_ESCAPE),
+                                   Until(Closed())});
+        ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
+        EXPECT_EQ(seenActive, c.active);
+        EXPECT_EQ(seenWindows, c.windows);
+        EXPECT_EQ(keyboard, c.active != c.start) << "a move across the bar is keyboard mode";
+        EXPECT_EQ(SendMessageW(Button(c.active), BM_GETCHECK, 0, 0), 0) << "the closed menu's button is let go";
+    }
+}
+
+// Alt with a top-level mnemonic opens that menu, through the accelerator table and the synthetic click.
+TEST_F(MenuBar, AltMnemonicOpensThatMenu)
+{
+    Build();
+    const struct {
+        WORD letter;
+        int index;
+    } cases[] = {{'E', 1}, {'H', 3}, {'V', 2}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.index);
+        Script script(bar.get());
+        LRESULT checked = -1;
+        input::MoveTo(kAway);  // the cursor far from the bar: the click is the accelerator's
+        ASSERT_TRUE(script.Run({Do([&] {
+                                    input::Key(VK_MENU, false);
+                                    input::Key(c.letter, false);
+                                    input::Key(c.letter, true);
+                                    input::Key(VK_MENU, true);
+                                }),
+                                OpenIs(c.index), Do([&] { checked = SendMessageW(Button(c.index), BM_GETCHECK, 0, 0); }),
+                                Press(VK_ESCAPE), Until(Closed())}))
+            << "stopped at step " << script.FailedStep();
+        EXPECT_EQ(checked, 1) << "the open menu's button shows Open";
+    }
+}
+
+// The mouse over another button slides the open menu there; a click on the open button closes it for good;
+// a click on another button opens that one. After a keyboard move, a nudge of the mouse keeps the keyboard's
+// menu, a real move gives the menu back to the mouse.
+TEST_F(MenuBar, MouseSlidesClicksAndNudges)
+{
+    Build();
+    const struct {
+        const char* name;
+        std::vector<Step> (*middle)(MenuBar&);
+        int active;  // after the middle steps, once things have settled (-1: closed)
+    } cases[] = {
+        {"sliding to the third button", [](MenuBar& t) -> std::vector<Step> {
+             return {Do([&t] { input::MoveTo(Centre(t.Button(2))); })};
+         }, 2},
+        // Five pixels aside, so that the two clicks make no double click.
+        {"a click on the open button closes it and leaves it closed", [](MenuBar& t) -> std::vector<Step> {
+             return {ClickAt([&t] {
+                 const POINT p = Centre(t.Button(0));
+                 return POINT{p.x + 5, p.y};
+             })};
+         }, -1},
+        // The way there slides the menu over; the click then closes it, as on a native menu bar.
+        {"a click on another button", [](MenuBar& t) -> std::vector<Step> { return {ClickAt(t.ButtonCentre(1))}; },
+         -1},
+        {"a two-pixel nudge after a key keeps the keyboard's menu", [](MenuBar& t) -> std::vector<Step> {
+             return {Press(VK_RIGHT), t.OpenIs(1), Pause(60), Do([&t] {
+                         const POINT p = Centre(t.Button(0));
+                         input::MoveTo(POINT{p.x + 2, p.y});
+                     })};
+         }, 1},
+        {"a six-pixel move after a key takes the menu back", [](MenuBar& t) -> std::vector<Step> {
+             return {Press(VK_RIGHT), t.OpenIs(1), Pause(60), Do([&t] {
+                         const POINT p = Centre(t.Button(0));
+                         input::MoveTo(POINT{p.x + 6, p.y});
+                     })};
+         }, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Script script(bar.get());
+        std::vector<Step> steps = {ClickAt(ButtonCentre(0)), OpenIs(0), Pause(60)};
+        for (Step& s : c.middle(*this))
+            steps.push_back(s);
+        int seen = -2;
+        steps.insert(steps.end(), {Settle([&] {
+                                       return bar->ActiveIndex() == c.active && PopupWindows().empty() == (c.active < 0);
+                                   }),
+                                   Pause(300), Do([&] { seen = bar->ActiveIndex(); }),
+                                   Do([] { input::MoveTo(kAway); }), Pause(60), Press(VK_ESCAPE), Until(Closed())});
+        ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
+        EXPECT_EQ(seen, c.active);
+        // Whatever happened, nothing opens afterwards by itself.
+        Recorder::Pump(150);
+        EXPECT_FALSE(CVuikMenuBarCtrl::IsPopupOpen());
+        EXPECT_FALSE(bar->IgnoreNextDown()) << "the closing click was the one to ignore";
+    }
+}
+
+// However a popup ends, the message-filter hook goes with it, and the button is let go.
+TEST_F(MenuBar, HookRemovedOnEveryWayOut)
+{
+    enum Way { Escape, ClickOutside, ChooseItem, DestroyWindowDuring, DeleteBarDuring };
+    const struct {
+        const char* name;
+        Way way;
+    } cases[] = {{"Escape", Escape},
+                 {"a click outside", ClickOutside},
+                 {"an item chosen by its letter", ChooseItem},
+                 {"the window destroyed", DestroyWindowDuring},
+                 {"the bar deleted", DeleteBarDuring}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        Build();
+        HandleCounter counter;
+        const long hooks = counter.Live()[HandleCounter::Hook];
+        long hooksOpen = -1;
+        Script script(bar.get());
+        recorder.Only({WM_COMMAND, WM_INITMENUPOPUP, WM_ENTERMENULOOP, WM_EXITMENULOOP});
+        std::vector<Step> steps = {ClickAt(ButtonCentre(1)), OpenIs(1), Pause(60),
+                                   Do([&] { hooksOpen = counter.Live()[HandleCounter::Hook]; })};
+        switch (c.way) {
+            case Escape:
+                steps.insert(steps.end(), {Do([] { input::MoveTo(kAway); }), Pause(60), Press(VK_ESCAPE)});
+                break;
+            case ClickOutside:
+                steps.push_back(ClickAt([] { return kAway; }));
+                break;
+            case ChooseItem:
+                steps.push_back(Press('U'));  // the "&Undo" item's letter, though the items are owner-drawn
+                break;
+            case DestroyWindowDuring:
+                steps.push_back(Do([&] { DestroyWindow(frame.m_hWnd); }));
+                break;
+            case DeleteBarDuring:
+                steps.push_back(Do([&] {
+                    script.SetBar(nullptr);
+                    bar.reset();
+                }));
+                break;
+        }
+        steps.push_back(Until([] { return !CVuikMenuBarCtrl::IsPopupOpen() && PopupWindows().empty(); }));
+        ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
+        EXPECT_EQ(hooksOpen, hooks + 1);
+        EXPECT_EQ(counter.Live()[HandleCounter::Hook], hooks);
+        if (bar && IsWindow(bar->m_hWnd)) {
+            EXPECT_LT(bar->ActiveIndex(), 0);
+            EXPECT_EQ(SendMessageW(Button(1), BM_GETCHECK, 0, 0), 0);
+            // The host heard the loop and the popup, and the chosen command.
+            EXPECT_EQ(recorder.Count(WM_ENTERMENULOOP), 1);
+            EXPECT_EQ(recorder.Count(WM_EXITMENULOOP), 1);
+            EXPECT_GE(recorder.Count(WM_INITMENUPOPUP), 1);
+            EXPECT_EQ(recorder.Count(WM_COMMAND), c.way == ChooseItem ? 1 : 0);
+        }
+        TearDown();
+    }
+}
+
+// Owner-drawn items: the sizes they ask for, and the shortcut after a tab right-aligned at the item's right
+// edge less 4, as the popup shows it.
+TEST_F(MenuBar, ItemSizesAndRightAlignedShortcuts)
+{
+    Build();
+    HFONT font = bar->Skin()->m_hFont;
+    ASSERT_TRUE(font);
+    const int check = GetSystemMetrics(SM_CXMENUCHECK);
+    const auto extent = [font](const wchar_t* text) {
+        HDC dc = GetDC(nullptr);
+        HGDIOBJ old = SelectObject(dc, font);
+        SIZE size = {};
+        GetTextExtentPoint32W(dc, text, static_cast<int>(wcslen(text)), &size);
+        SelectObject(dc, old);
+        ReleaseDC(nullptr, dc);
+        return size.cx;
+    };
+    const struct {
+        UINT id;
+        const wchar_t* shown;  // the text as measured, without its "&"
+        UINT width, height;
+    } sizes[] = {{0, nullptr, 0, 8},
+                 {102, L"Open...\tCtrl+O", 0, 18},
+                 {401, L"About", 0, 18},
+                 {static_cast<UINT>(reinterpret_cast<UINT_PTR>(GetSubMenu(GetSubMenu(menu, 0), 3))), L"Recent files", 0, 18}};
+    for (const auto& s : sizes) {
+        MEASUREITEMSTRUCT measure = {ODT_MENU, 0, s.id, 0, 0, 0};
+        EXPECT_TRUE(SendMessageW(bar->m_hWnd, WM_MEASUREITEM, 0, reinterpret_cast<LPARAM>(&measure)));
+        const UINT width = s.shown ? static_cast<UINT>(check + 8 + static_cast<int>(1.2 * extent(s.shown))) : 0;
+        EXPECT_EQ(measure.itemWidth, width) << s.id;
+        EXPECT_EQ(measure.itemHeight, s.height) << s.id;
+    }
+
+    // Drawn items: the ink of the text, column by column.
+    const int w = 220, h = 18;
+    const struct {
+        UINT id;
+        HMENU owner;
+        bool selected;
+        int inkLeft, inkRightMin, inkRightMax;  // where the text's ink must lie
+        uint32_t background;
+    } items[] = {
+        {102, GetSubMenu(menu, 0), false, 4 + check, w - 4 - 2, w - 4, 0xFFFFFF},
+        {401, GetSubMenu(menu, 3), true, 4 + check, 4 + check + 10, w / 2, 0x73BEFF},
+    };
+    for (const auto& item : items) {
+        Canvas canvas(w, h);
+        DRAWITEMSTRUCT draw = {ODT_MENU, 0, item.id, ODA_DRAWENTIRE, item.selected ? UINT(ODS_SELECTED) : 0u,
+                               reinterpret_cast<HWND>(item.owner), canvas, RECT{0, 0, w, h}, 0};
+        EXPECT_TRUE(SendMessageW(bar->m_hWnd, WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&draw)));
+        const Capture c = canvas.Read();
+        int left = w, right = -1;
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x)
+                if (!Near(c.At(x, y), item.background, 24)) {
+                    left = std::min(left, x);
+                    right = std::max(right, x);
+                }
+        EXPECT_EQ(c.At(1, 1), item.background) << item.id;
+        EXPECT_GE(left, item.inkLeft) << item.id;
+        EXPECT_LE(left, item.inkLeft + 3) << item.id;
+        EXPECT_GE(right, item.inkRightMin) << item.id;
+        EXPECT_LT(right, item.inkRightMax) << item.id;
+    }
+
+    // In the open popup the platform keeps those heights.
+    Script script(bar.get());
+    RECT first = {}, separator = {};
+    ASSERT_TRUE(script.Run({ClickAt(ButtonCentre(0)), OpenIs(0), Pause(60), Do([&] {
+                                GetMenuItemRect(bar->m_hWnd, GetSubMenu(menu, 0), 0, &first);
+                                GetMenuItemRect(bar->m_hWnd, GetSubMenu(menu, 0), 2, &separator);
+                                input::MoveTo(kAway);
+                            }),
+                            Pause(60), Press(VK_ESCAPE), Until(Closed())}));
+    EXPECT_EQ(first.bottom - first.top, 18);
+    EXPECT_EQ(separator.bottom - separator.top, 8);
+}
+
+// The Chinese and Thai languages get a larger, regular button font and a larger item font.
+TEST_F(MenuBar, FontsFollowTheLanguage)
+{
+    const struct {
+        const wchar_t* code;
+        LONG itemHeight, buttonHeight, buttonWeight;
+    } cases[] = {{L"eng", 13, 12, FW_BOLD},    {L"chi-tc", 15, 15, FW_NORMAL}, {L"CHI-HK", 15, 15, FW_NORMAL},
+                 {L"chi-sc", 15, 15, FW_NORMAL}, {L"tha", 16, 16, FW_NORMAL},   {L"THA", 16, 16, FW_NORMAL},
+                 {L"chi", 13, 12, FW_BOLD},    {L"heb", 13, 12, FW_BOLD}};
+    CCommonModuleState& state = CCommonModuleState::Get();
+    struct Restore {
+        CCommonModuleState& state;
+        CResHandler* handler;
+        ~Restore() { state.m_pResHandler = handler; }
+    } restore{state, state.m_pResHandler};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.code)));
+        registry.SetLanguage(c.code);
+        CResHandler handler;  // the language is chosen once per handler
+        state.m_pResHandler = &handler;
+        CVuikMenuBarSkin items;
+        CVuikMenuBarButtonSkin buttons;
+        items.Load();
+        buttons.Load();
+        LOGFONTW a = {}, b = {};
+        ASSERT_TRUE(GetObjectW(items.m_hFont, sizeof(a), &a));
+        ASSERT_TRUE(GetObjectW(buttons.GetFont(), sizeof(b), &b));
+        EXPECT_STREQ(a.lfFaceName, L"Zelvo Sans Wide");
+        EXPECT_STREQ(b.lfFaceName, L"Zelvo Sans Wide");
+        EXPECT_EQ(a.lfHeight, c.itemHeight);
+        EXPECT_EQ(a.lfWeight, FW_NORMAL);
+        EXPECT_EQ(b.lfHeight, c.buttonHeight);
+        EXPECT_EQ(b.lfWeight, c.buttonWeight);
+        EXPECT_EQ(b.lfCharSet, DEFAULT_CHARSET);
+        EXPECT_EQ(b.lfQuality, 5);
+        EXPECT_TRUE(items.IsValid() && buttons.IsValid());
+    }
+}
+
+// Pictures of the bar and of open popups, left to right and right to left. The bar's colours do not come
+// from the theme, so one theme stands for both.
+TEST_F(MenuBar, Goldens)
+{
+    const struct {
+        const char* name;
+        DWORD layout;
+        int open;         // -1: the bar alone
+        int downPresses;  // keys that move the selection in the popup before the picture
+        int hover = -1;   // the button under the mouse, for the bar alone
+    } cases[] = {
+        {"menubar_bar_ltr", 0, -1, 0},          {"menubar_bar_rtl", LAYOUT_RTL, -1, 0},
+        {"menubar_hover_ltr", 0, -1, 0, 1},     {"menubar_file_open_ltr", 0, 0, 1},
+        {"menubar_file_open_rtl", LAYOUT_RTL, 0, 1}, {"menubar_view_open_ltr", 0, 2, 0},
+        {"menubar_file_submenu_ltr", 0, 0, 3},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        CVuikLib::SetLayout(c.layout);
+        input::MoveTo(kAway);  // no button hovered
+        Recorder::Pump(30);
+        Build(c.layout ? WS_EX_LAYOUTRTL : 0);
+        Capture barPicture, popupPicture;
+        if (c.open >= 0) {
+            Script script(bar.get());
+            std::vector<Step> steps = {Do([&] { PostMessageW(bar->m_hWnd, WM_COMMAND, MAKEWPARAM(c.open, 1), 0); }),
+                                       OpenIs(c.open), Pause(60)};
+            for (int i = 0; i < c.downPresses; ++i)
+                steps.insert(steps.end(), {Press(VK_DOWN), Pause(60)});
+            steps.insert(steps.end(), {Do([&] {
+                                           std::vector<HWND> popups = PopupWindows();
+                                           for (HWND p : popups)
+                                               UpdateWindow(p);
+                                           barPicture = CaptureShown(bar->m_hWnd);
+                                           popupPicture = CaptureShown(popups.back());
+                                       }),
+                                       Press(VK_ESCAPE), Until(Closed())});
+            ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
+            EXPECT_TRUE(zcmod_test::MatchesGolden(std::string(c.name) + "_popup", popupPicture.width,
+                                                  popupPicture.height, popupPicture.pixels.data()));
+        } else {
+            if (c.hover >= 0) {
+                input::MoveTo(Centre(Button(c.hover)));
+                Recorder::Pump(60);
+                UpdateWindow(bar->m_hWnd);
+            }
+            barPicture = CaptureShown(bar->m_hWnd);
+            input::MoveTo(kAway);
+        }
+        // The strip shows through the bar and its closed buttons.
+        EXPECT_EQ(barPicture.At(2, 2), 0x373737u) << std::hex << barPicture.At(2, 2);
+        EXPECT_TRUE(zcmod_test::MatchesGolden(std::string(c.name) + "_bar", barPicture.width, barPicture.height,
+                                              barPicture.pixels.data()));
+        TearDown();
+    }
+}
+
+// Five hundred popups opened, painted and closed leave no handle, hook or timer behind.
+TEST_F(MenuBar, HandlesFlatOverManyPopups)
+{
+    Build();
+    HandleCounter counter;
+    const auto cycle = [&](int i) {
+        const int index = i % 4;
+        // The close request is queued first: the popup shows, the loop dispatches it, it paints and ends.
+        PostMessageW(host, WM_TEST_CLOSE_POPUP, 0, 0);
+        PostMessageW(bar->m_hWnd, WM_VUIK_MENUBAR_OPENPOPUP, index, reinterpret_cast<LPARAM>(bar->GetButton(index)));
+        Recorder::Pump();
+    };
+    Script script(bar.get());  // ends any menu that the cycles would leave open
+    // Warm-up: each button's buffer is made once, and each kind of item is drawn once.
+    for (int i = 0; i < 4; ++i)
+        cycle(i);
+    Recorder::Pump(50);
+    const HandleCounter::Counts before = counter.Live();
+    int opened = 0;
+    recorder.Only({WM_ENTERMENULOOP});
+    for (int i = 0; i < 500; ++i)
+        cycle(i);
+    Recorder::Pump(50);
+    opened = recorder.Count(WM_ENTERMENULOOP);
+    EXPECT_EQ(opened, 500);
+    EXPECT_EQ(counter.Live(), before) << counter.Live().ToString() << " / " << before.ToString();
+    EXPECT_FALSE(CVuikMenuBarCtrl::IsPopupOpen());
+}
+
+}  // namespace
