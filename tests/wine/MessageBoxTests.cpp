@@ -480,6 +480,9 @@ TEST_F(MessageBoxes, OlderLayoutCentresTheRowUnderTheText)
         {L"Delete the message from the phone?", L"Messages", MB_YESNOCANCEL},
         {L"", L"Empty", MB_YESNO},
         {unbroken.c_str(), L"Long", MB_OKCANCEL},
+        // Only a user icon is looked for, in the application's module (the test program's 16-pixel badge).
+        {L"With the application's icon", L"Icon", MB_OK | MB_USERICON},
+        {L"No platform icon", L"Icon", MB_OK | MB_ICONQUESTION},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "type " << c.type);
@@ -498,7 +501,7 @@ TEST_F(MessageBoxes, OlderLayoutCentresTheRowUnderTheText)
         }
         EXPECT_EQ(right - left, n * bw + (n - 1) * 5);
         EXPECT_EQ(left, (s.client.right - n * bw - (n - 1) * 5) / 2);
-        EXPECT_EQ(s.text.left, 21);
+        EXPECT_EQ(s.text.left, (c.type & 0xF0) == MB_USERICON ? 16 + 42 : 21);
         EXPECT_EQ(s.text.top, 21);
         EXPECT_EQ(s.text.right, s.client.right);
         EXPECT_EQ(Height(s.window), Height(s.text) + MeasureCaption(c.title).cy + bh + 63);
