@@ -19,6 +19,8 @@ namespace {
 
 const size_t kTemplateBytes = 1024;
 const int kMargin = 21;  // the text's distance from the frame, and the icon's
+// The text's static: a visible child that wraps as the text was measured, an overlong word broken too.
+const DWORD kTextStyle = WS_CHILD | WS_VISIBLE | SS_LEFT | SS_EDITCONTROL;
 
 // The four buttons in template order, and where the template puts them (dialog units).
 const WORD kButtonIds[4] = {IDOK, IDYES, IDNO, IDCANCEL};
@@ -500,7 +502,7 @@ BOOL CVuikMessageBox::OnInitDialog()
     GetClientRect(m_hWnd, &client);
     m_rcText.right = client.right;
     m_Text.SetTextColor(m_clrText);
-    m_Text.Create(m_hWnd, m_rcText, 0, 0x50000000, rtl ? WS_EX_RTLREADING : 0);
+    m_Text.Create(m_hWnd, m_rcText, 0, kTextStyle, rtl ? WS_EX_RTLREADING : 0);
     SetWindowTextW(m_Text.m_hWnd, m_pszText);
     SendMessageW(m_Text.m_hWnd, WM_SETFONT, reinterpret_cast<WPARAM>(m_hMessageFont), FALSE);
     ShowWindow(m_Text.m_hWnd, SW_SHOW);
@@ -756,7 +758,7 @@ BOOL CVuikCommonMessageBox::OnInitDialog()
     OffsetRect(&m_rcText, 0, CVuikWindowBackgroundCtrl::CaptionHeight);
     m_rcText.right = client.right;
     m_Text.SetTextColor(m_clrText);
-    m_Text.Create(m_hWnd, m_rcText, 0, 0x50000000, rtl ? WS_EX_RTLREADING : 0);
+    m_Text.Create(m_hWnd, m_rcText, 0, kTextStyle, rtl ? WS_EX_RTLREADING : 0);
     SetWindowTextW(m_Text.m_hWnd, m_pszText);
     SendMessageW(m_Text.m_hWnd, WM_SETFONT, reinterpret_cast<WPARAM>(m_hMessageFont), FALSE);
     ShowWindow(m_Text.m_hWnd, SW_SHOW);

@@ -563,6 +563,14 @@ TEST_F(MessageBoxes, GoldenBoxesInBothThemesAndLayouts)
                          [&](const Seen& s) { common = CaptureWindow(s.box); }, 400);
         EXPECT_FALSE(run.hung);
         EXPECT_TRUE(MatchesGolden("msgbox_common_" + suffix, common.width, common.height, common.pixels.data()));
+        if (!c.rtl && c.theme == std::wstring(L"Default")) {
+            // A word longer than the limit is broken over lines, as it was measured.
+            const std::wstring unbroken(160, L'W');
+            Capture wrapped;
+            run = RunBox(Common(unbroken.c_str(), L"Long", MB_OK), Escape, 0,
+                         [&](const Seen& s) { wrapped = CaptureWindow(s.box); }, 400);
+            EXPECT_TRUE(MatchesGolden("msgbox_common_unbroken", wrapped.width, wrapped.height, wrapped.pixels.data()));
+        }
         // The older box wears only the application's skins: the theme changes nothing of it.
         if (c.theme != std::wstring(L"Default"))
             continue;
