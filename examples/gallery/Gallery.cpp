@@ -23,6 +23,13 @@
 #include "GalleryPage.h"
 #include "Screenshot.h"
 
+// Where the library has its menu bar, the gallery's pages and themes are chosen from one.
+#if defined(__has_include)
+#if __has_include(<zcmod/VuikMenuBarCtrl.h>)
+#define GALLERY_MENU_BAR 1
+#endif
+#endif
+
 namespace {
 
 const wchar_t kMainClass[] = L"ZcmodGallery";
@@ -31,7 +38,11 @@ const wchar_t kViewClass[] = L"ZcmodGalleryView";
 const int kListWidth = 200;
 const UINT_PTR kTickTimer = 1;
 // The caption's icon, drawn by art/appicon.py into the gallery's resources.
-const DWORD kAppIconId = 7900;
+const DWORD kAppIconId = 7600;
+// Commands of the menu: a page by its index, a theme.
+const UINT kPageCommand = 1000;
+const UINT kThemeDefault = 1100;
+const UINT kThemeGraphite = 1101;
 
 struct Gallery {
     std::vector<std::unique_ptr<GalleryPage>> pages;
@@ -52,6 +63,8 @@ GalleryPage* CurrentPage()
     return g_gallery.current < g_gallery.pages.size() ? g_gallery.pages[g_gallery.current].get() : nullptr;
 }
 
+void MarkMenu();
+
 void ShowPage(size_t index)
 {
     if (index >= g_gallery.pages.size())
@@ -65,12 +78,65 @@ void ShowPage(size_t index)
     // The footer names the page.
     if (g_gallery.view)
         InvalidateRect(g_gallery.view, nullptr, FALSE);
+    MarkMenu();
+}
+
+HMENU Menu() { return g_gallery.frame ? g_gallery.frame->GetMenuHandle() : nullptr; }
+
+// The menu's marks: the page shown and the theme in use.
+void MarkMenu()
+{
+    HMENU menu = Menu();
+    if (!menu)
+        return;
+    const UINT pages = static_cast<UINT>(g_gallery.pages.size());
+    CheckMenuRadioItem(GetSubMenu(menu, 0), 0, pages - 1, static_cast<UINT>(g_gallery.current), MF_BYPOSITION);
+    wchar_t theme[64] = {};
+    LoadStringW(ZCMOD_GetCommonZGR(), ZGR_STR_THEME_NAME, theme, 64);
+    CheckMenuRadioItem(GetSubMenu(menu, 1), kThemeDefault, kThemeGraphite,
+                       lstrcmpiW(theme, L"Graphite") == 0 ? kThemeGraphite : kThemeDefault, MF_BYCOMMAND);
+}
+
+#ifdef GALLERY_MENU_BAR
+HMENU MakeMenu()
+{
+    HMENU bar = CreateMenu();
+    HMENU pages = CreatePopupMenu();
+    for (size_t i = 0; i < g_gallery.pages.size(); ++i)
+        AppendMenuW(pages, MF_STRING, kPageCommand + i, g_gallery.pages[i]->Title());
+    HMENU themes = CreatePopupMenu();
+    AppendMenuW(themes, MF_STRING, kThemeDefault, L"&Default");
+    AppendMenuW(themes, MF_STRING, kThemeGraphite, L"&Graphite");
+    AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(pages), L"&Pages");
+    AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(themes), L"&Theme");
+    return bar;
+}
+
+// The user's theme is a value of the suite's settings; the library's next look at its graphics module loads
+// the new one. The frame's buttons and the page then take their pictures anew.
+void SwitchTheme(const wchar_t* theme)
+{
+    const std::wstring key = std::wstring(L"Software\\") + CUtils::GetUIManufacturerName() + L"\\DeskHub";
+    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"Theme", REG_SZ, theme,
+                    static_cast<DWORD>((wcslen(theme) + 1) * sizeof(wchar_t)));
+    ZCMOD_GetCommonZGR();
+    g_gallery.frame->ReloadCaptionButtons();
+    ShowPage(g_gallery.current);
+    RedrawWindow(g_gallery.main, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+#endif
+
+bool MenuStripShown()
+{
+    return g_gallery.frameSkin &&
+           static_cast<CVuikWindowBackgroundSkinDef>(*g_gallery.frameSkin).m_bMenuBarVisible != 0;
 }
 
 // The list and the page between the caption and the footer of the drawn frame, the list on the reading side.
 void LayOut(int width, int height)
 {
-    const int top = CVuikWindowBackgroundCtrl::CaptionHeight;
+    const int top =
+        CVuikWindowBackgroundCtrl::CaptionHeight + (MenuStripShown() ? CVuikWindowBackgroundCtrl::MenuBarHeight : 0);
     const int bottom = height - CVuikWindowBackgroundCtrl::FooterHeight - 1;
     const int listLeft = g_gallery.rtl ? width - 1 - kListWidth : 1;
     const int hostLeft = g_gallery.rtl ? 1 : 1 + kListWidth;
@@ -180,6 +246,19 @@ LRESULT CALLBACK MainProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
     case WM_SIZE:
         MoveWindow(g_gallery.view, 0, 0, LOWORD(lParam), HIWORD(lParam), TRUE);
         return 0;
+#ifdef GALLERY_MENU_BAR
+    case WM_COMMAND:
+        // The menu bar's commands.
+        if (LOWORD(wParam) >= kPageCommand && LOWORD(wParam) < kPageCommand + g_gallery.pages.size()) {
+            ShowPage(LOWORD(wParam) - kPageCommand);
+            return 0;
+        }
+        if (LOWORD(wParam) == kThemeDefault || LOWORD(wParam) == kThemeGraphite) {
+            SwitchTheme(LOWORD(wParam) == kThemeGraphite ? L"Graphite" : L"Default");
+            return 0;
+        }
+        break;
+#endif
     case WM_DESTROY:
         if (GalleryPage* page = CurrentPage())
             page->Leave();
@@ -334,14 +413,21 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
     RegisterClassExW(&wc);
 
     g_gallery.pages = MakeGalleryPages();
+#ifdef GALLERY_MENU_BAR
+    HMENU menu = MakeMenu();
+#else
+    HMENU menu = nullptr;
+#endif
     g_gallery.main = CreateWindowExW(0, kMainClass, L"ZCMOD gallery", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
-                                     CW_USEDEFAULT, CW_USEDEFAULT, 1180, 760, nullptr, nullptr, instance, nullptr);
+                                     CW_USEDEFAULT, CW_USEDEFAULT, 1180, 760, nullptr, menu, instance, nullptr);
     if (!g_gallery.main)
         return 1;
     // The drawn frame, with the gallery's icon in its caption.
     g_gallery.frameSkin.reset(new CVuikWindowBackgroundSkin());
     g_gallery.frame.reset(new CVuikWindowBackgroundCtrl());
     g_gallery.frame->SetSkin(g_gallery.frameSkin.get());
+    // The window's menu becomes a menu bar on a strip under the caption.
+    g_gallery.frameSkin->SetMenuBarVisible(menu != nullptr);
     const CAPTIONAPPICONDATA icon = {0, instance, kAppIconId};
     g_gallery.frame->SubclassWindow(g_gallery.view, g_gallery.main, &icon,
                                     CVuikWindowBackgroundCtrl::CAPTION_CLOSE | CVuikWindowBackgroundCtrl::CAPTION_MINIMIZE |
@@ -357,6 +443,8 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
     } else {
         MSG msg;
         while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
+            if (g_gallery.frame->TranslateMenuAccelerator(&msg))
+                continue;
             if (GalleryPage* page = CurrentPage())
                 if (page->PreTranslate(&msg))
                     continue;

@@ -35,15 +35,15 @@ class CVuikMenuBarCtrl;
 struct CVuikWindowBackgroundSkinDef {
     DWORD m_bMenuBarVisible;  // a menu strip lies under the caption
     DWORD m_crClient;
-    DWORD m_crCaption;        // caption and menu strip
-    DWORD m_crReserved;       // not read
-    DWORD m_crMenuLine1;      // first line at the top of the menu strip
-    DWORD m_crMenuLine2;      // second line
-    DWORD m_crFooterLine;     // line above the footer
-    DWORD m_crFooterTop;      // footer gradient, top
-    DWORD m_crFooterBottom;   // footer gradient, bottom
-    DWORD m_crFrame;          // the rounded frame
-    DWORD m_crCaptionText;    // COLORREF
+    DWORD m_crCaption;       // caption and menu strip
+    DWORD m_crReserved;      // not read
+    DWORD m_crMenuLine1;     // first line at the top of the menu strip
+    DWORD m_crMenuLine2;     // second line
+    DWORD m_crFooterLine;    // line above the footer
+    DWORD m_crFooterTop;     // footer gradient, top
+    DWORD m_crFooterBottom;  // footer gradient, bottom
+    DWORD m_crFrame;         // the rounded frame
+    DWORD m_crCaptionText;   // COLORREF
 };
 
 class ZCMOD_API CVuikWindowBackgroundSkin
@@ -98,7 +98,7 @@ public:
     static const DWORD CAPTION_CLOSE = 0x01;
     static const DWORD CAPTION_MINIMIZE = 0x02;
     static const DWORD CAPTION_MAXIMIZE = 0x04;
-    static const DWORD CAPTION_HELP = 0x08;        // counts as a further button for the close look; none is made
+    static const DWORD CAPTION_HELP = 0x08;  // counts as a further button for the close look; none is made
     static const DWORD CAPTION_APPICON = 0x10;
     static const DWORD CAPTION_USEFAKERTL = 0x20;  // declared for callers; nothing reads it
     static const DWORD CAPTION_ISDIALOG = 0x40;
@@ -130,6 +130,9 @@ public:
     // For the application's message loop: the menu bar's keyboard accelerators (Alt and a letter). Non-zero
     // when the message was translated.
     int TranslateMenuAccelerator(MSG* msg);
+
+    // After a change of theme: the caption buttons take their pictures from the new graphics module.
+    void ReloadCaptionButtons();
 
     // Put on the top-level window: no non-client area, the caption band as HTCAPTION, the system menu on a
     // right click, maximise and restore through the view's commands, the veil on activation changes.

@@ -11,8 +11,11 @@ namespace {
 const UINT kCommandIds[] = {0x8001, 0x8001, 0x8002, 0x8003, 0x8004};
 
 const CVuikCaptionButtonSkinDef kDefaultDefs[] = {
-    {{{ZGR_BMP_CAPTION_CLOSE_ALONE_NORMAL}, {ZGR_BMP_CAPTION_CLOSE_ALONE_HOVER}, {ZGR_BMP_CAPTION_CLOSE_ALONE_PRESSED}}},
-    {{{ZGR_BMP_CAPTION_CLOSE_BESIDE_NORMAL}, {ZGR_BMP_CAPTION_CLOSE_BESIDE_HOVER},
+    {{{ZGR_BMP_CAPTION_CLOSE_ALONE_NORMAL},
+      {ZGR_BMP_CAPTION_CLOSE_ALONE_HOVER},
+      {ZGR_BMP_CAPTION_CLOSE_ALONE_PRESSED}}},
+    {{{ZGR_BMP_CAPTION_CLOSE_BESIDE_NORMAL},
+      {ZGR_BMP_CAPTION_CLOSE_BESIDE_HOVER},
       {ZGR_BMP_CAPTION_CLOSE_BESIDE_PRESSED}}},
     {{{ZGR_BMP_CAPTION_MAXIMIZE_NORMAL}, {ZGR_BMP_CAPTION_MAXIMIZE_HOVER}, {ZGR_BMP_CAPTION_MAXIMIZE_PRESSED}}},
     {{{ZGR_BMP_CAPTION_MINIMIZE_NORMAL}, {ZGR_BMP_CAPTION_MINIMIZE_HOVER}, {ZGR_BMP_CAPTION_MINIMIZE_PRESSED}}},
@@ -45,7 +48,10 @@ CVuikCaptionButtonStateSkin::CVuikCaptionButtonStateSkin() : m_pBitmap(nullptr)
     m_SkinDef.m_nBitmapId = 0;
 }
 
-CVuikCaptionButtonStateSkin::~CVuikCaptionButtonStateSkin() { Unload(); }
+CVuikCaptionButtonStateSkin::~CVuikCaptionButtonStateSkin()
+{
+    Unload();
+}
 
 // The picture is loaded with the layout's mirroring: the whole button buffer is turned round again in a
 // right-to-left layout, so the picture shows as it was drawn.
@@ -151,8 +157,8 @@ HWND CVuikCaptionButtonCtrl::Create(HWND parent, int kind, const RECT& rect)
     m_nKind = kind;
     const RECT first = {rect.left, rect.top, rect.left + 50, rect.top + 20};
     HWND hwnd = CVuikWindowImpl<CVuikCaptionButtonSkin>::Create(L"Button", parent, first, L"", kCommandIds[kind],
-                                                                  WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS,
-                                                                  WS_EX_NOPARENTNOTIFY, nullptr);
+                                                                WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS,
+                                                                WS_EX_NOPARENTNOTIFY, nullptr);
     if (!hwnd)
         return nullptr;
     m_nCtrlId = static_cast<UINT>(GetDlgCtrlID(hwnd));

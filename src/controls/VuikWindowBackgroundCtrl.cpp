@@ -65,9 +65,15 @@ void FreeBrush(HWND view)
     map.erase(it);
 }
 
-COLORREF ArgbToColorRef(DWORD argb) { return RGB((argb >> 16) & 0xFF, (argb >> 8) & 0xFF, argb & 0xFF); }
+COLORREF ArgbToColorRef(DWORD argb)
+{
+    return RGB((argb >> 16) & 0xFF, (argb >> 8) & 0xFF, argb & 0xFF);
+}
 
-bool IsLive(CVuikCaptionButtonCtrl* button) { return button && button->m_hWnd && IsWindow(button->m_hWnd); }
+bool IsLive(CVuikCaptionButtonCtrl* button)
+{
+    return button && button->m_hWnd && IsWindow(button->m_hWnd);
+}
 
 bool IsDialogFrame(HWND topLevel)
 {
@@ -207,11 +213,14 @@ void DrawCaptionText(HDC dc, const wchar_t* text, RECT r, bool rtl)
 // ---- Skin ----------------------------------------------------------------------------------------------------
 
 CVuikWindowBackgroundSkinDef CVuikWindowBackgroundSkin::m_DefaultSkinDef = {
-    0,           0xFFFFFFFF, 0xFF373737, 0xFFFFFFFF, 0xFF232323, 0xFF5A5A5A,
+    0,          0xFFFFFFFF, 0xFF373737, 0xFFFFFFFF, 0xFF232323, 0xFF5A5A5A,
     0xFFD5D5D5, 0xFFF8F8F8, 0xFFE7E7E7, 0xFF262626, 0x00FFFFFF,
 };
 
-void CVuikWindowBackgroundSkin::SetDefaultSkinDef(const CVuikWindowBackgroundSkinDef& def) { m_DefaultSkinDef = def; }
+void CVuikWindowBackgroundSkin::SetDefaultSkinDef(const CVuikWindowBackgroundSkinDef& def)
+{
+    m_DefaultSkinDef = def;
+}
 
 CVuikWindowBackgroundSkin::CVuikWindowBackgroundSkin() : m_hFont(nullptr)
 {
@@ -219,7 +228,10 @@ CVuikWindowBackgroundSkin::CVuikWindowBackgroundSkin() : m_hFont(nullptr)
     Load();
 }
 
-CVuikWindowBackgroundSkin::~CVuikWindowBackgroundSkin() { Unload(); }
+CVuikWindowBackgroundSkin::~CVuikWindowBackgroundSkin()
+{
+    Unload();
+}
 
 void CVuikWindowBackgroundSkin::Load()
 {
@@ -249,7 +261,10 @@ void CVuikWindowBackgroundSkin::Validate()
         m_nStatus = StatusValid;
 }
 
-void CVuikWindowBackgroundSkin::SetMenuBarVisible(int visible) { m_SkinDef.m_bMenuBarVisible = visible ? 1 : 0; }
+void CVuikWindowBackgroundSkin::SetMenuBarVisible(int visible)
+{
+    m_SkinDef.m_bMenuBarVisible = visible ? 1 : 0;
+}
 
 void CVuikWindowBackgroundSkin::Draw(CVuikWindow* window, CVuikGraphics* graphics, int w, int h)
 {
@@ -380,8 +395,7 @@ HWND CVuikWindowBackgroundCtrl::Create(HWND parent, const RECT& rect, DWORD styl
     return Base::Create(L"Static", parent, rect, L"", 0, style | WS_CHILD | WS_CLIPCHILDREN, exStyle, nullptr);
 }
 
-BOOL CVuikWindowBackgroundCtrl::SubclassWindow(HWND view, HWND topLevel, const CAPTIONAPPICONDATA* appIcon,
-                                               DWORD flags)
+BOOL CVuikWindowBackgroundCtrl::SubclassWindow(HWND view, HWND topLevel, const CAPTIONAPPICONDATA* appIcon, DWORD flags)
 {
     if (!view || !topLevel || !IsWindow(view) || !IsWindow(topLevel))
         return 0;
@@ -394,8 +408,8 @@ BOOL CVuikWindowBackgroundCtrl::SubclassWindow(HWND view, HWND topLevel, const C
     m_hTopLevel = topLevel;
     const LONG_PTR original = GetWindowLongPtrW(topLevel, GWLP_WNDPROC);
     SetPropW(topLevel, VUIK_PROP_WINBG_ORGPROC, reinterpret_cast<HANDLE>(original));
-    SetPropW(topLevel, VUIK_PROP_WINBG_ISDIALOG, reinterpret_cast<HANDLE>(static_cast<INT_PTR>(
-                                                     (flags & CAPTION_ISDIALOG) ? 1 : 0)));
+    SetPropW(topLevel, VUIK_PROP_WINBG_ISDIALOG,
+             reinterpret_cast<HANDLE>(static_cast<INT_PTR>((flags & CAPTION_ISDIALOG) ? 1 : 0)));
     SetPropW(topLevel, VUIK_PROP_WINBG_VIEW, view);
     SetWindowLongPtrW(topLevel, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(CustomCaptionProc));
     SetWindowLongPtrW(topLevel, GWL_STYLE, GetWindowLongPtrW(topLevel, GWL_STYLE) & ~static_cast<LONG_PTR>(WS_CAPTION));
@@ -418,7 +432,16 @@ BOOL CVuikWindowBackgroundCtrl::SubclassWindow(HWND view, HWND topLevel, const C
     if (HMENU menu = GetMenu(topLevel)) {
         m_pMenuBar = new CVuikMenuBarCtrl();
         POINT at = {0, kCaption};
-        if (m_pMenuBar->Create(menu, view, at, topLevel) && m_pMenuBar->m_hWnd)
+        // The bar is laid out right to left by the platform: over a view that the frame mirrors itself, it is
+        // made a mirrored window of its own, its buttons with it.
+        const LONG viewStyle = GetWindowLongW(view, GWL_EXSTYLE);
+        const bool mirrorBar = MirrorsChildren(view);
+        if (mirrorBar)
+            SetWindowLongW(view, GWL_EXSTYLE, viewStyle | WS_EX_LAYOUTRTL);
+        HWND bar = m_pMenuBar->Create(menu, view, at, topLevel);
+        if (mirrorBar)
+            SetWindowLongW(view, GWL_EXSTYLE, viewStyle);
+        if (bar && m_pMenuBar->m_hWnd)
             SetMenu(topLevel, nullptr);
         GetClientRect(view, &r);
         SendMessageW(view, WM_SIZE, SIZE_RESTORED, MAKELPARAM(r.right, r.bottom));
@@ -447,8 +470,8 @@ void CVuikWindowBackgroundCtrl::MakeButtons(HWND view, const CAPTIONAPPICONDATA*
     };
     const bool others = (flags & (CAPTION_MINIMIZE | CAPTION_MAXIMIZE | CAPTION_HELP)) != 0;
     const bool alone = (flags & CAPTION_CLOSE) && !others;
-    m_pCloseButton = make(alone ? CVuikCaptionButtonCtrl::KindCloseAlone : CVuikCaptionButtonCtrl::KindClose,
-                          ZLR_STR_CAPTION_CLOSE);
+    m_pCloseButton =
+        make(alone ? CVuikCaptionButtonCtrl::KindCloseAlone : CVuikCaptionButtonCtrl::KindClose, ZLR_STR_CAPTION_CLOSE);
     if (flags & CAPTION_MAXIMIZE)
         m_pMaximizeButton = make(CVuikCaptionButtonCtrl::KindMaximize, ZLR_STR_CAPTION_MAXIMIZE);
     if (flags & CAPTION_MINIMIZE)
@@ -478,6 +501,23 @@ int CVuikWindowBackgroundCtrl::TranslateMenuAccelerator(MSG* msg)
     (void)msg;
 #endif
     return 0;
+}
+
+void CVuikWindowBackgroundCtrl::ReloadCaptionButtons()
+{
+    CVuikCaptionButtonCtrl* const buttons[] = {m_pCloseButton, m_pMaximizeButton, m_pMinimizeButton};
+    for (CVuikCaptionButtonCtrl* button : buttons)
+        if (IsLive(button)) {
+            button->LoadDef(*button->GetOwnSkin());
+            button->DeleteBackBuffer();
+            InvalidateRect(button->m_hWnd, nullptr, TRUE);
+        }
+    if (m_hWnd && IsWindow(m_hWnd)) {
+        RECT r;
+        GetClientRect(m_hWnd, &r);
+        SendMessageW(m_hWnd, WM_SIZE, SIZE_RESTORED, MAKELPARAM(r.right, r.bottom));
+        InvalidateRect(m_hWnd, nullptr, TRUE);
+    }
 }
 
 bool CVuikWindowBackgroundCtrl::IsFrameActive() const
@@ -587,8 +627,9 @@ void CVuikWindowBackgroundCtrl::UpdateMaximizeLook()
     wchar_t wanted[kTextCapacity] = {}, present[kTextCapacity] = {};
     ZCMOD_LoadString(zoomed ? ZLR_STR_CAPTION_RESTORE : ZLR_STR_CAPTION_MAXIMIZE, wanted, kTextCapacity);
     GetWindowTextW(m_pMaximizeButton->m_hWnd, present, kTextCapacity);
-    const CVuikCaptionButtonSkinDef def = zoomed ? CVuikCaptionButtonCtrl::m_RestoreDef
-                                                 : CVuikCaptionButtonCtrl::DefaultDef(CVuikCaptionButtonCtrl::KindMaximize);
+    const CVuikCaptionButtonSkinDef def =
+        zoomed ? CVuikCaptionButtonCtrl::m_RestoreDef
+               : CVuikCaptionButtonCtrl::DefaultDef(CVuikCaptionButtonCtrl::KindMaximize);
     const CVuikCaptionButtonSkinDef current = *m_pMaximizeButton->GetOwnSkin();
     if (lstrcmpW(wanted, present) == 0 && current.m_States[0].m_nBitmapId == def.m_States[0].m_nBitmapId)
         return;
@@ -704,8 +745,7 @@ LRESULT CVuikWindowBackgroundCtrl::OnInvalidateBackbuffer(HWND hwnd, UINT, WPARA
 {
     InvalidateRect(hwnd, nullptr, TRUE);
     DeleteBackBuffer();
-    CVuikCaptionButtonCtrl* const buttons[] = {m_pCloseButton, m_pMaximizeButton, m_pMinimizeButton,
-                                               m_pAppIconButton};
+    CVuikCaptionButtonCtrl* const buttons[] = {m_pCloseButton, m_pMaximizeButton, m_pMinimizeButton, m_pAppIconButton};
     for (CVuikCaptionButtonCtrl* button : buttons)
         if (IsLive(button)) {
             button->DeleteBackBuffer();
@@ -725,9 +765,10 @@ LRESULT CVuikWindowBackgroundCtrl::OnCtlColorStatic(HWND hwnd)
     std::map<HWND, HBRUSH>& map = BrushMap();
     std::map<HWND, HBRUSH>::iterator it = map.find(hwnd);
     if (it == map.end())
-        it = map.insert(std::make_pair(hwnd, m_pSkin ? CreateSolidBrush(ArgbToColorRef(
-                                                           static_cast<CVuikWindowBackgroundSkinDef>(*m_pSkin).m_crClient))
-                                                     : static_cast<HBRUSH>(nullptr)))
+        it = map.insert(std::make_pair(hwnd, m_pSkin
+                                                 ? CreateSolidBrush(ArgbToColorRef(
+                                                       static_cast<CVuikWindowBackgroundSkinDef>(*m_pSkin).m_crClient))
+                                                 : static_cast<HBRUSH>(nullptr)))
                  .first;
     return reinterpret_cast<LRESULT>(it->second);
 }

@@ -20,6 +20,11 @@
 #include "controls/VuikCaptionButtonCtrl.h"
 #include "zcmod/ResourceIds.h"
 #include "zcmod/VuikWindowBackgroundCtrl.h"
+#if defined(__has_include)
+#if __has_include("zcmod/VuikMenuBarCtrl.h")
+#include "zcmod/VuikMenuBarCtrl.h"
+#endif
+#endif
 
 using namespace testskin;
 using namespace zcmod_test;
@@ -78,8 +83,8 @@ struct Framed {
     explicit Framed(DWORD flags, const wchar_t* title = L"", RECT r = {60, 60, 460, 320},
                     const CAPTIONAPPICONDATA* icon = nullptr, bool settle = true)
     {
-        top = CreateWindowExW(0, AppClass(), title, WS_OVERLAPPEDWINDOW | WS_VISIBLE, r.left, r.top,
-                              r.right - r.left, r.bottom - r.top, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+        top = CreateWindowExW(0, AppClass(), title, WS_OVERLAPPEDWINDOW | WS_VISIBLE, r.left, r.top, r.right - r.left,
+                              r.bottom - r.top, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
         RECT client;
         GetClientRect(top, &client);
         view = CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, client.right,
@@ -212,8 +217,8 @@ TEST_F(WindowBackground, CaptionFlagsMakeTheirButtonsAndOnSizeLaysThemOut)
         {Frame::CAPTION_MINIMIZE, ZGR_BMP_CAPTION_CLOSE_BESIDE_NORMAL, false, true, false},
         {Frame::CAPTION_CLOSE | Frame::CAPTION_HELP, ZGR_BMP_CAPTION_CLOSE_BESIDE_NORMAL, false, false, false},
         {kAll, ZGR_BMP_CAPTION_CLOSE_BESIDE_NORMAL, true, true, false},
-        {Frame::CAPTION_CLOSE | Frame::CAPTION_MAXIMIZE | Frame::CAPTION_APPICON,
-         ZGR_BMP_CAPTION_CLOSE_BESIDE_NORMAL, true, false, true},
+        {Frame::CAPTION_CLOSE | Frame::CAPTION_MAXIMIZE | Frame::CAPTION_APPICON, ZGR_BMP_CAPTION_CLOSE_BESIDE_NORMAL,
+         true, false, true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << "flags 0x" << std::hex << c.flags);
@@ -259,6 +264,29 @@ TEST_F(WindowBackground, CaptionFlagsMakeTheirButtonsAndOnSizeLaysThemOut)
     DestroyWindow(other);
 }
 
+// A change of theme reaches the caption buttons' pictures: the glyphs differ between the themes.
+TEST_F(WindowBackground, CaptionButtonsFollowAChangeOfTheme)
+{
+    Framed w(kAll);
+    // The maximise button's normal picture drawn on the caption's colour.
+    auto look = [&] {
+        auto* button = reinterpret_cast<CVuikCaptionButtonCtrl*>(GetWindowLongPtrW(w.Button(0x8002), GWLP_USERDATA));
+        CVuikBitmap* normal = button->GetOwnSkin()->State(0).GetBitmap();
+        Canvas canvas(30, 22);
+        canvas.Fill([](int, int) { return 0x373737u; });
+        CVuikGraphics graphics(canvas);
+        if (normal)
+            graphics.DrawImage(normal, 0, 0);
+        return canvas.Read().pixels;
+    };
+    const std::vector<uint32_t> before = look();
+    m_registry.SetUserTheme(L"Graphite");
+    w.frame.ReloadCaptionButtons();
+    EXPECT_NE(look(), before);
+    EXPECT_EQ(CVuikResourceManager::GetReferenceCount(ZCMOD_GetCommonZGR(), ZGR_BMP_CAPTION_MAXIMIZE_NORMAL, 0), 1);
+    EXPECT_EQ(w.ButtonRect(0x8001).right, w.ButtonRect(0x8001).left + 40) << "laid out again";
+}
+
 // ---- Maximise and restore ------------------------------------------------------------------------------------
 
 TEST_F(WindowBackground, MaximiseAndRestoreRules)
@@ -272,7 +300,8 @@ TEST_F(WindowBackground, MaximiseAndRestoreRules)
         {"double click toggles", kAll, {{DoubleClick, true}, {DoubleClick, false}, {DoubleClick, true}}},
         {"SC_MAXIMIZE never restores", kAll, {{SysMaximize, true}, {SysMaximize, true}, {SysRestore, false}}},
         {"the caption button's command toggles", kAll, {{Command, true}, {Command, false}}},
-        {"without a maximise button only restores", Frame::CAPTION_CLOSE,
+        {"without a maximise button only restores",
+         Frame::CAPTION_CLOSE,
          {{Command, false}, {DoubleClick, false}, {SysMaximize, false}}},
         {"restored from minimised", kAll, {{Minimize, false}, {Command, false}}},
     };
@@ -281,11 +310,21 @@ TEST_F(WindowBackground, MaximiseAndRestoreRules)
         Framed w(c.flags);
         for (size_t i = 0; i < c.steps.size(); ++i) {
             switch (c.steps[i].first) {
-                case DoubleClick: SendMessageW(w.top, WM_NCLBUTTONDBLCLK, HTCAPTION, 0); break;
-                case SysMaximize: SendMessageW(w.top, WM_SYSCOMMAND, SC_MAXIMIZE, 0); break;
-                case SysRestore: SendMessageW(w.top, WM_SYSCOMMAND, SC_RESTORE, 0); break;
-                case Command: SendMessageW(w.view, WM_COMMAND, 0x8002, 0); break;
-                case Minimize: SendMessageW(w.view, WM_COMMAND, 0x8003, 0); break;
+                case DoubleClick:
+                    SendMessageW(w.top, WM_NCLBUTTONDBLCLK, HTCAPTION, 0);
+                    break;
+                case SysMaximize:
+                    SendMessageW(w.top, WM_SYSCOMMAND, SC_MAXIMIZE, 0);
+                    break;
+                case SysRestore:
+                    SendMessageW(w.top, WM_SYSCOMMAND, SC_RESTORE, 0);
+                    break;
+                case Command:
+                    SendMessageW(w.view, WM_COMMAND, 0x8002, 0);
+                    break;
+                case Minimize:
+                    SendMessageW(w.view, WM_COMMAND, 0x8003, 0);
+                    break;
             }
             Pump(30);
             EXPECT_EQ(IsZoomed(w.top) != 0, c.steps[i].second) << "step " << i;
@@ -356,8 +395,8 @@ TEST_F(WindowBackground, TitleTextVeilAndActivation)
     EXPECT_STREQ(text, L"Messages");
 
     // Another window takes the activation: the caption pales by itself, the client stays white.
-    HWND other = CreateWindowExW(0, AppClass(), L"other", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 700, 500, 200, 150,
-                                 nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    HWND other = CreateWindowExW(0, AppClass(), L"other", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 700, 500, 200, 150, nullptr,
+                                 nullptr, GetModuleHandleW(nullptr), nullptr);
     SetForegroundWindow(other);
     Pump(200);
     const Capture veiled = CaptureWindow(w.view);
@@ -397,8 +436,8 @@ TEST_F(WindowBackground, HitTestsOfTheFrameAndTheView)
         HWND top = CreateWindowExW(0, AppClass(), L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50, 50, 300, 250, nullptr,
                                    nullptr, GetModuleHandleW(nullptr), nullptr);
         HWND view = dialog ? top
-                           : CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 300, 250, top,
-                                             nullptr, GetModuleHandleW(nullptr), nullptr);
+                           : CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 300, 250, top, nullptr,
+                                             GetModuleHandleW(nullptr), nullptr);
         ASSERT_TRUE(frame.SubclassWindow(view, top, nullptr, c.flags));
         POINT p = {100, c.y};
         ClientToScreen(top, &p);
@@ -492,6 +531,86 @@ TEST_F(WindowBackground, MovingSizingAndTheSystemMenuDrivenFromInside)
     }
 }
 
+// ---- The menu bar --------------------------------------------------------------------------------------------
+
+#if defined(__has_include)
+#if __has_include("zcmod/VuikMenuBarCtrl.h")
+TEST_F(WindowBackground, NativeMenuBecomesAMenuBarUnderTheCaption)
+{
+    for (DWORD layout : {0ul, static_cast<DWORD>(LAYOUT_RTL)}) {
+        SCOPED_TRACE(layout ? "right to left" : "left to right");
+        CVuikLib::SetLayout(layout);
+        HMENU menu = CreateMenu();
+        HMENU file = CreatePopupMenu();
+        AppendMenuW(file, MF_STRING, 42, L"&Open");
+        AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(file), L"&File");
+        HWND top = CreateWindowExW(0, AppClass(), L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 60, 60, 400, 300, nullptr,
+                                   menu, GetModuleHandleW(nullptr), nullptr);
+        RECT client;
+        GetClientRect(top, &client);
+        HWND view = CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, client.right,
+                                    client.bottom, top, nullptr, GetModuleHandleW(nullptr), nullptr);
+        CVuikWindowBackgroundSkin skin;
+        skin.SetMenuBarVisible(1);
+        {
+            Frame frame;
+            frame.SetSkin(&skin);
+            ASSERT_TRUE(frame.SubclassWindow(view, top, nullptr, kAll));
+            EXPECT_EQ(GetMenu(top), nullptr) << "the native menu is taken off";
+            EXPECT_EQ(frame.GetMenuHandle(), menu);
+            ASSERT_TRUE(frame.GetMenuBar());
+            HWND bar = frame.GetMenuBar()->m_hWnd;
+            ASSERT_TRUE(IsWindow(bar));
+            EXPECT_EQ(GetParent(bar), view);
+            // Right to left, the bar is mirrored by the platform, as it expects; the view stays as it was.
+            EXPECT_EQ((GetWindowLongW(bar, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0, layout != 0);
+            EXPECT_EQ(GetWindowLongW(view, GWL_EXSTYLE) & WS_EX_LAYOUTRTL, 0);
+            SetWindowPos(top, nullptr, 0, 0, 480, 320, SWP_NOMOVE | SWP_NOZORDER);
+            RECT r;
+            GetWindowRect(bar, &r);
+            MapWindowPoints(nullptr, view, reinterpret_cast<POINT*>(&r), 2);
+            EXPECT_EQ(r.left, 0);
+            EXPECT_EQ(r.top, 30);
+            EXPECT_EQ(r.right, 480) << "the bar follows the view's width";
+            EXPECT_EQ(r.bottom, 60);
+            // Alt and the mnemonic go through the bar's accelerators; a plain key doesn't.
+            MSG plain = {}, alt = {};
+            plain.hwnd = alt.hwnd = bar;
+            plain.message = WM_KEYDOWN;
+            alt.message = WM_SYSKEYDOWN;
+            plain.wParam = alt.wParam = 'F';
+            alt.lParam = 1 << 29;
+            EXPECT_EQ(frame.TranslateMenuAccelerator(&plain), 0);
+            EXPECT_EQ(frame.TranslateMenuAccelerator(nullptr), 0);
+            BYTE keys[256] = {}, held[256] = {};
+            GetKeyboardState(keys);
+            memcpy(held, keys, sizeof(held));
+            held[VK_MENU] = 0x80;  // Alt is down, as the accelerator asks
+            SetKeyboardState(held);
+            EXPECT_NE(frame.TranslateMenuAccelerator(&alt), 0);
+            SetKeyboardState(keys);
+            MSG open;
+            while (PeekMessageW(&open, bar, 0, 0, PM_REMOVE)) {
+            }  // the popup it asked to open stays closed
+            // The strip under the caption: its two lines, then the caption's fill.
+            UpdateWindow(top);
+            Pump(100);
+            const Capture c = CaptureWindow(view);
+            EXPECT_TRUE(Near(c.At(300, 30), 0x232323, 2)) << std::hex << c.At(300, 30);
+            EXPECT_TRUE(Near(c.At(300, 31), 0x5A5A5A, 2)) << std::hex << c.At(300, 31);
+            EXPECT_TRUE(Near(c.At(300, 59), 0x373737, 2)) << std::hex << c.At(300, 59);
+            EXPECT_TRUE(Near(c.At(300, 61), 0xFFFFFF, 0)) << std::hex << c.At(300, 61);
+            DestroyWindow(top);
+        }
+    }
+    // Without a native menu there is no bar.
+    Framed w(kAll);
+    EXPECT_EQ(w.frame.GetMenuHandle(), nullptr);
+    EXPECT_EQ(w.frame.GetMenuBar(), nullptr);
+}
+#endif
+#endif
+
 // ---- Pixels and handles --------------------------------------------------------------------------------------
 
 TEST_F(WindowBackground, GoldenFramesInBothThemesAndLayouts)
@@ -503,8 +622,8 @@ TEST_F(WindowBackground, GoldenFramesInBothThemesAndLayouts)
     for (const Case& c : cases) {
         SetUpResources(c.rtl ? L"heb" : L"eng", c.theme);
         CVuikLib::SetLayout(c.rtl ? LAYOUT_RTL : 0);
-        const std::string suffix = std::string(c.theme == std::wstring(L"Default") ? "Default" : "Graphite") +
-                                   (c.rtl ? "_rtl" : "_ltr");
+        const std::string suffix =
+            std::string(c.theme == std::wstring(L"Default") ? "Default" : "Graphite") + (c.rtl ? "_rtl" : "_ltr");
         SCOPED_TRACE(suffix);
         Framed w(kAll, c.rtl ? L"\x05D4\x05D5\x05D3\x05E2\x05D5\x05EA" : L"Messages", RECT{40, 40, 360, 240});
         const Capture active = w.Shot();

@@ -24,4 +24,4 @@ def _icon(p):
     return svg(SIZE, SIZE, body)
 
 
-ART = [Artwork(7900, "gallery_appicon", _icon)]
+ART = [Artwork(7600, "gallery_appicon", _icon)]
