@@ -72,7 +72,8 @@ public:
         RECT area;
         GetClientRect(host, &area);
         const int rows = (static_cast<int>(sizeof(kKinds) / sizeof(kKinds[0])) + 3) / 4;
-        m_panel = CreateWindowExW(0, kPanelClass, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0,
+        // Right to left, the platform lays the panel's buttons and its answer out from the right.
+        m_panel = CreateWindowExW(CVuikLib::IsLayoutRTL() ? WS_EX_LAYOUTRTL : 0, kPanelClass, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0,
                                   area.right, kMargin + rows * (kButtonHeight + 8) + 40, host, nullptr,
                                   GetModuleHandleW(nullptr), this);
         for (size_t i = 0; i < sizeof(kKinds) / sizeof(kKinds[0]); ++i) {
@@ -102,15 +103,19 @@ public:
         if (m_panel)
             GetClientRect(m_panel, &panel);
         const int top = panel.bottom + 8;
-        Text(dc, kMargin, top, L"The box as it opens (a picture taken when the page opened):",
-             DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
+        const bool rtl = CVuikLib::IsLayoutRTL() != 0;
+        const wchar_t* heading = L"The box as it opens (a picture taken when the page opened):";
+        SIZE extent = {0, 0};
+        GetTextExtentPoint32W(dc, heading, lstrlenW(heading), &extent);
+        Text(dc, rtl ? area.right - kMargin - extent.cx : kMargin, top, heading, DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         if (!m_picture)
             return;
         BITMAP bm = {};
         GetObjectW(m_picture, sizeof(bm), &bm);
         HDC memory = CreateCompatibleDC(dc);
         HGDIOBJ old = SelectObject(memory, m_picture);
-        BitBlt(dc, kMargin, top + 28, bm.bmWidth, bm.bmHeight, memory, 0, 0, SRCCOPY);
+        BitBlt(dc, rtl ? area.right - kMargin - bm.bmWidth : kMargin, top + 28, bm.bmWidth, bm.bmHeight, memory, 0, 0,
+               SRCCOPY);
         SelectObject(memory, old);
         DeleteDC(memory);
     }
