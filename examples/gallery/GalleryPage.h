@@ -37,6 +37,7 @@ std::unique_ptr<GalleryPage> MakeSkinPage();
 std::unique_ptr<GalleryPage> MakeStaticsPage();
 std::unique_ptr<GalleryPage> MakeButtonFamilyPage();
 std::unique_ptr<GalleryPage> MakeCommonCheckButtonsPage();
+std::unique_ptr<GalleryPage> MakeMessageBoxPage();
 std::unique_ptr<GalleryPage> MakeDevicePage();
 std::unique_ptr<GalleryPage> MakeSearchPage();
 std::unique_ptr<GalleryPage> MakeRtlPage();

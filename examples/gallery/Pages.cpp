@@ -9,6 +9,7 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeStaticsPage());
     pages.push_back(MakeButtonFamilyPage());
     pages.push_back(MakeCommonCheckButtonsPage());
+    pages.push_back(MakeMessageBoxPage());
     pages.push_back(MakeDevicePage());
     pages.push_back(MakeSearchPage());
     pages.push_back(MakeRtlPage());

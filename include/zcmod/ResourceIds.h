@@ -144,6 +144,21 @@
 #define ZGR_BMP_CAPTION_RESTORE_HOVER 32537
 #define ZGR_BMP_CAPTION_RESTORE_NORMAL 32538
 #define ZGR_BMP_CAPTION_RESTORE_PRESSED 32539
+
+/* Message boxes. Language module: the texts (and tooltips) of the common box's buttons. Graphics module: the
+   icons of those buttons, normal and disabled (Yes wears OK's), and the box's message icon, 32 by 32. */
+#define ZLR_STR_MSGBOX_OK 6002
+#define ZLR_STR_MSGBOX_CANCEL 6003
+#define ZLR_STR_MSGBOX_YES 6004
+#define ZLR_STR_MSGBOX_NO 6005
+#define ZGR_BMP_MSGBOX_CANCEL 34005
+#define ZGR_BMP_MSGBOX_CANCEL_DISABLED 34006
+#define ZGR_BMP_MSGBOX_OK 34007
+#define ZGR_BMP_MSGBOX_OK_DISABLED 34008
+#define ZGR_BMP_MSGBOX_NO 34009
+#define ZGR_BMP_MSGBOX_NO_DISABLED 34010
+#define ZGR_BMP_MESSAGE_ICON 35010
+
 /* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
    colour; CPNGAnimation plays them in order. */
 #define ZGR_PNG_ANIMATION_FIRST 34030
@@ -157,11 +172,11 @@
 #define ZCMOD_DLG_ABOUT 108
 #define ZLR_STR_ABOUT_LEGAL_FIRST 6000
 #define ZLR_STR_ABOUT_LEGAL_SECOND 6001
-#define ZLR_STR_ABOUT_OK 6002
+#define ZLR_STR_ABOUT_OK ZLR_STR_MSGBOX_OK  /* the message boxes' "OK" */
 #define ZGR_BMP_ABOUT_BANNER 35000
 #define ZGR_BMP_ABOUT_MAKER 35001
-#define ZGR_BMP_ABOUT_OK_ICON 34007
-#define ZGR_BMP_ABOUT_OK_ICON_DISABLED 34008
+#define ZGR_BMP_ABOUT_OK_ICON ZGR_BMP_MSGBOX_OK
+#define ZGR_BMP_ABOUT_OK_ICON_DISABLED ZGR_BMP_MSGBOX_OK_DISABLED
 /* The progress dialog (CCommonProgressDlg). Library module: its template, with the two side pictures and the
    animation's placeholder. Graphics module: the side pictures, left and right (mirrored in a right-to-left
    layout); its frames are ZGR_PNG_ANIMATION_FIRST to _LAST and its text colour ZGR_COLOR_TEXT. Language

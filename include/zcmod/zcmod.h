@@ -34,6 +34,7 @@
 #include "zcmod/VuikLib.h"
 #include "zcmod/VuikListViewCtrl.h"
 #include "zcmod/VuikMenuBarCtrl.h"
+#include "zcmod/VuikMessageBox.h"
 #include "zcmod/VuikMessages.h"
 #include "zcmod/VuikResourceManager.h"
 #include "zcmod/VuikSplashScreen.h"

@@ -335,15 +335,28 @@ void CVuikWindowBackgroundSkin::Draw(CVuikWindow* window, CVuikGraphics* graphic
     GetWindowTextW(topLevel, text, length + 1);
     RECT r = {kCaptionTextMargin, 0, w - kCaptionTextMargin, kCaption};
     const int icon = ctrl->AppIconWidth();
-    if (icon > 0)
-        r.left = icon + kButtonMargin;
     const int buttons = ctrl->CaptionButtonsLeft();
-    if (buttons >= 0)
-        r.right = buttons - kCaptionTextMargin;
+    // A view that the platform mirrors itself (a right-to-left dialog) shows this drawing as it is drawn,
+    // while its buttons stand mirrored: the title goes between them and the icon, from the right, unturned.
+    const bool shownAsDrawn = CVuikLib::IsLayoutRTL() && (GetWindowLongW(ctrl->m_hWnd, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+    if (shownAsDrawn) {
+        if (icon > 0)
+            r.right = w - icon - kButtonMargin;
+        if (buttons >= 0)
+            r.left = w - buttons + kCaptionTextMargin;
+    } else {
+        if (icon > 0)
+            r.left = icon + kButtonMargin;
+        if (buttons >= 0)
+            r.right = buttons - kCaptionTextMargin;
+    }
     HGDIOBJ oldFont = SelectObject(dc, m_hFont);
     const COLORREF oldColour = SetTextColor(dc, def.m_crCaptionText);
     const int oldMode = SetBkMode(dc, TRANSPARENT);
-    DrawCaptionText(dc, text, r, CVuikLib::IsLayoutRTL() != 0);
+    if (shownAsDrawn)
+        DrawTextW(dc, text, -1, &r, DT_VCENTER | DT_SINGLELINE | DT_END_ELLIPSIS | DT_RIGHT | DT_RTLREADING);
+    else
+        DrawCaptionText(dc, text, r, CVuikLib::IsLayoutRTL() != 0);
     SetBkMode(dc, oldMode);
     SetTextColor(dc, oldColour);
     SelectObject(dc, oldFont);

@@ -1,19 +1,17 @@
 """The about box's pictures: the banner under the caption, on which the product's picture, name and version
-line are written in white; the maker's mark in the footer band; and the OK button's tick, enabled and
-disabled.
+line are written in white; and the maker's mark in the footer band. The OK button's tick is the message
+boxes' (message_box.py), which the two share by id.
 
 The banner is 535 x 150 and starts one pixel in from the frame's left edge, right under the 30-pixel caption.
 Its left part stays calm for the white text; the computer-and-phone mark of the suite sits at the right. It
 carries no lettering: in a right-to-left layout the dialog's mirrored context turns it round, and the mark
 reads as well either way. The frame itself keeps the same colours in both themes, so the maker's mark is drawn
-for its light footer band; the banner and the tick follow the theme."""
+for its light footer band; the banner follows the theme."""
 from draw import Artwork, darker, lighter, mix, svg
 
 BANNER_ID, MAKER_ID = 35000, 35001
-OK_ICON_ID, OK_ICON_DISABLED_ID = 34007, 34008
 BANNER_W, BANNER_H = 535, 150
 MAKER_W, MAKER_H = 74, 18
-ICON = 20
 
 
 def _banner_colours(p):
@@ -66,17 +64,7 @@ def draw_maker(p):
     return svg(MAKER_W, MAKER_H, badge + word)
 
 
-def tick(enabled):
-    def art(p):
-        colour = p.glyph if enabled else p.text_disabled
-        return svg(ICON, ICON, '<path d="M4 10.5l4 4 8-9" fill="none" stroke="%s" stroke-width="2.4" '
-                               'stroke-linecap="round" stroke-linejoin="round"/>' % colour)
-    return art
-
-
 ART = [
     Artwork(BANNER_ID, "about_banner", draw_banner),
     Artwork(MAKER_ID, "about_maker", draw_maker),
-    Artwork(OK_ICON_ID, "about_ok", tick(True)),
-    Artwork(OK_ICON_DISABLED_ID, "about_ok_disabled", tick(False)),
 ]
