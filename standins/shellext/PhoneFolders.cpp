@@ -603,8 +603,17 @@ public:
         if (!out)
             return E_POINTER;
         *out = nullptr;
+        if (count == 0 || !items)
+            return E_INVALIDARG;
+        // The selection as the shell passes it around: the file dialog reads the chosen items from it.
+        if (IsEqualIID(riid, IID_IDataObject)) {
+            if (!m_absolute)
+                return E_FAIL;
+            return CIDLData_CreateFromIDArray(m_absolute, count, reinterpret_cast<PCUIDLIST_RELATIVE_ARRAY>(items),
+                                              reinterpret_cast<IDataObject**>(out));
+        }
         Item item;
-        if (count != 1 || !items || !ReadItem(items[0], item))
+        if (count != 1 || !ReadItem(items[0], item))
             return E_INVALIDARG;
         if (!IsEqualIID(riid, IID_IExtractIconW))
             return E_NOINTERFACE;

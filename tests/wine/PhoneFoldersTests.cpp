@@ -307,6 +307,7 @@ bool DoubleClick(HWND dialog, const std::wstring& text)
     });
     if (index < 0)
         return false;
+    Sleep(200);  // the new view fills its list while it is being shown
     HWND list = FileList(dialog);
     RECT rect = {LVIR_LABEL, 0, 0, 0};
     SendMessageW(list, LVM_GETITEMRECT, index, reinterpret_cast<LPARAM>(&rect));
@@ -316,8 +317,8 @@ bool DoubleClick(HWND dialog, const std::wstring& text)
     return true;
 }
 
-// The platform's dialog takes no shell path as its first folder, so the user's way in is the "Look in" list:
-// the phones, then the phone, its drive and folder, and a double-click on the file.
+// The platform's dialog takes no shell path as its first folder, so the user walks in from the desktop: My
+// Computer, the phones, the phone, its drive and folder, and a double-click on the file.
 TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
 {
     const std::wstring docs = Mirror() + L"\\" + serial + L"\\C\\Docs";
@@ -337,14 +338,15 @@ TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
         HWND dialog = FindFileDialog(self);
         if (!dialog)
             return;
+        // The first entry of "Look in" is the desktop; from there the user walks in.
         HWND combo = GetDlgItem(dialog, cmb2);
-        const LRESULT phonesEntry = SendMessageW(combo, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
-                                                 reinterpret_cast<LPARAM>(L"Phones"));
-        if (phonesEntry == CB_ERR)
-            return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
-        phoneListed = true;
-        SendMessageW(combo, CB_SETCURSEL, phonesEntry, 0);
+        SendMessageW(combo, CB_SETCURSEL, 0, 0);
         PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(cmb2, CBN_SELENDOK), reinterpret_cast<LPARAM>(combo));
+        if (!DoubleClick(dialog, L"My Computer"))
+            return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
+        phoneListed = DoubleClick(dialog, L"Phones");
+        if (!phoneListed)
+            return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
         for (const wchar_t* step : {L"Work phone", L"C:", L"Docs"})
             if (!DoubleClick(dialog, step))
                 return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
