@@ -125,6 +125,7 @@ protected:
     void TearDown() override
     {
         TerminateAllInterfaces();
+        SetCurrentDirectoryW(BinDir().c_str());  // the dialog leaves the process in the folder it opened
         RemoveTree(Mirror());
         CoUninitialize();
     }
@@ -252,6 +253,8 @@ TEST_F(PhoneFolders, HostileNamesNeverLeaveTheMirror)
     STRRET ret = {};
     EXPECT_FALSE(SUCCEEDED(root->GetDisplayNameOf(reinterpret_cast<PCUITEMID_CHILD>(forged.data()), SHGDN_FORPARSING,
                                                   &ret)));
+    for (const wchar_t* name : hostile)  // the phones folder goes with the fixture only without them
+        DeleteFileW((L"\\\\?\\" + files + L"\\C\\Docs\\" + name).c_str());
 }
 
 // --- the platform's open dialog on a phone, driven from a second thread --------------------------------------
