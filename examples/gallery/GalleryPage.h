@@ -44,6 +44,7 @@ std::unique_ptr<GalleryPage> MakeTabsPage();
 std::unique_ptr<GalleryPage> MakeListViewPage();
 std::unique_ptr<GalleryPage> MakeMenuBarPage();
 std::unique_ptr<GalleryPage> MakeAnimationPage();
+std::unique_ptr<GalleryPage> MakePhoneFilesPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

@@ -16,5 +16,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeListViewPage());
     pages.push_back(MakeMenuBarPage());
     pages.push_back(MakeAnimationPage());
+    pages.push_back(MakePhoneFilesPage());
     return pages;
 }
