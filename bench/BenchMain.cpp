@@ -1,4 +1,4 @@
-// Usage: zcmod_bench [--seconds S] [--gif FILE] [--only TEXT]
+// Usage: zcmod_bench [--seconds S] [--rounds N] [--gif FILE] [--only TEXT]
 #include <objbase.h>
 
 #include <algorithm>
@@ -38,13 +38,22 @@ const Options& Settings() { return g_options; }
 
 Registration::Registration(const char* key, CaseFunction function) { Cases()[key] = function; }
 
-double Time(const std::function<bool()>& body)
+double Timing::Median() const
 {
-    if (!body())
-        return -1.0;
+    std::vector<double> sorted = rounds;
+    std::sort(sorted.begin(), sorted.end());
+    const size_t n = sorted.size();
+    return n % 2 ? sorted[n / 2] : (sorted[n / 2 - 1] + sorted[n / 2]) / 2;
+}
+
+namespace {
+
+// One round of `body`: batches for `seconds`, the fastest batch's time per call. `batch` carries the batch
+// size from round to round.
+double Round(const std::function<bool()>& body, double seconds, int& batch)
+{
     double best = 1e30;
-    const double end = Now() + g_options.seconds;
-    int batch = 1;
+    const double end = Now() + seconds;
     do {
         const double start = Now();
         for (int i = 0; i < batch; ++i)
@@ -56,6 +65,60 @@ double Time(const std::function<bool()>& body)
     } while (Now() < end);
     return best;
 }
+
+int Rounds()
+{
+    return g_options.rounds > 0 ? g_options.rounds : 1;
+}
+
+}  // namespace
+
+Timing Time(const std::function<bool()>& body)
+{
+    Timing timing;
+    if (!body())
+        return timing;
+    int batch = 1;
+    for (int round = 0; round < Rounds(); ++round)
+        timing.rounds.push_back(Round(body, g_options.seconds / Rounds(), batch));
+    return timing;
+}
+
+TimingPair TimeBoth(const std::function<bool()>& ours, const std::function<bool()>& reference)
+{
+    TimingPair pair;
+    const bool oursWorks = ours();
+    const bool referenceWorks = reference();
+    int oursBatch = 1, referenceBatch = 1;
+    for (int round = 0; round < Rounds(); ++round) {
+        if (oursWorks)
+            pair.ours.rounds.push_back(Round(ours, g_options.seconds / Rounds(), oursBatch));
+        if (referenceWorks)
+            pair.reference.rounds.push_back(Round(reference, g_options.seconds / Rounds(), referenceBatch));
+    }
+    return pair;
+}
+
+namespace {
+
+// The median ratio of the rounds, paired in order, and its range: "1.23 (1.10-1.40)".
+std::string RatioText(const Timing& ours, const Timing& reference)
+{
+    // Rounds are paired in order; a side measured another number of times is compared by its median.
+    Timing ratios;
+    if (ours.rounds.size() == reference.rounds.size()) {
+        for (size_t i = 0; i < ours.rounds.size(); ++i)
+            ratios.rounds.push_back(ours.rounds[i] / reference.rounds[i]);
+    } else {
+        ratios.rounds.push_back(ours.Median() / reference.Median());
+    }
+    const auto range = std::minmax_element(ratios.rounds.begin(), ratios.rounds.end());
+    char text[64];
+    snprintf(text, sizeof(text), "%.2f (%.2f-%.2f)", ratios.Median(), *range.first, *range.second);
+    return text;
+}
+
+}  // namespace
 
 std::string Format(const char* format, double value)
 {
@@ -71,27 +134,27 @@ std::wstring TempFile(const wchar_t* name)
     return std::wstring(folder) + name;
 }
 
-void AddTimes(std::vector<Row>& rows, const std::string& name, const std::string& input, double ours,
-              double reference, const std::string& referenceName)
+void AddTimes(std::vector<Row>& rows, const std::string& name, const std::string& input, const Timing& ours,
+              const Timing& reference, const std::string& referenceName)
 {
-    if (ours <= 0 || reference <= 0) {
+    if (ours.rounds.empty() || reference.rounds.empty()) {
         rows.push_back({name, input, "failed", "failed", "-"});
         return;
     }
     rows.push_back({name, input, Format("%.3f ms", ours * 1e3), Format("%.3f ms ", reference * 1e3) + referenceName,
-                    Format("%.2f", ours / reference)});
+                    RatioText(ours, reference)});
 }
 
-void AddRates(std::vector<Row>& rows, const std::string& name, const std::string& input, double ours,
-              double reference, double units, const std::string& unitName, const std::string& referenceName)
+void AddRates(std::vector<Row>& rows, const std::string& name, const std::string& input, const Timing& ours,
+              const Timing& reference, double units, const std::string& unitName, const std::string& referenceName)
 {
-    if (ours <= 0 || reference <= 0) {
+    if (ours.rounds.empty() || reference.rounds.empty()) {
         rows.push_back({name, input, "failed", "failed", "-"});
         return;
     }
     rows.push_back({name, input, Format("%.1f ", units / ours) + unitName,
                     Format("%.1f ", units / reference) + unitName + " " + referenceName,
-                    Format("%.2f", ours / reference)});
+                    RatioText(ours, reference)});
 }
 
 }  // namespace bench
@@ -104,6 +167,8 @@ int wmain(int argc, wchar_t** argv)
             options.gif = argv[++i];
         else if (wcscmp(argv[i], L"--seconds") == 0 && i + 1 < argc)
             options.seconds = _wtof(argv[++i]);
+        else if (wcscmp(argv[i], L"--rounds") == 0 && i + 1 < argc)
+            options.rounds = _wtoi(argv[++i]);
         else if (wcscmp(argv[i], L"--only") == 0 && i + 1 < argc)
             options.only = argv[++i];
     }
@@ -118,7 +183,10 @@ int wmain(int argc, wchar_t** argv)
     for (const bench::Row& r : rows)
         printf("| %s | %s | %s | %s | %s |\n", r.name.c_str(), r.input.c_str(), r.ours.c_str(), r.reference.c_str(),
                r.ratio.c_str());
-    printf("\nratio = zcmod time / reference time (below 1: zcmod is faster)\n");
+    printf("\nratio = zcmod time / reference time (below 1: zcmod is faster): the median of %d rounds, each the\n"
+           "fastest batch of its share of the time, with the lowest and highest round in brackets; the times are\n"
+           "the medians of each side\n",
+           options.rounds);
     CoUninitialize();
     return rows.empty() ? 1 : 0;
 }

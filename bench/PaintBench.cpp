@@ -304,21 +304,24 @@ void PaintCases(std::vector<Row>& rows)
             InvalidateRect(child, nullptr, FALSE);
         return RedrawWindow(top, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN) != FALSE;
     };
-    const double oursCold = Time([&] {
-        SendMessageW(panel.m_hWnd, WM_VUIK_INVALIDATE_BACKBUFFER, 0, 0);
-        return RedrawWindow(panel.m_hWnd, nullptr, nullptr, cold) != FALSE;
-    });
-    const double refCold = Time([&] {
-        if (caches[0].bitmap) {
-            DeleteObject(caches[0].bitmap);
-            caches[0].bitmap = nullptr;
-        }
-        return RedrawWindow(reference, nullptr, nullptr, cold) != FALSE;
-    });
-    AddTimes(rows, "cold paint (all buffers built)", "40 children, 480x300", oursCold, refCold, "hand-written cache");
-    const double oursWarm = Time([&] { return repaintWarm(panel.m_hWnd); });
-    const double refWarm = Time([&] { return repaintWarm(reference); });
-    AddTimes(rows, "warm paint (buffers kept)", "40 children, 480x300", oursWarm, refWarm, "hand-written cache");
+    const TimingPair coldTimes = TimeBoth(
+        [&] {
+            SendMessageW(panel.m_hWnd, WM_VUIK_INVALIDATE_BACKBUFFER, 0, 0);
+            return RedrawWindow(panel.m_hWnd, nullptr, nullptr, cold) != FALSE;
+        },
+        [&] {
+            if (caches[0].bitmap) {
+                DeleteObject(caches[0].bitmap);
+                caches[0].bitmap = nullptr;
+            }
+            return RedrawWindow(reference, nullptr, nullptr, cold) != FALSE;
+        });
+    AddTimes(rows, "cold paint (all buffers built)", "40 children, 480x300", coldTimes.ours, coldTimes.reference,
+             "hand-written cache");
+    const TimingPair warmTimes =
+        TimeBoth([&] { return repaintWarm(panel.m_hWnd); }, [&] { return repaintWarm(reference); });
+    AddTimes(rows, "warm paint (buffers kept)", "40 children, 480x300", warmTimes.ours, warmTimes.reference,
+             "hand-written cache");
 
     // BitBlt calls of zcmod.dll during one warm repaint.
     HMODULE library = GetModuleHandleW(L"zcmod.dll");

@@ -114,7 +114,7 @@ void SearchCases(std::vector<Row>& rows)
     DWORD target = 1;
     const bool bare = init && open && begin && next && release && end && close && init(30, 0) == S_OK &&
                       open(serial.c_str(), &target, 1, &ca) == S_OK;
-    const double onePass = !bare ? -1 : Time([&] {
+    const double onePass = !bare ? Timing() : Time([&] {
         ContactField field = {sizeof(ContactField), 0, 1, 2, const_cast<wchar_t*>(L"qz%")};
         ContactItem condition = {};
         condition.dwSize = sizeof(condition);

@@ -25,6 +25,7 @@ configure_file(cmake/zcmod_version.h.in ${CMAKE_BINARY_DIR}/generated/zcmod_vers
 
 # --- The library ---------------------------------------------------------------------------------------------
 file(GLOB ZCMOD_SOURCES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*/*.cpp)
+list(FILTER ZCMOD_SOURCES EXCLUDE REGEX "/src/core/")  # the shared core is built once, in zcmod_core
 add_library(zcmod_core OBJECT ${ZCMOD_CORE_SOURCES})
 target_include_directories(zcmod_core PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
 target_link_libraries(zcmod_core PRIVATE zcmod_png)

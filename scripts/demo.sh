@@ -82,12 +82,12 @@ cat >> "$reg" <<REG
 "CAAPI64"="$(regpath "$run/DAAPI64.dll")"
 REG
 
-# Everything runs in one Wine session: the settings, then a sample phone made by the controller (a few
-# hundred generated contacts and a small file tree), then the gallery. (A Wine process started without a
+# Everything runs in one Wine session: the settings, then a sample phone made by the controller (ten
+# thousand generated contacts and a small file tree), then the gallery. (A Wine process started without a
 # display would leave the session's desktop without one.)
 session='
   wine regedit /S "$1" >/dev/null 2>&1
-  wine "$2/phonectl.exe" new sample --name "Sample phone" --contacts 300 --files 12 >/dev/null 2>&1 ||
+  wine "$2/phonectl.exe" new sample --name "Sample phone" --contacts 10000 --files 12 >/dev/null 2>&1 ||
     { echo "demo: phonectl could not make the sample phone" >&2; exit 1; }
   wine "$2/phonectl.exe" contacts sample "$2/sample-contacts.vcf" --append >/dev/null 2>&1 ||
     { echo "demo: phonectl could not load the sample contacts" >&2; exit 1; }

@@ -41,9 +41,11 @@ std::unique_ptr<GalleryPage> MakeDevicePage();
 std::unique_ptr<GalleryPage> MakeSearchPage();
 std::unique_ptr<GalleryPage> MakeRtlPage();
 std::unique_ptr<GalleryPage> MakeTabsPage();
+std::unique_ptr<GalleryPage> MakeWizardPage();
 std::unique_ptr<GalleryPage> MakeListViewPage();
 std::unique_ptr<GalleryPage> MakeMenuBarPage();
 std::unique_ptr<GalleryPage> MakeAnimationPage();
+std::unique_ptr<GalleryPage> MakeMessageEditorPage();
 std::unique_ptr<GalleryPage> MakePhoneFilesPage();
 
 // Every page, in the order of the list.

@@ -13,9 +13,11 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeSearchPage());
     pages.push_back(MakeRtlPage());
     pages.push_back(MakeTabsPage());
+    pages.push_back(MakeWizardPage());
     pages.push_back(MakeListViewPage());
     pages.push_back(MakeMenuBarPage());
     pages.push_back(MakeAnimationPage());
+    pages.push_back(MakeMessageEditorPage());
     pages.push_back(MakePhoneFilesPage());
     return pages;
 }

@@ -2,6 +2,10 @@
 // control whose pages hold plain platform controls, and a narrow one whose tabs take several rows. The pieces
 // are the gallery's own (art/tabs.py), one set per theme; the page takes the set of the current theme.
 //
+// The sheets hold skinned combo boxes: plain ones, and a ComboBoxEx32 whose folders show their icons and
+// their depth in the list. The drop-down lists are drawn by the library; an item too long for the list shows
+// whole in a tooltip beside it.
+//
 // Right to left, the page's panel is a mirrored window (WS_EX_LAYOUTRTL), which its children inherit: the
 // platform lays out the tabs and the controls from the right, and the tab control needs nothing more.
 #include <windows.h>
@@ -75,6 +79,8 @@ public:
         Leave();
         Register();
         s_page = this;
+        INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_USEREX_CLASSES | ICC_TAB_CLASSES};
+        InitCommonControlsEx(&classes);
         const bool graphite = IsGraphite();
         const UINT first = graphite ? IDB_GALLERY_TAB_GRAPHITE : IDB_GALLERY_TAB_DEFAULT;
         m_text = DkhLoadColor(nullptr, ZGR_COLOR_TEXT);
@@ -128,6 +134,9 @@ public:
             SetWindowPos(sheet.window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
         }
         FillSheets();
+        // The combo boxes' corners show the tab control's panel behind them.
+        for (auto& combo : m_combos)
+            combo->SetBackground(m_tabs.m_hWnd);
         Button(m_panel.m_hWnd, L"OK", 300, 432, BS_DEFPUSHBUTTON);
         Button(m_panel.m_hWnd, L"Cancel", 390, 432, BS_PUSHBUTTON);
         Button(m_panel.m_hWnd, L"Apply", 480, 432, BS_PUSHBUTTON);
@@ -170,6 +179,11 @@ public:
         m_panel.DeleteBackBuffer();
         m_panel.m_hWnd = m_tabs.m_hWnd = m_rows.m_hWnd = m_rowsSheet = nullptr;
         m_sheets.clear();
+        m_combos.clear();
+        if (m_icons) {
+            ImageList_Destroy(m_icons);
+            m_icons = nullptr;
+        }
         m_skin.Unload();
         for (HGDIOBJ* object : {reinterpret_cast<HGDIOBJ*>(&m_font), reinterpret_cast<HGDIOBJ*>(&m_bold),
                                 reinterpret_cast<HGDIOBJ*>(&m_title), reinterpret_cast<HGDIOBJ*>(&m_panelBrush),
@@ -194,6 +208,11 @@ public:
             return L"the narrow tab control shows one row";
         if (!m_tabs.GetBackBuffer() || !m_rows.GetBackBuffer())
             return L"a tab control didn't paint with its skin";
+        for (auto& combo : m_combos)
+            if (!combo->SkinIsValid())
+                return L"a combo box has no valid skin: the theme's combo pieces didn't load";
+        if (m_combos.empty() || !m_combos[0]->GetBackBuffer())
+            return L"the first combo box didn't paint with its skin";
         // The sheet of the selected tab is the one shown, and its colour is the tab control's panel.
         const int selected = m_tabs.GetCurSel();
         for (size_t i = 0; i < m_sheets.size(); ++i)
@@ -272,6 +291,13 @@ private:
         Check(general, L"Connect when the phone is attached", 10, 50, true);
         Check(general, L"Show a notification for new messages", 10, 78, true);
         Check(general, L"Start with the computer", 10, 106, false);
+        Label(general, L"Phone model", 10, 146, 120, 20, m_font);
+        Combo(general, 140, 142, 240,
+              {L"Nokia 6230i", L"Sony Ericsson K750i", L"Motorola RAZR V3",
+               L"Samsung SGH-D500 with the long name that the list can't show whole", L"Siemens S65"},
+              0);
+        Label(general, L"Save pictures in", 10, 184, 120, 20, m_font);
+        FolderCombo(general, 140, 180, 240);
 
         HWND display = m_sheets[1].window;
         Label(display, L"Theme", 10, 12, 200, 20, m_bold);
@@ -279,6 +305,8 @@ private:
         Check(display, L"Default (light)", 20, 62, !IsGraphite(), BS_AUTORADIOBUTTON);
         Check(display, L"Graphite (dark)", 20, 86, IsGraphite(), BS_AUTORADIOBUTTON);
         Check(display, L"Larger text", 10, 124, false);
+        Label(display, L"Language", 10, 164, 120, 20, m_font);
+        Combo(display, 140, 160, 200, {L"English", L"\x05E2\x05D1\x05E8\x05D9\x05EA (Hebrew)", L"Tom && Jerry's"}, 0);
 
         HWND phone = m_sheets[2].window;
         Label(phone, L"Connect through", 10, 12, 200, 20, m_bold);
@@ -292,6 +320,73 @@ private:
         Control(advanced, L"BUTTON", L"Browse...", BS_PUSHBUTTON, 390, 8, 90, 26);
         Check(advanced, L"Keep a log of transfers", 10, 50, false);
         Check(advanced, L"Convert pictures for the phone", 10, 78, true);
+        Label(advanced, L"Picture size", 10, 118, 120, 20, m_font);
+        Combo(advanced, 140, 114, 240, {L"As taken", L"The phone's screen", L"640 x 480", L"320 x 240"}, 1);
+    }
+
+    // A skinned drop-down list of `items` with `select` chosen.
+    void Combo(HWND parent, int x, int y, int w, const std::vector<const wchar_t*>& items, int select)
+    {
+        HWND box = Control(parent, L"COMBOBOX", L"", CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS | WS_VSCROLL,
+                           x, y, w, 160);
+        m_combos.push_back(std::make_unique<CVuikComboBoxCtrl>());
+        CVuikComboBoxCtrl& combo = *m_combos.back();
+        combo.SubclassWindow(box);
+        for (const wchar_t* item : items)
+            combo.AddItem(item);
+        combo.SetCurSel(select);
+    }
+
+    // A ComboBoxEx32 of the phone's folders: an icon each, and their depth as an indent in the list.
+    void FolderCombo(HWND parent, int x, int y, int w)
+    {
+        HWND box = Control(parent, WC_COMBOBOXEXW, L"", CBS_DROPDOWNLIST | WS_VSCROLL, x, y, w, 180);
+        const COLORREF colours[] = {RGB(0x3a, 0x8d, 0xde), RGB(0xe8, 0xa3, 0x3d), RGB(0x5c, 0xb8, 0x5c)};
+        m_icons = ImageList_Create(16, 16, ILC_COLOR24 | ILC_MASK, 3, 0);
+        for (COLORREF colour : colours) {
+            // A folder: a tab on top of a rounded body, on a transparent ground.
+            HDC screen = GetDC(nullptr);
+            HDC dc = CreateCompatibleDC(screen);
+            HBITMAP picture = CreateCompatibleBitmap(screen, 16, 16);
+            ReleaseDC(nullptr, screen);
+            HGDIOBJ old = SelectObject(dc, picture);
+            const RECT all = {0, 0, 16, 16};
+            HBRUSH magenta = CreateSolidBrush(RGB(255, 0, 255));
+            FillRect(dc, &all, magenta);
+            DeleteObject(magenta);
+            HBRUSH body = CreateSolidBrush(colour);
+            HPEN edge = CreatePen(PS_SOLID, 1, RGB(GetRValue(colour) / 2, GetGValue(colour) / 2, GetBValue(colour) / 2));
+            HGDIOBJ oldBrush = SelectObject(dc, body);
+            HGDIOBJ oldPen = SelectObject(dc, edge);
+            RoundRect(dc, 1, 2, 8, 6, 2, 2);
+            RoundRect(dc, 1, 4, 15, 14, 3, 3);
+            SelectObject(dc, oldBrush);
+            SelectObject(dc, oldPen);
+            DeleteObject(body);
+            DeleteObject(edge);
+            SelectObject(dc, old);
+            DeleteDC(dc);
+            ImageList_AddMasked(m_icons, picture, RGB(255, 0, 255));
+            DeleteObject(picture);
+        }
+        SendMessageW(box, CBEM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(m_icons));
+        const struct {
+            const wchar_t* text;
+            int image, indent;
+        } folders[] = {{L"Phone memory", 0, 0},  {L"Pictures", 1, 1}, {L"Camera", 1, 2},
+                       {L"Music", 2, 1},        {L"Memory card", 0, 0}, {L"Pictures", 1, 1}};
+        for (size_t i = 0; i < sizeof(folders) / sizeof(folders[0]); ++i) {
+            COMBOBOXEXITEMW item = {};
+            item.mask = CBEIF_TEXT | CBEIF_IMAGE | CBEIF_SELECTEDIMAGE | CBEIF_INDENT;
+            item.iItem = static_cast<INT_PTR>(i);
+            item.pszText = const_cast<wchar_t*>(folders[i].text);
+            item.iImage = item.iSelectedImage = folders[i].image;
+            item.iIndent = folders[i].indent;
+            SendMessageW(box, CBEM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        }
+        m_combos.push_back(std::make_unique<CVuikComboBoxCtrl>());
+        m_combos.back()->SubclassWindow(box);
+        m_combos.back()->SetCurSel(2);
     }
 
     void ShowSheet(int index)
@@ -306,6 +401,8 @@ private:
     CVuikTabCtrl m_tabs;
     CVuikTabCtrl m_rows;
     std::vector<Sheet> m_sheets;
+    std::vector<std::unique_ptr<CVuikComboBoxCtrl>> m_combos;
+    HIMAGELIST m_icons = nullptr;
     HWND m_rowsSheet = nullptr;
     COLORREF m_text = 0;
     HFONT m_font = nullptr;

@@ -76,6 +76,15 @@
 #define ZLR_STR_RECIPIENT_PHONE_OR_EMAIL 0x8346
 #define ZLR_STR_RECIPIENT_UNKNOWN 0x8347
 
+/* Language module: the labels of the recipient box's rows. */
+#define ZLR_STR_RECIPIENT_TO 0x80EA
+#define ZLR_STR_RECIPIENT_CC 0x80EB
+#define ZLR_STR_RECIPIENT_BCC 0x80EC
+
+/* Graphics module: the icon of the recipient box's picker buttons, and its disabled look. */
+#define ZGR_BMP_RECIPIENT_PICKER 0x84E6
+#define ZGR_BMP_RECIPIENT_PICKER_DISABLED 0x84E7
+
 /* The library's own module: plain dialog templates served by CDkhDialog, in English and Hebrew. */
 #define IDD_ZCMOD_SYSTEM_INFORMATION 105
 #define IDC_ZCMOD_SYSTEM_INFORMATION_TEXT 1001
@@ -84,6 +93,57 @@
 #define IDC_ZCMOD_RECIPIENTS_FILTER 1003
 #define IDC_ZCMOD_RECIPIENTS_LABEL 1004
 
+/* Graphics module: the skinned combo box's pieces (left end, stretched middle, right end with the arrow) in
+   the states normal, disabled (loaded, never drawn), hover or focused, pressed. All of one height. */
+#define ZGR_BMP_COMBO_NORMAL_LEFT 5060
+#define ZGR_BMP_COMBO_NORMAL_MIDDLE 5061
+#define ZGR_BMP_COMBO_NORMAL_RIGHT 5062
+#define ZGR_BMP_COMBO_DISABLED_LEFT 5063
+#define ZGR_BMP_COMBO_DISABLED_MIDDLE 5064
+#define ZGR_BMP_COMBO_DISABLED_RIGHT 5065
+#define ZGR_BMP_COMBO_HOVER_LEFT 5066
+#define ZGR_BMP_COMBO_HOVER_MIDDLE 5067
+#define ZGR_BMP_COMBO_HOVER_RIGHT 5068
+#define ZGR_BMP_COMBO_PRESSED_LEFT 5069
+#define ZGR_BMP_COMBO_PRESSED_MIDDLE 5070
+#define ZGR_BMP_COMBO_PRESSED_RIGHT 5071
+
+/* Graphics module: the step bar of a wizard: the filling's tile, its start and its end, the separator
+   between steps, and the empty bar, whose width the steps divide. */
+#define ZGR_BMP_STEPBAR_MIDDLE 5205
+#define ZGR_BMP_STEPBAR_LEFT 5206
+#define ZGR_BMP_STEPBAR_RIGHT 5207
+#define ZGR_BMP_STEPBAR_SEPARATOR 5208
+#define ZGR_BMP_STEPBAR_BACKGROUND 5209
+
+/* The drawn window frame (CVuikWindowBackgroundCtrl). Language module: the caption buttons' tips and texts
+   (at most 19 characters) and the system menu's items. */
+#define ZLR_STR_CAPTION_CLOSE 35002
+#define ZLR_STR_CAPTION_MINIMIZE 35003
+#define ZLR_STR_CAPTION_MAXIMIZE 35004
+#define ZLR_STR_CAPTION_RESTORE 35005
+#define ZLR_STR_SYSMENU_CLOSE 35011
+#define ZLR_STR_SYSMENU_RESTORE 35012
+#define ZLR_STR_SYSMENU_SIZE 35013
+#define ZLR_STR_SYSMENU_MINIMIZE 35014
+#define ZLR_STR_SYSMENU_MAXIMIZE 35015
+#define ZLR_STR_SYSMENU_MOVE 35016
+/* Graphics module: the caption buttons' pictures, normal, hover and pressed. */
+#define ZGR_BMP_CAPTION_CLOSE_BESIDE_NORMAL 32502
+#define ZGR_BMP_CAPTION_CLOSE_BESIDE_HOVER 32503
+#define ZGR_BMP_CAPTION_CLOSE_BESIDE_PRESSED 32504
+#define ZGR_BMP_CAPTION_MINIMIZE_NORMAL 32505
+#define ZGR_BMP_CAPTION_MINIMIZE_HOVER 32506
+#define ZGR_BMP_CAPTION_MINIMIZE_PRESSED 32507
+#define ZGR_BMP_CAPTION_MAXIMIZE_HOVER 32531
+#define ZGR_BMP_CAPTION_MAXIMIZE_NORMAL 32532
+#define ZGR_BMP_CAPTION_MAXIMIZE_PRESSED 32533
+#define ZGR_BMP_CAPTION_CLOSE_ALONE_NORMAL 32534
+#define ZGR_BMP_CAPTION_CLOSE_ALONE_HOVER 32535
+#define ZGR_BMP_CAPTION_CLOSE_ALONE_PRESSED 32536
+#define ZGR_BMP_CAPTION_RESTORE_HOVER 32537
+#define ZGR_BMP_CAPTION_RESTORE_NORMAL 32538
+#define ZGR_BMP_CAPTION_RESTORE_PRESSED 32539
 /* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
    colour; CPNGAnimation plays them in order. */
 #define ZGR_PNG_ANIMATION_FIRST 34030

@@ -1,8 +1,20 @@
-// CSearchEngineControl: the recipient box of a message editor. This header holds, for now, the rules of
-// recipient text that the box, the contact search and the recipient picker share; they are static and work on
-// plain strings, except ExtractName, GetContacts, ValidateInput and Highlight, which read or mark an edit box.
-// It also holds the contact search over the connected phones, with its cache: a search touches a phone only
-// when the cache cannot answer.
+// CSearchEngineControl: the recipient box of a message editor. Up to three stacked rows, each a picker button
+// and a rich edit box in which recipients are typed. Two seconds after the last key the text around the caret
+// is looked up in the phones' contacts and completed inline or offered in a drop-down list; ';', Enter or
+// leaving the box finishes the recipient (its contact string, "; " behind it, underlined when known, in
+// italics when malformed). The box grows with its text and tells its listeners. Much of its state is static:
+// a process has one recipient box at a time.
+//
+//     CSearchEngineControl box(instance);
+//     RECT where = {10, 10, 410, 70};
+//     box.Create(nullptr, WS_CHILD | WS_VISIBLE, where, parent, 100, 1);
+//     box.RegisterNotifyIF(&layout);                // layout.OnResize() when the box grows or shrinks
+//     wchar_t to[1024];
+//     box.GetRecipients(nullptr, 0) < 1024 && box.GetRecipients(to, 0);   // "040123;bob@example.com"
+//
+// The rules of recipient text are static and work on plain strings, except ExtractName, GetContacts,
+// ValidateInput, Highlight and Underline, which read or mark an edit box. The contact search over the
+// connected phones keeps a cache: a search touches a phone only when the cache cannot answer.
 //
 //     CSearchEngineControl control;                 // binds to the phone service for its lifetime
 //     std::wstring typed = L"ann";
@@ -33,11 +45,21 @@ struct RecipientLocation {
     int m_nEnd;
 };
 
+// Told when the recipient box changes its height.
+class ISearchEngineNotify {
+public:
+    virtual void OnResize() = 0;
+
+protected:
+    ~ISearchEngineNotify() {}
+};
+
 class ZCMOD_API CSearchEngineControl {
 public:
     // Binds to the phone service (device management, content access, versit conversion) and reads the
-    // user's name order once; the destructor closes the device list, every connection and the service.
-    CSearchEngineControl();
+    // user's name order once; the destructor destroys the windows, closes the device list, every connection
+    // and the service. `instance` is the application's; null is the process module.
+    explicit CSearchEngineControl(HINSTANCE instance = nullptr);
     virtual ~CSearchEngineControl();
     CSearchEngineControl(const CSearchEngineControl&) = delete;
     CSearchEngineControl& operator=(const CSearchEngineControl&) = delete;
@@ -48,6 +70,9 @@ public:
     // Searches the phone `serial` and remembers the answer in the cache; adds to `results`.
     static void SearchValues2(const wchar_t* serial, std::wstring& text, bool byName,
                               std::vector<std::wstring>& results);
+    // Every contact of every connected phone, one contact string per number and e-mail address that the address
+    // filter lets through, named in the user's order, sorted by WstrCompare; asks the phones, not the cache.
+    static void ListContacts(std::vector<std::wstring>& results);
     // Makes the connection of `serial` the current one: 0, or 0x80100010 when it can't be opened.
     static HRESULT CheckConnection(std::wstring serial);
     // Connections are closed by the connection map; this answers 0x80100010 and does nothing.
@@ -97,6 +122,56 @@ public:
     // Sets the characters start..end of the rich edit box upright (`valid`) or in italics, keeping the selection.
     static void Highlight(HWND edit, int start, int end, int valid);
 
+    // ---- The box ----------------------------------------------------------------------------------------
+    // Makes `count` rows (1 to 3) in a host window, a child `id` of `parent` at `rect` with `style`; the
+    // drop-down list is a child of `parent`. 0 when the rich edit library or a window can't be had.
+    int Create(void* reserved, unsigned long style, RECT rect, HWND parent, unsigned id, int count);
+
+    // Per row; an index out of range does nothing and gives 0 (-1 for GetRecipientMode).
+    int SetRecipientMode(long mode, int index);
+    long GetRecipientMode(int index);
+    // A text that begins with ';' is added behind the existing recipients; any other replaces them.
+    int SetText(const wchar_t* text, int index);
+    // Length in characters; a null buffer asks only for it, a buffer must hold the text and its terminator.
+    int GetText(wchar_t* buffer, int index);
+    // The bare addresses, separated by ';' (names that aren't contacts pass as they are); length as GetText.
+    int GetRecipients(wchar_t* buffer, int index);
+    // Checks every recipient of the row (and marks it); *result is 0 when one fails.
+    int Validate(int formal, int contact, int* result, int index);
+    int SetFocusToEditBox(int index);
+    LRESULT SendMessageToEditBox(UINT message, WPARAM wParam, LPARAM lParam, int index);
+
+    int HasFocus();
+    void SetThreeDimLook(long look);
+    long GetThreeDimLook() const { return m_lThreeDimLook; }
+    void SetFont(HFONT font);
+    void GetHostWindowRect(RECT& rect);
+    void SetHostWindowRect(RECT rect);
+    void RegisterNotifyIF(ISearchEngineNotify* listener);
+    void UnregisterNotifyIF(ISearchEngineNotify* listener);
+    // Non-zero hides the drop-down list, 0 shows it.
+    static void HideContactListBox(int hide);
+
+    static short GetMaxLines() { return m_sMaxLines; }
+    static void SetMaxLines(short lines) { m_sMaxLines = lines; }
+    static long GetHighlighting() { return m_lHighlighting; }
+    static void SetHighlighting(long on) { m_lHighlighting = on; }
+    static long GetFormalValidityChecking() { return m_lFormalValidityChecking; }
+    static void SetFormalValidityChecking(long on) { m_lFormalValidityChecking = on; }
+    // How long the box waits after the last key before it searches; 2,000 ms unless set.
+    static UINT GetSearchDelay() { return m_nSearchDelay; }
+    static void SetSearchDelay(UINT milliseconds) { m_nSearchDelay = milliseconds; }
+
+    // Windows of the box, for the application's layout and for tests: the host, a row's edit box and
+    // button (null out of range), the drop-down list.
+    HWND GetHostWindow() const;
+    static HWND GetEditBox(int index);
+    static HWND GetButton(int index);
+    static HWND GetContactListBox() { return m_wndContactListBox; }
+
+    // Sets the characters start..end single-underlined, or not when `remove` is non-zero, keeping the selection.
+    static void Underline(HWND edit, int start, int end, int remove);
+
     static long m_lAddressFilter;           // 1 e-mail, 2 phone, 3 both; default 3
     static long m_lFormalValidityChecking;  // default 1
     static long m_lHighlighting;            // default 1
@@ -109,7 +184,55 @@ public:
     static void* m_hDeviceManager;                      // the device list, opened on first need
     static std::vector<std::wstring> m_vecDeviceSerials;  // the serials of the last enumeration with devices
 
+    static short m_sMaxLines;                // rows of text an edit box may grow to; default 3
+    static int m_iControlCount;              // rows made by Create
+    static long m_lRecipientMode[3];         // each row's label: 0 "To", 1 "Cc", 2 "Bcc"
+    static short m_sLineCount[3];            // each row's height in lines
+    static unsigned m_iControlIDs[3][2];     // per row: edit box id, button id
+    static int m_nEditcontrolWidth;
+    static int m_iBorderWidth;
+    static long m_lFontHeight;
+    static int m_iNameLen;                   // length of the typed part an inline completion replaced
+    static int m_bDisableChange;             // set while the box itself changes the text
+    static int m_bDisableSelChange;          // set while the box itself moves the selection
+    static std::vector<std::wstring> m_FoundContacts;
+    static std::vector<ISearchEngineNotify*> m_pNotify;
+    static HWND m_wndContactListBox;
+    static HFONT m_hFont;
+    static HMODULE m_hRichEditModule;
+    static UINT_PTR m_nSearchTimer;
+    static bool m_bAddressOnlyUpdate;
+    static UINT m_nSearchDelay;
+
 protected:
+    static LRESULT CALLBACK RichEditProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK ListBoxProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK ButtonProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static LRESULT CALLBACK HostWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+
+    static void UpdateContactList(HWND edit, bool addressOnly);
+    static void FinishByEnter(HWND edit);
+    static void FinishBySemicolon(HWND edit, WNDPROC previous, LPARAM lParam);
+    static void AddStrings();
+    static void ShowContactListBox(HWND edit);
+    static int CalcListCtrlHeight();
+    static int CalcEditCtrlHeight(HWND edit);
+    static void ResizeControl(HWND edit, bool pasted);
+    static void VerifyNames(HWND edit);
+    static int SelectUp();
+    static int SelectDown();
+    static void StartSearchTimer(HWND edit, bool addressOnly);
+    static HWND GetCurrentEditBox();
+    static void OpenPicker(int row);
+    static void PlaceRow(int row);
+    // Destroys the windows of the box and lets go of what they held.
+    void DestroyBox();
+
+    int m_iButtonWidth;
+    int m_iButtonHeight;
+    long m_lThreeDimLook;
+    HINSTANCE m_hInstance;
+
     // The contact's name in the user's order: one personal field alone, else given and family name.
     static std::wstring BuildContactName(const void* contactItem);
     // The device list's notifications: a phone removed closes this thread's connection to it.

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "image/core/PixelMath.h"
+#include "core/PixelMath.h"
 
 namespace zcmod {
 

@@ -6,7 +6,7 @@
 
 #include "frame/BitmapRegion.h"
 #include "frame/Handles.h"
-#include "image/core/PixelMath.h"
+#include "core/PixelMath.h"
 #include "zcmod/NBitmapUtil.h"
 #include "zcmod/VuikLib.h"
 

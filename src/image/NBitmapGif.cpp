@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "frame/DibSection.h"
 #include "frame/Handles.h"
 #include "image/NBitmapInternal.h"
 #include "image/core/GifStructure.h"
@@ -58,6 +59,33 @@ void FillWithColour(HDC dc, const RECT& rect, HBRUSH brush)
 {
     if (brush && rect.right > rect.left && rect.bottom > rect.top)
         FillRect(dc, &rect, brush);
+}
+
+// A frame in the screen's format: a 32-bit section where the screen has 32 bits a pixel, which is the format
+// of a bitmap compatible with it, so that the frame before can be copied in as memory; else a compatible
+// bitmap.
+HBITMAP ScreenFrame(HDC screen, int width, int height)
+{
+    if (GetDeviceCaps(screen, BITSPIXEL) * GetDeviceCaps(screen, PLANES) == 32) {
+        BITMAPINFO info = {};
+        info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        void* bits = nullptr;
+        if (HBITMAP section = CreateDIBSection(screen, &info, DIB_RGB_COLORS, &bits, nullptr, 0))
+            return section;
+    }
+    return CreateCompatibleBitmap(screen, width, height);
+}
+
+// `from` copied whole into `to` when both are sections of one layout, as a BitBlt of all of it would copy it.
+bool CopySection(HBITMAP from, HBITMAP to)
+{
+    SectionPixels source, target;
+    if (!GetSectionPixels(from, source) || !GetSectionPixels(to, target) || source.width != target.width ||
+        source.height != target.height || source.stride != target.stride ||
+        source.bytesPerPixel != target.bytesPerPixel)
+        return false;
+    memcpy(target.bits, source.bits, static_cast<size_t>(source.stride) * static_cast<size_t>(source.height));
+    return true;
 }
 
 template <class T>
@@ -118,7 +146,7 @@ HBITMAP CNBitmapUtil::LoadGIFFileImages(CNBitmap* record, unsigned char* data, u
             int bytes = 0;
             BitmapHandle bitmap;
             if (FrameGeometry(screenWidth, screenHeight, stride, bytes))
-                bitmap.Reset(CreateCompatibleBitmap(screen.Get(), screenWidth, screenHeight));
+                bitmap.Reset(ScreenFrame(screen.Get(), screenWidth, screenHeight));
             if (bitmap) {
                 {
                     SelectGuard select(canvas.Get(), bitmap.Get());
@@ -130,7 +158,7 @@ HBITMAP CNBitmapUtil::LoadGIFFileImages(CNBitmap* record, unsigned char* data, u
                         // image's own rectangle is filled as well, so that its transparent pixels show the
                         // background and never older content.
                         HBITMAP before = record->m_hBitmap[i - 1];
-                        if (before) {
+                        if (before && !CopySection(before, bitmap.Get())) {
                             SelectGuard selectBefore(previous.Get(), before);
                             BitBlt(canvas.Get(), 0, 0, screenWidth, screenHeight, previous.Get(), 0, 0, SRCCOPY);
                         }

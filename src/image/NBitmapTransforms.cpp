@@ -5,9 +5,10 @@
 #include <cstring>
 
 #include "frame/BitmapRegion.h"
+#include "frame/DibSection.h"
 #include "frame/Handles.h"
 #include "image/NBitmapInternal.h"
-#include "image/core/PixelMath.h"
+#include "core/PixelMath.h"
 #include "zcmod/NBitmapUtil.h"
 
 using namespace zcmod;
@@ -39,6 +40,22 @@ int HeightOf(const BITMAPINFO* info)
     return height < 0 ? -height : height;
 }
 
+// The pixels of `frame` when it is a bottom-up 24-bit section with the geometry of `record`'s header, so that
+// its memory is the padded bottom-up layout of the store's transfers; null otherwise.
+uint8_t* InPlaceRows(HBITMAP frame, const CNBitmapUtil::CNBitmap* record)
+{
+    SectionPixels pixels;
+    if (!record || !record->m_pInfo || !GetSectionPixels(frame, pixels) || pixels.bytesPerPixel != 3 ||
+        pixels.topDown)
+        return nullptr;
+    const BITMAPINFOHEADER& header = record->m_pInfo->bmiHeader;
+    if (pixels.width != header.biWidth || pixels.height != HeightOf(record->m_pInfo) ||
+        pixels.stride != record->m_nStride ||
+        static_cast<int64_t>(pixels.stride) * pixels.height != record->m_nSize)
+        return nullptr;
+    return pixels.bits;
+}
+
 int SetOf(int set)
 {
     return set == 0 ? 0 : 4;
@@ -50,7 +67,8 @@ int SetOf(int set)
 
 int CNBitmapUtil::CreateBitmapFromData(int width, int height, char* data, CNBitmap* record, int index)
 {
-    if (!record || !data || !IsFrameIndex(index))
+    // Null data stands for all zero bytes, which a new section already holds (the public form refuses null).
+    if (!record || !IsFrameIndex(index))
         return 0;
     BITMAPINFO* info = NewInfo24(width, height);
     if (!info)
@@ -71,7 +89,7 @@ int CNBitmapUtil::CreateBitmapFromData(int width, int height, char* data, CNBitm
     const size_t rowBytes = static_cast<size_t>(width) * 3;
     GdiFlush();
     auto* target = static_cast<unsigned char*>(bits);
-    for (int y = 0; y < height; ++y)
+    for (int y = 0; data && y < height; ++y)
         memcpy(target + static_cast<size_t>(height - y - 1) * stride, data + rowBytes * y, rowBytes);
 
     if (record->m_hBitmap[index] && record->m_hBitmap[index] != bitmap)
@@ -246,7 +264,12 @@ int CNBitmapUtil::ResizeDither(BitmapType type, int index, int srcX, int srcY, i
             break;
         size_t destinationBytes = static_cast<size_t>(rowBytes * dstHeight);
         destinationPixels = static_cast<char*>(calloc(1, destinationBytes));
-        if (!destinationPixels || !CreateBitmapFromData(dstWidth, dstHeight, destinationPixels, target, index))
+        // The frame starts as the zero pixels of the buffer, as the public CreateBitmapFromData makes it from
+        // them; a new section is all zero already, so they are not copied.
+        if (!destinationPixels)
+            break;
+        DeleteBitmap(target, index);
+        if (!CreateBitmapFromData(dstWidth, dstHeight, nullptr, GetBitmapObject(target), index))
             break;
         CNBitmap* destination = GetBitmapObject(target);
         // The destination is described by its store's header, which may be larger than dstW x dstH when the
@@ -387,8 +410,9 @@ int CNBitmapUtil::AlphaBlendBitmaps(int mode, int set, int index)
                     break;
             }
             if (!FrameOf(resultStore, index)) {
-                WindowDC screen(nullptr);
-                HBITMAP made = CreateCompatibleBitmap(screen.Get(), image->m_pInfo->bmiHeader.biWidth, rows);
+                // A 24-bit section like the image's frames, so that the blend can write it in place.
+                void* bits = nullptr;
+                HBITMAP made = CreateSection24(image->m_pInfo->bmiHeader.biWidth, rows, &bits);
                 if (!made)
                     break;
                 resultStore->m_hBitmap[index] = made;
@@ -406,9 +430,19 @@ int CNBitmapUtil::AlphaBlendBitmaps(int mode, int set, int index)
                 ReadRows(imageFrame, image->m_pInfo, 0, rows, m_pBlendImage, false);
                 ReadRows(alphaFrame, alpha->m_pInfo, 0, HeightOf(alpha->m_pInfo), m_pBlendAlpha, false);
             }
+            // Where background and result are sections laid out as the buffers are, the blend reads the one and
+            // writes the other in place: one pass over the pixels and no transfer. The kept buffers then hold
+            // the image and the transparency only.
+            const size_t bytesToBlend = static_cast<size_t>(image->m_nSize);
+            uint8_t* backgroundBits = InPlaceRows(backgroundFrame, image);
+            uint8_t* resultBits = InPlaceRows(resultStore->m_hBitmap[index], image);
+            if (backgroundBits && resultBits && HeightOf(resultStore->m_pInfo) == rows) {
+                AlphaBlendBytes(m_pBlendImage, m_pBlendAlpha, backgroundBits, resultBits, bytesToBlend);
+                result = rows;
+                break;
+            }
             ReadRows(backgroundFrame, background->m_pInfo, 0, HeightOf(background->m_pInfo), m_pBlendBackground, false);
-            AlphaBlendBytes(m_pBlendImage, m_pBlendAlpha, m_pBlendBackground, m_pBlendResult,
-                            static_cast<size_t>(image->m_nSize));
+            AlphaBlendBytes(m_pBlendImage, m_pBlendAlpha, m_pBlendBackground, m_pBlendResult, bytesToBlend);
             result = WriteRows(resultStore->m_hBitmap[index], resultStore->m_pInfo, 0, HeightOf(resultStore->m_pInfo),
                                m_pBlendResult, false);
         } while (false);

@@ -13,6 +13,7 @@
 #include <cwchar>
 #include <new>
 
+#include "frame/DibSection.h"
 #include "frame/Handles.h"
 #include "image/NBitmapInternal.h"
 #include "zcmod/ResHandler.h"
@@ -88,6 +89,10 @@ int ReadRows(HBITMAP bitmap, const BITMAPINFO* info, int start, int lines, void*
 {
     if (!bitmap || !info || !bits || lines < 1)
         return 0;
+    // A frame that is a 24-bit section of the header's size is read in place.
+    const int copied = CopySectionRows(bitmap, info->bmiHeader, start, lines, bits, topDown, false);
+    if (copied >= 0)
+        return copied;
     TransferInfo transfer;
     PrepareTransfer(transfer, info, topDown);
     WindowDC screen(nullptr);
@@ -101,6 +106,9 @@ int WriteRows(HBITMAP bitmap, const BITMAPINFO* info, int start, int lines, cons
 {
     if (!bitmap || !info || !bits || lines < 1)
         return 0;
+    const int copied = CopySectionRows(bitmap, info->bmiHeader, start, lines, const_cast<void*>(bits), topDown, true);
+    if (copied >= 0)
+        return copied;
     TransferInfo transfer;
     PrepareTransfer(transfer, info, topDown);
     WindowDC screen(nullptr);

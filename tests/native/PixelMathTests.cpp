@@ -2,9 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <random>
 #include <vector>
 
-#include "image/core/PixelMath.h"
+#include "core/PixelMath.h"
 
 using namespace zcmod;
 
@@ -58,22 +59,6 @@ Bytes RandomTable(unsigned seed)
 
 }  // namespace
 
-TEST(PixelMath, AlphaBlendShiftsByEightSo255Becomes254)
-{
-    const uint8_t image[] = {255, 0, 200, 255, 10};
-    const uint8_t alpha[] = {0, 255, 128, 255, 0};
-    const uint8_t background[] = {7, 255, 100, 255, 99};
-    uint8_t result[5] = {};
-    AlphaBlendBytes(image, alpha, background, result, 5);
-    // (200 * 127 + 100 * 128) >> 8 = 149; 10 * 255 >> 8 = 9.
-    EXPECT_EQ(Bytes(result, result + 5), (Bytes{254, 254, 149, 254, 9}));
-    uint8_t untouched[1] = {42};
-    AlphaBlendBytes(image, alpha, background, untouched, 0);
-    AlphaBlendBytes(nullptr, alpha, background, untouched, 1);
-    AlphaBlendBytes(image, alpha, background, nullptr, 1);
-    EXPECT_EQ(untouched[0], 42);
-}
-
 TEST(PixelMath, MixFadeDifferenceAndColourMatch)
 {
     // Blue: (255 * 75 + 0 * 25) / 100 = 191; red: (0 * 75 + 255 * 25) / 100 = 63. The top byte is dropped.
@@ -107,18 +92,25 @@ TEST(PixelMath, MixFadeDifferenceAndColourMatch)
 
 TEST(PixelMath, PixelStoresAre32BitAndStayInsideTheBuffer)
 {
-    // A tight 2 x 1 buffer of 6 bytes: the second pixel's 32-bit store would need a seventh byte.
-    Image tight(2, 1, 6, 0xAA);
+    // A tight 2 x 1 view of 6 bytes, followed by a guard byte: the second pixel's 32-bit store would need a
+    // seventh byte, so it stores its three colour bytes and skips only the fourth.
+    Image tight(2, 1, 7, 0xAA);
     PixelView view = tight.View();
+    view.stride = 6;
+    view.size = 6;
     EXPECT_EQ(WritePixel(view, 0, 0, 0x00332211u), 1);
-    EXPECT_EQ(tight.bytes, (Bytes{0x11, 0x22, 0x33, 0x00, 0xAA, 0xAA}));
-    EXPECT_EQ(WritePixel(view, 1, 0, 0x00665544u), 0);
-    EXPECT_EQ(tight.bytes[4], 0xAA);
+    EXPECT_EQ(tight.bytes, (Bytes{0x11, 0x22, 0x33, 0x00, 0xAA, 0xAA, 0xAA}));
+    EXPECT_EQ(WritePixel(view, 1, 0, 0x00665544u), 1);
+    EXPECT_EQ(tight.bytes, (Bytes{0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0xAA}));
     EXPECT_EQ(WritePixel(view, -1, 0, 0), 0);
     EXPECT_EQ(WritePixel(view, 0, 1, 0), 0);
+    view.size = 5;  // the second pixel's colour no longer fits: nothing is written
+    EXPECT_EQ(WritePixel(view, 1, 0, 0x00998877u), 0);
+    EXPECT_EQ(tight.bytes[4], 0x55);
+    view.size = 6;
 
     EXPECT_EQ(ReadPixel(view, 0, 0), 0x00332211u);
-    EXPECT_EQ(ReadPixel(view, 1, 0), 0x00AAAA00u);  // b, g, r = 0x00, 0xAA, 0xAA
+    EXPECT_EQ(ReadPixel(view, 1, 0), 0x00665544u);
     EXPECT_EQ(ReadPixel(view, 2, 0), 0u);
     EXPECT_EQ(ReadPixel(view, 0, -1), 0u);
     view.size = 5;  // the first pixel still fits, the second no longer does
@@ -229,9 +221,12 @@ TEST(ResizeDither, HostileRectanglesStayInsideBothBuffers)
                             {0, 0, 5, 4, 6, -3},
                             {-3, -3, 40, 40, 100000, 100000}};
     for (const auto& c : cases) {
-        // A tight destination: the last pixel of each row has no room for its fourth byte and is dropped.
+        // A tight destination followed by a guard byte: the last pixel has no room for its fourth byte.
         Image dst(6, 5, 18, 0xEE);
-        dst.Resize(src, c[0], c[1], c[2], c[3], c[4], c[5], 1, 300, table.data());
+        dst.bytes.push_back(0xEE);
+        PixelView view = dst.View();
+        view.size = dst.bytes.size() - 1;
+        ResizeDitherPixels(src.View(), view, c[0], c[1], c[2], c[3], c[4], c[5], 1, 300, table.data());
         EXPECT_EQ(dst.bytes.back(), 0xEE);
     }
     // A source without pixels reads as black.
@@ -240,4 +235,100 @@ TEST(ResizeDither, HostileRectanglesStayInsideBothBuffers)
     PixelView view = dst.View();
     ResizeDitherPixels(none, view, 0, 0, 1, 1, 2, 2, 0, 0, nullptr);
     EXPECT_EQ(dst.Pixel(1, 1), (Bytes{0, 0, 0}));
+}
+
+namespace {
+
+// A random buffer of `n` bytes, with a fill pattern that reaches 0 and 255 often.
+Bytes RandomBytes(std::mt19937& random, size_t n)
+{
+    Bytes bytes(n);
+    for (auto& b : bytes) {
+        const unsigned r = random();
+        b = static_cast<uint8_t>(r % 5 == 0 ? (r & 8 ? 255 : 0) : r >> 8);
+    }
+    return bytes;
+}
+
+}  // namespace
+
+TEST(PixelMath, EveryBlendFormEqualsTheReference)
+{
+    // Lengths around the vector widths and unaligned starts: each form's tail and body must give the bytes of
+    // the byte-by-byte reference.
+    std::mt19937 random(7);
+    const std::vector<BlendForm> forms = BlendForms();
+    ASSERT_GE(forms.size(), 1u);
+    for (size_t length : {size_t(0), size_t(1), size_t(3), size_t(15), size_t(16), size_t(17), size_t(31),
+                          size_t(33), size_t(64), size_t(1000), size_t(4099)})
+        for (size_t offset : {size_t(0), size_t(1), size_t(7)}) {
+            const Bytes image = RandomBytes(random, length + offset);
+            const Bytes alpha = RandomBytes(random, length + offset);
+            const Bytes background = RandomBytes(random, length + offset);
+            Bytes expected(length + offset, 0x5A);
+            AlphaBlendBytesScalar(image.data() + offset, alpha.data() + offset, background.data() + offset,
+                                  expected.data() + offset, length);
+            for (const BlendForm& form : forms) {
+                Bytes result(length + offset, 0x5A);
+                form.blend(image.data() + offset, alpha.data() + offset, background.data() + offset,
+                           result.data() + offset, length);
+                EXPECT_EQ(result, expected) << form.name << " length " << length << " offset " << offset;
+            }
+            Bytes chosen(length + offset, 0x5A);
+            AlphaBlendBytes(image.data() + offset, alpha.data() + offset, background.data() + offset,
+                            chosen.data() + offset, length);
+            EXPECT_EQ(chosen, expected);
+        }
+    // A null pointer blends nothing.
+    uint8_t untouched[1] = {42};
+    const uint8_t one[1] = {200};
+    AlphaBlendBytes(nullptr, one, one, untouched, 1);
+    AlphaBlendBytes(one, one, one, nullptr, 1);
+    EXPECT_EQ(untouched[0], 42);
+    // Every image and alpha byte over six backgrounds, through each form, against the formula written out:
+    // (image * (255 - alpha) + background * alpha) >> 8, so that 255 comes out 254 for every alpha.
+    Bytes image, alpha, background;
+    for (int i = 0; i < 256; ++i)
+        for (int a = 0; a < 256; ++a)
+            for (int b : {0, 1, 127, 128, 254, 255}) {
+                image.push_back(static_cast<uint8_t>(i));
+                alpha.push_back(static_cast<uint8_t>(a));
+                background.push_back(static_cast<uint8_t>(b));
+            }
+    for (const BlendForm& form : forms) {
+        Bytes result(image.size());
+        form.blend(image.data(), alpha.data(), background.data(), result.data(), image.size());
+        for (size_t k = 0; k < result.size(); ++k)
+            ASSERT_EQ(result[k], (image[k] * (255u - alpha[k]) + background[k] * alpha[k]) >> 8)
+                << form.name << " at " << k;
+    }
+}
+
+TEST(ResizeDither, FastFormEqualsTheReferenceOnRandomPictures)
+{
+    // Random sizes (1 pixel, odd widths, strides with and without padding), rectangles inside and past the
+    // edges, up- and down-scaling, with and without noise.
+    std::mt19937 random(11);
+    const Bytes table = RandomTable(5);
+    for (int round = 0; round < 300; ++round) {
+        const int sw = 1 + static_cast<int>(random() % 23), sh = 1 + static_cast<int>(random() % 17);
+        Image src(sw, sh, sw * 3 + static_cast<int>(random() % 5));
+        src.bytes = RandomBytes(random, src.bytes.size());
+        const int dw = 1 + static_cast<int>(random() % 31), dh = 1 + static_cast<int>(random() % 19);
+        // Destinations a little larger or smaller than the scale's size, with tight or padded rows.
+        const int vw = dw + static_cast<int>(random() % 5) - 2, vh = dh + static_cast<int>(random() % 5) - 2;
+        const int stride = (vw > 0 ? vw : 1) * 3 + static_cast<int>(random() % 5);
+        const int sx = static_cast<int>(random() % (sw + 2)) - 1, sy = static_cast<int>(random() % (sh + 2)) - 1;
+        const int rw = static_cast<int>(random() % (sw + 3)), rh = static_cast<int>(random() % (sh + 3));
+        const int divisor = random() % 3 == 0 ? 0 : static_cast<int>(random() % 9) - 2;
+        const int noise = static_cast<int>(random() % 600) - 100;
+        Image fast(vw > 0 ? vw : 0, vh > 0 ? vh : 0, stride, 0x33);
+        Image reference = fast;
+        PixelView fastView = fast.View(), referenceView = reference.View();
+        ResizeDitherPixels(src.View(), fastView, sx, sy, rw, rh, dw, dh, divisor, noise, table.data());
+        ResizeDitherPixelsReference(src.View(), referenceView, sx, sy, rw, rh, dw, dh, divisor, noise, table.data());
+        ASSERT_EQ(fast.bytes, reference.bytes) << "round " << round << ": " << sw << "x" << sh << " (" << sx << ", "
+                                               << sy << ", " << rw << ", " << rh << ") to " << dw << "x" << dh
+                                               << " in " << vw << "x" << vh << ", divisor " << divisor;
+    }
 }

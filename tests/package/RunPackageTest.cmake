@@ -9,7 +9,8 @@ function(run)
 endfunction()
 run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${WORK_DIR}/prefix)
 run(${CMAKE_COMMAND} -S ${SOURCE_DIR} -B ${WORK_DIR}/build -G Ninja -DCMAKE_BUILD_TYPE=Release
-    -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -Dzcmod_DIR=${WORK_DIR}/prefix/lib/cmake/zcmod)
+    -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -Dzcmod_DIR=${WORK_DIR}/prefix/lib/cmake/zcmod
+    -DZCMOD_README=${SOURCE_DIR}/../../README.md)
 run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
 run(${EMULATOR} ${WORK_DIR}/build/consumer.exe)
 message(STATUS "${last_output}")

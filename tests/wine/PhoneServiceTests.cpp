@@ -7,6 +7,8 @@
 #include <atomic>
 #include <mutex>
 #include <set>
+#include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -108,6 +110,77 @@ TEST_F(Service, DeviceListAndItsNotificationsFromTheController)
     Sleep(300);
     EXPECT_EQ(viaInterface.WaitFor(0).size(), 4u);
     EXPECT_EQ(viaCallback.WaitFor(0).size(), 4u);
+    EXPECT_EQ(LNKACloseDM(dm), S_OK);
+}
+
+// The second application of the test below, run by it as a process of its own: it loads the service, says
+// that it listens, and prints the device notifications it hears, until it has heard `count` of them or ten
+// seconds have passed. Skipped unless run so.
+TEST(ServiceSecondApplication, DISABLED_PrintsWhatItHears)
+{
+    wchar_t count[16] = {};
+    if (!GetEnvironmentVariableW(L"ZCMOD_TEST_SECOND_APPLICATION", count, 16))
+        GTEST_SKIP() << "run by Service.TwoApplicationsHearTheSameNotifications";
+    ASSERT_EQ(DMAPI_Initialize(kDmapiVersion, 0), S_OK);
+    HLNKADM dm = nullptr;
+    ASSERT_EQ(LNKAOpenDM(&dm), S_OK);
+    DeviceRecorder recorder;
+    ASSERT_EQ(LNKARegisterDMNotifyIF(dm, API_REGISTER, &recorder), S_OK);
+    HANDLE ready = OpenEventW(EVENT_MODIFY_STATE, FALSE, L"zcmod-test-second-application");
+    ASSERT_TRUE(ready);
+    SetEvent(ready);
+    CloseHandle(ready);
+    WaitUntil([&] { return recorder.WaitFor(0).size() >= static_cast<size_t>(_wtoi(count)); }, 10000);
+    for (const auto& e : recorder.WaitFor(0))
+        printf("heard %lu %ls\n", static_cast<unsigned long>(e.first), e.second.c_str());
+    fflush(stdout);
+    LNKARegisterDMNotifyIF(dm, API_UNREGISTER, &recorder);
+    LNKACloseDM(dm);
+    TerminateAllInterfaces();
+}
+
+TEST_F(Service, TwoApplicationsHearTheSameNotifications)
+{
+    // Two processes load the library's loaders and the service; the controller's changes reach both.
+    const std::wstring anna = phones.New(L"anna", L"--detached");
+    ASSERT_FALSE(anna.empty());
+    HANDLE ready = CreateEventW(nullptr, TRUE, FALSE, L"zcmod-test-second-application");
+    ASSERT_TRUE(ready);
+    SetEnvironmentVariableW(L"ZCMOD_TEST_SECOND_APPLICATION", L"2");
+    wchar_t self[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, self, MAX_PATH);
+    ProcessResult second;
+    std::thread other([&] {
+        second = RunProcess(self,
+                            L"--gtest_filter=ServiceSecondApplication.DISABLED_PrintsWhatItHears "
+                            L"--gtest_also_run_disabled_tests",
+                            BinDir());
+    });
+    const bool listening = WaitForSingleObject(ready, 20000) == WAIT_OBJECT_0;
+    SetEnvironmentVariableW(L"ZCMOD_TEST_SECOND_APPLICATION", nullptr);
+    CloseHandle(ready);
+
+    ASSERT_EQ(DMAPI_Initialize(kDmapiVersion, 0), S_OK);
+    HLNKADM dm = nullptr;
+    ASSERT_EQ(LNKAOpenDM(&dm), S_OK);
+    DeviceRecorder recorder;
+    ASSERT_EQ(LNKARegisterDMNotifyIF(dm, API_REGISTER, &recorder), S_OK);
+    if (listening) {
+        ASSERT_EQ(phones.Ctl(L"attach anna").exitCode, 0u);
+        ASSERT_EQ(phones.Ctl(L"detach anna").exitCode, 0u);
+    }
+    const Events expected = {{DEVICE_ADDED, anna}, {DEVICE_REMOVED, anna}};
+    const Events heard = recorder.WaitFor(2);
+    other.join();
+    ASSERT_TRUE(listening) << "the second application did not start listening: " << second.output;
+    EXPECT_EQ(heard, expected);
+    const std::string lines = "heard " + std::to_string(DEVICE_ADDED) + " " + std::string(anna.begin(), anna.end()) +
+                              "\nheard " + std::to_string(DEVICE_REMOVED) + " " +
+                              std::string(anna.begin(), anna.end()) + "\n";
+    second.output.erase(std::remove(second.output.begin(), second.output.end(), '\r'), second.output.end());
+    EXPECT_NE(second.output.find(lines), std::string::npos) << second.output;
+    EXPECT_EQ(second.exitCode, 0u);
+    LNKARegisterDMNotifyIF(dm, API_UNREGISTER, &recorder);
     EXPECT_EQ(LNKACloseDM(dm), S_OK);
 }
 

@@ -8,6 +8,7 @@
 
 #include <string>
 
+#include "MessageSequence.h"
 #include "TestSkins.h"
 #include "zcmod/VuikTooltip.h"
 
@@ -106,6 +107,40 @@ TEST(Tooltip, OneSharedWindowPerTopLevelWithItsCount)
     EXPECT_TRUE(IsWindow(Manager(one.top)));
     EXPECT_NE(Manager(one.top), manager);
     EXPECT_EQ(Count(one.top), 1);
+}
+
+TEST(Tooltip, ARealHoverShowsTheTipWithItsText)
+{
+    // The mouse moved over a control by SendInput: the tip control's timer shows the shared window with the
+    // control's text, and moving away hides it. Each wait has a watchdog that fails rather than hangs.
+    LibraryState lib;
+    Controls one(100);
+    one.a.SetTooltip(L"first");
+    one.b.SetTooltip(L"second");
+    const HWND manager = Manager(one.top);
+    ASSERT_TRUE(manager);
+    SetForegroundWindow(one.top);
+    auto waitFor = [&](bool visible) {
+        const DWORD end = GetTickCount() + 5000;
+        MSG msg;
+        while (IsWindowVisible(manager) != visible && GetTickCount() < end) {
+            while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
+                DispatchMessageW(&msg);
+            Sleep(10);
+        }
+        return IsWindowVisible(manager) == visible;
+    };
+    msgseq::input::MoveTo(POINT{30, 30});
+    ASSERT_TRUE(waitFor(false));
+    RECT r;
+    GetWindowRect(one.b.m_hWnd, &r);
+    msgseq::input::MoveTo(POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2});
+    ASSERT_TRUE(waitFor(true)) << "no tip within 5 seconds of the hover";
+    wchar_t text[64] = {};
+    GetWindowTextW(manager, text, 64);
+    EXPECT_STREQ(text, L"second");
+    msgseq::input::MoveTo(POINT{30, 30});
+    EXPECT_TRUE(waitFor(false)) << "the tip stays after the mouse left";
 }
 
 // The show fits the size to unwrapped text and flips above the cursor near the bottom; the custom draw paints

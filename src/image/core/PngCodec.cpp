@@ -57,7 +57,8 @@ bool HeaderAsksTooMuch(const uint8_t* head, size_t headSize, uint64_t total)
 }
 
 // Converts the rows that the library read, by bytes per pixel; see PngImage. Pixels and plane are sized here.
-void ConvertRows(png_bytepp rows, png_colorp palette, int paletteCount, bool hasPalette, PngImage& image)
+// `bgr`: libpng already turned the colour samples of an RGB or RGBA image to blue, green, red order.
+void ConvertRows(png_bytepp rows, png_colorp palette, int paletteCount, bool hasPalette, bool bgr, PngImage& image)
 {
     const size_t w = static_cast<size_t>(image.width);
     const size_t h = static_cast<size_t>(image.height);
@@ -67,42 +68,56 @@ void ConvertRows(png_bytepp rows, png_colorp palette, int paletteCount, bool has
         image.plane.assign(w * h * 3, 0);
     else
         image.plane.clear();
+    // One loop per layout, so that the choice is made once a row and not once a pixel.
     for (size_t y = 0; y < h; ++y) {
-        const uint8_t* row = rows[y];
+        const uint8_t* p = rows[y];
         uint8_t* out = image.pixels.data() + y * w * 3;
-        for (size_t x = 0; x < w; ++x, out += 3) {
-            const uint8_t* p = row + x * static_cast<size_t>(b);
-            switch (b) {
-                case 1:
-                case 2:
-                    if (hasPalette) {
-                        // An index past the palette's entries gives black.
-                        if (p[0] < paletteCount && palette) {
-                            out[0] = palette[p[0]].blue;
-                            out[1] = palette[p[0]].green;
-                            out[2] = palette[p[0]].red;
-                        } else {
-                            out[0] = out[1] = out[2] = 0;
-                        }
-                    } else {
+        switch (b) {
+            case 1:
+            case 2:
+                for (size_t x = 0; x < w; ++x, out += 3, p += b) {
+                    if (!hasPalette) {
                         out[0] = out[1] = out[2] = p[0];  // the grey, or the high byte of 16-bit grey
+                    } else if (p[0] < paletteCount && palette) {
+                        out[0] = palette[p[0]].blue;
+                        out[1] = palette[p[0]].green;
+                        out[2] = palette[p[0]].red;
+                    } else {
+                        out[0] = out[1] = out[2] = 0;  // an index past the palette's entries gives black
                     }
+                }
+                break;
+            case 3:
+                if (bgr) {
+                    memcpy(out, p, w * 3);
                     break;
-                case 3:
-                case 4:
+                }
+                for (size_t x = 0; x < w; ++x, out += 3, p += 3) {
                     out[0] = p[2];
                     out[1] = p[1];
                     out[2] = p[0];
-                    if (b == 4) {
-                        uint8_t* t = image.plane.data() + (y * w + x) * 3;
-                        t[0] = t[1] = t[2] = static_cast<uint8_t>(255 - p[3]);
-                    }
-                    break;
-                default:  // 6 and 8: the high bytes of 16-bit samples; alpha is dropped
-                    out[0] = p[4];
+                }
+                break;
+            case 4: {
+                // RGBA (turned to BGRA) or, not turned, 16-bit grey with alpha taken byte by byte alike.
+                const int blue = bgr ? 0 : 2, red = bgr ? 2 : 0;
+                uint8_t* t = image.plane.data() + y * w * 3;
+                for (size_t x = 0; x < w; ++x, out += 3, t += 3, p += 4) {
+                    out[0] = p[blue];
+                    out[1] = p[1];
+                    out[2] = p[red];
+                    t[0] = t[1] = t[2] = static_cast<uint8_t>(255 - p[3]);
+                }
+                break;
+            }
+            default: {  // 6 and 8: the high bytes of 16-bit samples; alpha is dropped
+                const int blue = bgr ? 0 : 4, red = bgr ? 4 : 0;
+                for (size_t x = 0; x < w; ++x, out += 3, p += b) {
+                    out[0] = p[blue];
                     out[1] = p[2];
-                    out[2] = p[0];
-                    break;
+                    out[2] = p[red];
+                }
+                break;
             }
         }
     }
@@ -116,7 +131,11 @@ PngStatus ReadPng(png_structp png, png_infop info, PngImage& image)
         return PngStatus::LibraryFailed;
     png_set_sig_bytes(png, 8);
     png_set_user_limits(png, kMaxDimension, kMaxDimension);
-    png_read_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
+    // libpng turns RGB and RGBA samples to blue, green, red order while it reads the rows, which spares the
+    // conversion a pass; it leaves grey and palette images alone.
+    png_read_png(png, info, PNG_TRANSFORM_BGR, nullptr);
+    const int colourType = png_get_color_type(png, info);
+    const bool bgr = colourType == PNG_COLOR_TYPE_RGB || colourType == PNG_COLOR_TYPE_RGB_ALPHA;
 
     png_bytepp rows = png_get_rows(png, info);
     const png_uint_32 width = png_get_image_width(png, info);
@@ -140,7 +159,7 @@ PngStatus ReadPng(png_structp png, png_infop info, PngImage& image)
         hasPalette = true;
         png_get_PLTE(png, info, &palette, &paletteCount);
     }
-    ConvertRows(rows, palette, paletteCount, hasPalette, image);
+    ConvertRows(rows, palette, paletteCount, hasPalette, bgr, image);
     return PngStatus::Ok;
 }
 

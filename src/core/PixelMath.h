@@ -4,13 +4,26 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace zcmod {
 
 // result = (image * (255 - alpha) + background * alpha) >> 8 for each byte, in unsigned 32-bit arithmetic.
-// The shift divides by 256, so a byte of 255 comes out 254 for every alpha.
+// The shift divides by 256, so a byte of 255 comes out 254 for every alpha. Runs the fastest form this
+// processor has; a null pointer blends nothing.
 void AlphaBlendBytes(const uint8_t* image, const uint8_t* alpha, const uint8_t* background, uint8_t* result,
                      size_t count);
+// The same blend byte by byte: the reference that every vector form must equal.
+void AlphaBlendBytesScalar(const uint8_t* image, const uint8_t* alpha, const uint8_t* background, uint8_t* result,
+                           size_t count);
+// Every form of the blend that runs on this processor, the reference first, so that tests and the fuzzer can
+// hold each against it.
+struct BlendForm {
+    const char* name;
+    void (*blend)(const uint8_t* image, const uint8_t* alpha, const uint8_t* background, uint8_t* result,
+                  size_t count);
+};
+std::vector<BlendForm> BlendForms();
 
 // Each of three bytes (b * (100 - percent) + a * percent) / 100; top byte zero.
 uint32_t MixColors(uint32_t a, uint32_t b, int percent);
@@ -34,7 +47,8 @@ struct PixelView {
 // blue | green << 8 | red << 16 at (x, y); 0 outside the view or the buffer.
 uint32_t ReadPixel(const PixelView& view, int x, int y);
 // Stores the colour as a 32-bit value (top byte zero) at stride * y + 3 * x when (x, y) is inside the view
-// and the four bytes lie in the buffer; returns 1, else 0.
+// and its three bytes lie in the buffer, and returns 1; the fourth byte is written only where it lies in the
+// buffer too. Else 0, and nothing is written.
 int WritePixel(PixelView& view, int x, int y, uint32_t color);
 
 // The noise of the dithering resize: 131,072 bytes, each random() / 128.
@@ -48,5 +62,9 @@ void FillNoiseTable(uint8_t* table, int (*random)());
 // the edge pixel; writes outside the destination are dropped. A null noise table turns the fade off.
 void ResizeDitherPixels(const PixelView& source, PixelView& destination, int srcX, int srcY, int srcW, int srcH,
                         int dstW, int dstH, int edgeDivisor, int noiseBase, const uint8_t* noiseTable);
+// The same, pixel by pixel as the rule reads: the reference the fast form must equal byte for byte.
+void ResizeDitherPixelsReference(const PixelView& source, PixelView& destination, int srcX, int srcY, int srcW,
+                                 int srcH, int dstW, int dstH, int edgeDivisor, int noiseBase,
+                                 const uint8_t* noiseTable);
 
 }  // namespace zcmod

@@ -1,0 +1,601 @@
+#include "core/PixelMath.h"
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#if defined(__x86_64__) || defined(_M_X64)
+#define ZCMOD_PIXEL_SSE2 1
+#include <emmintrin.h>
+#else
+#define ZCMOD_PIXEL_SSE2 0
+#endif
+
+namespace zcmod {
+
+namespace {
+
+constexpr uint32_t kNoiseIndexWrap = 131072;  // the index runs over even entries 0 to 131,070
+
+// Float to int the way the x86 conversion instruction does it: truncation toward zero, and the "integer
+// indefinite" value INT32_MIN for NaN and for values outside the int range. The result is then the same in
+// every build, and a hostile rectangle or factor never reaches an undefined conversion.
+int32_t TruncToInt(float v)
+{
+    if (!(v >= -2147483648.0f && v < 2147483648.0f))
+        return INT32_MIN;
+    return static_cast<int32_t>(v);
+}
+
+// Arithmetic shift right by 8 (rounds toward minus infinity), written out so that it does not depend on how
+// the compiler shifts negative values.
+int64_t ShiftRight8(int64_t v)
+{
+    return v >= 0 ? v >> 8 : -((-v + 255) >> 8);
+}
+
+// One byte faded: min(255, (c * factor) >> 8), of which the low 8 bits are kept.
+uint8_t FadeByte(uint8_t c, int32_t factor)
+{
+    int64_t v = ShiftRight8(static_cast<int64_t>(c) * factor);
+    if (v > 255)
+        v = 255;
+    return static_cast<uint8_t>(static_cast<uint64_t>(v) & 0xFFu);
+}
+
+// (a * wa + b * wb) / 100 with truncating division, cut to 8 bits.
+uint8_t MixByte(uint8_t a, int64_t wa, uint8_t b, int64_t wb)
+{
+    const int64_t v = (static_cast<int64_t>(a) * wa + static_cast<int64_t>(b) * wb) / 100;
+    return static_cast<uint8_t>(static_cast<uint64_t>(v) & 0xFFu);
+}
+
+struct Bgr {
+    uint8_t c[3];  // blue, green, red
+};
+
+// Truncating mean of the three absolute byte differences.
+int MeanDifference(const Bgr& a, const Bgr& b)
+{
+    int sum = 0;
+    for (int k = 0; k < 3; ++k)
+        sum += a.c[k] > b.c[k] ? a.c[k] - b.c[k] : b.c[k] - a.c[k];
+    return sum / 3;
+}
+
+int Clamp(int64_t v, int hi)
+{
+    if (v < 0)
+        return 0;
+    return v > hi ? hi : static_cast<int>(v);
+}
+
+// The source pixel at (x, y), with the coordinates clamped into the image so that an edge pixel stands for
+// the ones past it. A view without pixels reads as black.
+Bgr SourcePixel(const PixelView& view, int64_t x, int64_t y)
+{
+    Bgr p{{0, 0, 0}};
+    if (view.width < 1 || view.height < 1)
+        return p;
+    const uint32_t v = ReadPixel(view, Clamp(x, view.width - 1), Clamp(y, view.height - 1));
+    p.c[0] = static_cast<uint8_t>(v);
+    p.c[1] = static_cast<uint8_t>(v >> 8);
+    p.c[2] = static_cast<uint8_t>(v >> 16);
+    return p;
+}
+
+// sin(fraction * 3.14159), taken in double and kept as a float: the wave that weights the noise of a fade.
+float Wave(float fraction)
+{
+    return static_cast<float>(std::sin(static_cast<double>(fraction) * 3.14159));
+}
+
+// The fade factor of one direction: trunc(255 - (d / edgeDivisor) * wave * (noiseBase - noise)), multiplied
+// left to right in single precision. Each product is a statement of its own so that no compiler fuses a
+// multiply and an add.
+int32_t EdgeFactor(int d, int edgeDivisor, float wave, int noiseBase, uint8_t noise)
+{
+    const float ratio = static_cast<float>(d) / static_cast<float>(edgeDivisor);
+    const float noiseSpan = static_cast<float>(static_cast<int64_t>(noiseBase) - noise);
+    float product = ratio * wave;
+    product = product * noiseSpan;
+    const float factor = 255.0f - product;
+    return TruncToInt(factor);
+}
+
+// What one output column takes from the source: every row steps through the same x positions.
+struct Column {
+    int32_t ix;
+    int32_t wx;
+    float wave;
+};
+
+}  // namespace
+
+uint32_t MixColors(uint32_t a, uint32_t b, int percent)
+{
+    uint32_t out = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const uint8_t ca = static_cast<uint8_t>(a >> shift);
+        const uint8_t cb = static_cast<uint8_t>(b >> shift);
+        out |= static_cast<uint32_t>(MixByte(cb, 100 - static_cast<int64_t>(percent), ca, percent)) << shift;
+    }
+    return out;
+}
+
+uint32_t FadeColor(uint32_t color, int factor)
+{
+    uint32_t out = 0;
+    for (int shift = 0; shift < 24; shift += 8)
+        out |= static_cast<uint32_t>(FadeByte(static_cast<uint8_t>(color >> shift), factor)) << shift;
+    return out;
+}
+
+int GetColorDifRatio(uint32_t a, uint32_t b)
+{
+    int sum = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const int ca = static_cast<int>((a >> shift) & 0xFFu);
+        const int cb = static_cast<int>((b >> shift) & 0xFFu);
+        sum += ca > cb ? ca - cb : cb - ca;
+    }
+    return sum / 3;
+}
+
+int TestColorMatch(uint32_t pixel, uint32_t color, uint32_t tolerance)
+{
+    if (tolerance == 0)
+        return pixel == color ? 1 : 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        int32_t d = static_cast<int32_t>((pixel >> shift) & 0xFFu) - static_cast<int32_t>((color >> shift) & 0xFFu);
+        if (d & (1 << 27))  // set exactly for a negative difference: the complement is |d| - 1
+            d = ~d;
+        if (d > static_cast<int32_t>((tolerance >> shift) & 0xFFu))
+            return 0;
+    }
+    return 1;
+}
+
+namespace {
+
+// Offset of the pixel (x, y) in the view's buffer when `bytes` bytes from there lie inside it, else -1.
+int64_t PixelOffset(const PixelView& view, int x, int y, int64_t bytes)
+{
+    if (!view.buffer || x < 0 || y < 0 || x >= view.width || y >= view.height)
+        return -1;
+    const int64_t offset = static_cast<int64_t>(view.stride) * y + 3 * static_cast<int64_t>(x);
+    if (offset < 0 || static_cast<uint64_t>(offset) + static_cast<uint64_t>(bytes) > view.size)
+        return -1;
+    return offset;
+}
+
+}  // namespace
+
+uint32_t ReadPixel(const PixelView& view, int x, int y)
+{
+    const int64_t offset = PixelOffset(view, x, y, 3);
+    if (offset < 0)
+        return 0;
+    const uint8_t* p = view.buffer + offset;
+    return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 | static_cast<uint32_t>(p[2]) << 16;
+}
+
+int WritePixel(PixelView& view, int x, int y, uint32_t color)
+{
+    const int64_t offset = PixelOffset(view, x, y, 3);
+    if (offset < 0)
+        return 0;
+    // A 32-bit little-endian store: the fourth byte, zero, is overwritten by the next pixel of the row. The last
+    // pixel of a buffer whose rows have no padding has no fourth byte inside it: that byte alone is skipped.
+    uint8_t* p = view.buffer + offset;
+    p[0] = static_cast<uint8_t>(color);
+    p[1] = static_cast<uint8_t>(color >> 8);
+    p[2] = static_cast<uint8_t>(color >> 16);
+    if (static_cast<uint64_t>(offset) + 4 <= view.size)
+        p[3] = 0;
+    return 1;
+}
+
+void FillNoiseTable(uint8_t* table, int (*random)())
+{
+    if (!table || !random)
+        return;
+    for (size_t i = 0; i < kNoiseTableSize; ++i)
+        table[i] = static_cast<uint8_t>(random() / 128);
+}
+
+void ResizeDitherPixelsReference(const PixelView& source, PixelView& destination, int srcX, int srcY, int srcW,
+                                 int srcH, int dstW, int dstH, int edgeDivisor, int noiseBase,
+                                 const uint8_t* noiseTable)
+{
+    // Without a table there is no noise to fade by: the scale is then a plain bilinear one.
+    const bool dither = edgeDivisor != 0 && noiseBase != 0 && noiseTable != nullptr;
+
+    if (destination.width > 0 && destination.height > 0)
+        WritePixel(destination, 0, 0, 0);
+    if (dstW < 1 || dstH < 1)
+        return;
+
+    const float stepX = static_cast<float>(srcW) / static_cast<float>(dstW);
+    const float stepY = static_cast<float>(srcH) / static_cast<float>(dstH);
+    uint32_t n = 0;
+
+    // Columns past the destination's width are dropped, so only the ones inside it are worked out, once.
+    const int columns = dstW < destination.width ? dstW : destination.width;
+    std::vector<Column> table(static_cast<size_t>(columns > 0 ? columns : 0));
+    float fx = static_cast<float>(srcX);
+    for (Column& column : table) {
+        column.ix = TruncToInt(fx);
+        const float fracX = fx - static_cast<float>(column.ix);
+        column.wx = TruncToInt((1.0f - fracX) * 100.0f);
+        column.wave = dither ? Wave(fracX) : 0.0f;
+        fx += stepX;
+    }
+
+    float fy = static_cast<float>(srcY);
+    for (int y = 0; y < dstH; ++y) {
+        // Rows below the destination would all be dropped, and nothing they compute is carried on.
+        if (y >= destination.height)
+            break;
+        const int32_t iy = TruncToInt(fy);
+        const float fracY = fy - static_cast<float>(iy);
+        const int32_t wy = TruncToInt((1.0f - fracY) * 100.0f);
+        const float waveY = dither ? Wave(fracY) : 0.0f;
+
+        for (int x = 0; x < dstW; ++x) {
+            if (x >= columns) {
+                // The rest of the row is dropped; only the noise index moves on, 2 per pixel, as it would.
+                if (dither)
+                    n = static_cast<uint32_t>((n + 2ull * static_cast<uint64_t>(dstW - x)) % kNoiseIndexWrap);
+                break;
+            }
+            const int32_t ix = table[x].ix;
+            const int32_t wx = table[x].wx;
+
+            const Bgr p00 = SourcePixel(source, ix, iy);
+            const Bgr p10 = SourcePixel(source, static_cast<int64_t>(ix) + 1, iy);
+            const Bgr p01 = SourcePixel(source, ix, static_cast<int64_t>(iy) + 1);
+            const Bgr p11 = SourcePixel(source, static_cast<int64_t>(ix) + 1, static_cast<int64_t>(iy) + 1);
+
+            const int64_t wx64 = wx;
+            const int64_t wy64 = wy;
+            Bgr top;
+            Bgr bottom;
+            Bgr colour;
+            for (int k = 0; k < 3; ++k) {
+                top.c[k] = MixByte(p00.c[k], wx64, p10.c[k], 100 - wx64);
+                bottom.c[k] = MixByte(p01.c[k], wx64, p11.c[k], 100 - wx64);
+                colour.c[k] = MixByte(top.c[k], wy64, bottom.c[k], 100 - wy64);
+            }
+
+            if (dither) {
+                const int d1 = MeanDifference(top, bottom);
+                const int32_t f1 = EdgeFactor(d1, edgeDivisor, waveY, noiseBase, noiseTable[n]);
+                for (int k = 0; k < 3; ++k)
+                    colour.c[k] = FadeByte(colour.c[k], f1);
+
+                Bgr left;
+                Bgr right;
+                for (int k = 0; k < 3; ++k) {
+                    left.c[k] = MixByte(p01.c[k], 100 - wy64, p00.c[k], wy64);
+                    right.c[k] = MixByte(p11.c[k], 100 - wy64, p10.c[k], wy64);
+                }
+                const int d2 = MeanDifference(left, right);
+                const int32_t f2 = EdgeFactor(d2, edgeDivisor, table[x].wave, noiseBase, noiseTable[n + 1]);
+                for (int k = 0; k < 3; ++k)
+                    colour.c[k] = FadeByte(colour.c[k], f2);
+
+                n += 2;
+                if (n > kNoiseIndexWrap - 1)
+                    n = 0;
+            }
+
+            const uint32_t value = static_cast<uint32_t>(colour.c[0]) | static_cast<uint32_t>(colour.c[1]) << 8 |
+                                   static_cast<uint32_t>(colour.c[2]) << 16;
+            WritePixel(destination, x, y, value);
+        }
+        fy += stepY;
+    }
+}
+
+}  // namespace zcmod
+
+namespace zcmod {
+
+namespace {
+
+// Floor of v / 256 for any sign, the arithmetic shift written so that it doesn't depend on the compiler.
+inline int64_t FloorShift8(int64_t v)
+{
+    return v >= 0 ? v >> 8 : ~(~v >> 8);
+}
+
+inline uint8_t Fade(uint32_t c, int32_t factor)
+{
+    int64_t v = FloorShift8(static_cast<int64_t>(c) * factor);
+    if (v > 255)
+        v = 255;
+    return static_cast<uint8_t>(static_cast<uint64_t>(v) & 0xFFu);
+}
+
+inline uint32_t Mean3(uint32_t a0, uint32_t a1, uint32_t a2, uint32_t b0, uint32_t b1, uint32_t b2)
+{
+    const uint32_t d0 = a0 > b0 ? a0 - b0 : b0 - a0;
+    const uint32_t d1 = a1 > b1 ? a1 - b1 : b1 - a1;
+    const uint32_t d2 = a2 > b2 ? a2 - b2 : b2 - a2;
+    return (d0 + d1 + d2) / 3;
+}
+
+// Whether `rows` rows of `columns` pixels of the view lie in its buffer.
+bool Holds(const PixelView& view, int64_t columns, int64_t rows)
+{
+    return view.buffer && view.width > 0 && view.height > 0 && view.stride >= 3 * static_cast<int64_t>(view.width) &&
+           static_cast<int64_t>(view.stride) * (rows - 1) + 3 * columns <= static_cast<int64_t>(view.size);
+}
+
+struct FastColumn {
+    uint32_t left;   // byte offset of the sample column ix, clamped into the image
+    uint32_t right;  // and of ix + 1
+    uint32_t wx;
+    float wave;
+};
+
+#if ZCMOD_PIXEL_SSE2
+
+// v / 100 in each 16-bit lane, exact for every v up to 25,500 (255 * 100), the largest mix of two weights.
+inline __m128i Div100(__m128i v)
+{
+    return _mm_srli_epi16(_mm_mulhi_epu16(v, _mm_set1_epi16(static_cast<short>(41944))), 6);
+}
+
+// The three bytes of the pixels at `a` and `b` in 16-bit lanes 0 to 2 and 4 to 6; lanes 3 and 7 are 0. Reads
+// four bytes at each.
+inline __m128i LoadPair(const uint8_t* a, const uint8_t* b)
+{
+    int32_t va, vb;
+    memcpy(&va, a, 4);
+    memcpy(&vb, b, 4);
+    const __m128i both = _mm_and_si128(_mm_unpacklo_epi32(_mm_cvtsi32_si128(va), _mm_cvtsi32_si128(vb)),
+                                       _mm_set1_epi32(0x00FFFFFF));
+    return _mm_unpacklo_epi8(both, _mm_setzero_si128());
+}
+
+// The fade of the bytes in lanes 0 to 2 by `factor`, which must lie in -32,768 to 32,767: min(255, (c * factor)
+// >> 8), of which the low 8 bits are kept. The products fit 32 bits and the shifted ones 16.
+inline __m128i FadeLanes(__m128i c, int32_t factor)
+{
+    const __m128i f = _mm_set1_epi16(static_cast<short>(factor));
+    const __m128i products = _mm_unpacklo_epi16(_mm_mullo_epi16(c, f), _mm_mulhi_epi16(c, f));
+    const __m128i shifted = _mm_packs_epi32(_mm_srai_epi32(products, 8), _mm_setzero_si128());
+    return _mm_and_si128(_mm_min_epi16(shifted, _mm_set1_epi16(255)), _mm_set1_epi16(0xFF));
+}
+
+// Whether a fade factor, before its truncation, truncates to -32,768 to 32,767 (false for NaN).
+inline bool FitsLanes(float factor)
+{
+    return factor > -32769.0f && factor < 32768.0f;
+}
+
+// The truncated mean of the differences between lanes 0 to 2 and lanes 4 to 6, all of them bytes, lanes 3 and
+// 7 zero: packed to bytes, the first four against the next four in one sum of absolute differences.
+inline uint32_t MeanOfHalves(__m128i v)
+{
+    const __m128i bytes = _mm_packus_epi16(v, _mm_setzero_si128());
+    const __m128i first = _mm_cvtsi32_si128(_mm_cvtsi128_si32(bytes));
+    const __m128i second = _mm_srli_si128(bytes, 4);
+    return static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_sad_epu8(first, second))) / 3;
+}
+
+// Lanes 0 to 2 plus lanes 4 to 6, divided by 100.
+inline __m128i MixHalves(__m128i v)
+{
+    return Div100(_mm_add_epi16(v, _mm_srli_si128(v, 8)));
+}
+
+#endif
+
+}  // namespace
+
+void ResizeDitherPixels(const PixelView& source, PixelView& destination, int srcX, int srcY, int srcW, int srcH,
+                        int dstW, int dstH, int edgeDivisor, int noiseBase, const uint8_t* noiseTable)
+{
+    // The same arithmetic as the reference, arranged for speed: sample offsets and weights per column and per
+    // row, edge ratios from a table of the 256 possible differences, and no 64-bit mixes where the weights are
+    // hundredths. Anything unusual (weights outside 0 to 100, which only hostile rectangles give, or views whose
+    // buffers are smaller than their geometry) goes to the reference.
+    auto reference = [&] {
+        ResizeDitherPixelsReference(source, destination, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor, noiseBase,
+                                    noiseTable);
+    };
+    const bool dither = edgeDivisor != 0 && noiseBase != 0 && noiseTable != nullptr;
+    if (dstW < 1 || dstH < 1 || !Holds(source, source.width, source.height)) {
+        reference();
+        return;
+    }
+    const int columns = dstW < destination.width ? dstW : destination.width;
+    const int rows = dstH < destination.height ? dstH : destination.height;
+    if (columns < 1 || rows < 1 || !Holds(destination, columns, rows)) {
+        reference();
+        return;
+    }
+
+    const float stepX = static_cast<float>(srcW) / static_cast<float>(dstW);
+    const float stepY = static_cast<float>(srcH) / static_cast<float>(dstH);
+    std::vector<FastColumn> table(static_cast<size_t>(columns));
+    float fx = static_cast<float>(srcX);
+    for (FastColumn& column : table) {
+        const int32_t ix = TruncToInt(fx);
+        const float fracX = fx - static_cast<float>(ix);
+        const int32_t wx = TruncToInt((1.0f - fracX) * 100.0f);
+        if (wx < 0 || wx > 100) {
+            reference();
+            return;
+        }
+        column.left = static_cast<uint32_t>(3 * Clamp(ix, source.width - 1));
+        column.right = static_cast<uint32_t>(3 * Clamp(static_cast<int64_t>(ix) + 1, source.width - 1));
+        column.wx = static_cast<uint32_t>(wx);
+        column.wave = dither ? Wave(fracX) : 0.0f;
+        fx += stepX;
+    }
+    struct FastRow {
+        const uint8_t* top;
+        const uint8_t* bottom;
+        uint32_t wy;
+        float wave;
+    };
+    std::vector<FastRow> rowTable(static_cast<size_t>(rows));
+    float fy = static_cast<float>(srcY);
+    for (FastRow& row : rowTable) {
+        const int32_t iy = TruncToInt(fy);
+        const float fracY = fy - static_cast<float>(iy);
+        const int32_t wy = TruncToInt((1.0f - fracY) * 100.0f);
+        if (wy < 0 || wy > 100) {
+            reference();
+            return;
+        }
+        row.top = source.buffer + static_cast<int64_t>(source.stride) * Clamp(iy, source.height - 1);
+        row.bottom = source.buffer + static_cast<int64_t>(source.stride) * Clamp(static_cast<int64_t>(iy) + 1,
+                                                                                source.height - 1);
+        row.wy = static_cast<uint32_t>(wy);
+        row.wave = dither ? Wave(fracY) : 0.0f;
+        fy += stepY;
+    }
+
+    // d / edgeDivisor for every mean difference d, and noiseBase - noise for every noise byte, as the
+    // reference computes them.
+    float ratio[256];
+    float span[256];
+    if (dither)
+        for (int i = 0; i < 256; ++i) {
+            ratio[i] = static_cast<float>(i) / static_cast<float>(edgeDivisor);
+            span[i] = static_cast<float>(static_cast<int64_t>(noiseBase) - i);
+        }
+
+    WritePixel(destination, 0, 0, 0);
+    uint32_t n = 0;
+    uint64_t farthest = 0;  // the largest sample offset of a row
+    for (const FastColumn& column : table)
+        farthest = column.right > farthest ? column.right : farthest;
+    float rowRatio[256];
+    for (int y = 0; y < rows; ++y) {
+        const FastRow& row = rowTable[static_cast<size_t>(y)];
+        const uint32_t wy = row.wy;
+        const uint32_t vy = 100 - wy;
+        uint8_t* out = destination.buffer + static_cast<int64_t>(destination.stride) * y;
+        if (dither)
+            for (int i = 0; i < 256; ++i)
+                rowRatio[i] = ratio[i] * row.wave;
+#if ZCMOD_PIXEL_SSE2
+        // The vector form reads four bytes a pixel: where the last one may lie past the buffer, the row goes the
+        // scalar way.
+        const bool vectorRow = static_cast<uint64_t>(row.top - source.buffer) + farthest + 4 <= source.size &&
+                               static_cast<uint64_t>(row.bottom - source.buffer) + farthest + 4 <= source.size;
+        if (vectorRow) {
+            // Lanes 0 to 3 weigh by wy, lanes 4 to 7 by 100 - wy.
+            const __m128i rowWeights = _mm_set_epi16(static_cast<short>(vy), static_cast<short>(vy),
+                                                     static_cast<short>(vy), static_cast<short>(vy),
+                                                     static_cast<short>(wy), static_cast<short>(wy),
+                                                     static_cast<short>(wy), static_cast<short>(wy));
+            for (int x = 0; x < columns; ++x, out += 3) {
+                const FastColumn& column = table[static_cast<size_t>(x)];
+                const __m128i a = LoadPair(row.top + column.left, row.bottom + column.left);     // p00 | p01
+                const __m128i b = LoadPair(row.top + column.right, row.bottom + column.right);   // p10 | p11
+                const __m128i topBottom =
+                    Div100(_mm_add_epi16(_mm_mullo_epi16(a, _mm_set1_epi16(static_cast<short>(column.wx))),
+                                         _mm_mullo_epi16(b, _mm_set1_epi16(static_cast<short>(100 - column.wx)))));
+                __m128i colour = MixHalves(_mm_mullo_epi16(topBottom, rowWeights));
+                uint32_t c0, c1, c2;
+                if (dither) {
+                    const uint32_t d1 = MeanOfHalves(topBottom);
+                    float product = rowRatio[d1] * span[noiseTable[n]];
+                    const float g1 = 255.0f - product;
+                    // left = (p01 (100 - wy) + p00 wy) / 100, right the same of p11 and p10.
+                    const __m128i left = MixHalves(_mm_mullo_epi16(a, rowWeights));
+                    const __m128i right = MixHalves(_mm_mullo_epi16(b, rowWeights));
+                    const uint32_t d2 = MeanOfHalves(_mm_unpacklo_epi64(left, right));
+                    product = ratio[d2] * column.wave;
+                    product = product * span[noiseTable[n + 1]];
+                    const float g2 = 255.0f - product;
+                    n += 2;
+                    if (n > kNoiseIndexWrap - 1)
+                        n = 0;
+                    if (FitsLanes(g1) && FitsLanes(g2)) {
+                        // In range, the truncation is the plain conversion.
+                        colour = FadeLanes(FadeLanes(colour, static_cast<int32_t>(g1)), static_cast<int32_t>(g2));
+                        const uint32_t packed =
+                            static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(colour, colour)));
+                        c0 = packed & 0xFF, c1 = packed >> 8 & 0xFF, c2 = packed >> 16 & 0xFF;
+                    } else {
+                        const int32_t f1 = TruncToInt(g1), f2 = TruncToInt(g2);
+                        const uint32_t packed =
+                            static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(colour, colour)));
+                        c0 = Fade(Fade(packed & 0xFF, f1), f2);
+                        c1 = Fade(Fade(packed >> 8 & 0xFF, f1), f2);
+                        c2 = Fade(Fade(packed >> 16 & 0xFF, f1), f2);
+                    }
+                } else {
+                    const uint32_t packed = static_cast<uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(colour, colour)));
+                    c0 = packed & 0xFF, c1 = packed >> 8 & 0xFF, c2 = packed >> 16 & 0xFF;
+                }
+                out[0] = static_cast<uint8_t>(c0);
+                out[1] = static_cast<uint8_t>(c1);
+                out[2] = static_cast<uint8_t>(c2);
+            }
+        } else
+#endif
+        for (int x = 0; x < columns; ++x, out += 3) {
+            const FastColumn& column = table[static_cast<size_t>(x)];
+            const uint8_t* p00 = row.top + column.left;
+            const uint8_t* p10 = row.top + column.right;
+            const uint8_t* p01 = row.bottom + column.left;
+            const uint8_t* p11 = row.bottom + column.right;
+            const uint32_t wx = column.wx;
+            const uint32_t vx = 100 - wx;
+            // The three channels written out, so that every value stays in a register.
+            const uint32_t t0 = (p00[0] * wx + p10[0] * vx) / 100;
+            const uint32_t t1 = (p00[1] * wx + p10[1] * vx) / 100;
+            const uint32_t t2 = (p00[2] * wx + p10[2] * vx) / 100;
+            const uint32_t b0 = (p01[0] * wx + p11[0] * vx) / 100;
+            const uint32_t b1 = (p01[1] * wx + p11[1] * vx) / 100;
+            const uint32_t b2 = (p01[2] * wx + p11[2] * vx) / 100;
+            uint32_t c0 = (t0 * wy + b0 * vy) / 100;
+            uint32_t c1 = (t1 * wy + b1 * vy) / 100;
+            uint32_t c2 = (t2 * wy + b2 * vy) / 100;
+            if (dither) {
+                const uint32_t d1 = Mean3(t0, t1, t2, b0, b1, b2);
+                float product = rowRatio[d1] * span[noiseTable[n]];
+                const int32_t f1 = TruncToInt(255.0f - product);
+                c0 = Fade(c0, f1);
+                c1 = Fade(c1, f1);
+                c2 = Fade(c2, f1);
+                const uint32_t l0 = (p01[0] * vy + p00[0] * wy) / 100;
+                const uint32_t l1 = (p01[1] * vy + p00[1] * wy) / 100;
+                const uint32_t l2 = (p01[2] * vy + p00[2] * wy) / 100;
+                const uint32_t r0 = (p11[0] * vy + p10[0] * wy) / 100;
+                const uint32_t r1 = (p11[1] * vy + p10[1] * wy) / 100;
+                const uint32_t r2 = (p11[2] * vy + p10[2] * wy) / 100;
+                const uint32_t d2 = Mean3(l0, l1, l2, r0, r1, r2);
+                product = ratio[d2] * column.wave;
+                product = product * span[noiseTable[n + 1]];
+                const int32_t f2 = TruncToInt(255.0f - product);
+                c0 = Fade(c0, f2);
+                c1 = Fade(c1, f2);
+                c2 = Fade(c2, f2);
+                n += 2;
+                if (n > kNoiseIndexWrap - 1)
+                    n = 0;
+            }
+            out[0] = static_cast<uint8_t>(c0);
+            out[1] = static_cast<uint8_t>(c1);
+            out[2] = static_cast<uint8_t>(c2);
+        }
+        // The zero fourth byte of the row's last 32-bit store, where it lies in the buffer.
+        if (static_cast<size_t>(out - destination.buffer) < destination.size)
+            *out = 0;
+        if (dither && columns < dstW)
+            n = static_cast<uint32_t>((n + 2ull * static_cast<uint64_t>(dstW - columns)) % kNoiseIndexWrap);
+    }
+}
+
+}  // namespace zcmod

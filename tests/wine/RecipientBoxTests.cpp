@@ -1,0 +1,649 @@
+// The recipient box under real keyboard and mouse input against a stand-in phone with contacts: completion
+// after the typing pause, one search for a burst of keys, finishing on ';', Enter and focus loss, marking known
+// and malformed recipients, the drop-down list, Tab order, growing with the text, right-to-left text, goldens
+// of both themes and layouts, and what many lives of the box leave behind.
+#include <windows.h>
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+#include <richedit.h>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "Golden.h"
+#include "HandleCounter.h"
+#include "MessageSequence.h"
+#include "ServiceTestSupport.h"
+#include "TestSkins.h"
+#include "zcmod/CommonModuleState.h"
+#include "zcmod/ResHandler.h"
+#include "zcmod/ResourceIds.h"
+#include "zcmod/SearchEngineControl.h"
+
+using namespace zcmod_test;
+using msgseq::input;
+using msgseq::Recorder;
+
+namespace {
+
+std::string Card(const std::string& family, const std::string& given, const std::string& line)
+{
+    return "BEGIN:VCARD\r\nVERSION:3.0\r\nN:" + family + ";" + given + ";;;\r\nFN:" + given + " " + family + "\r\n" +
+           line + "\r\nEND:VCARD\r\n";
+}
+
+void Key(WORD vk, bool shift = false)
+{
+    if (shift)
+        input::Key(VK_SHIFT, false);
+    input::Key(vk, false);
+    input::Key(vk, true);
+    if (shift)
+        input::Key(VK_SHIFT, true);
+}
+
+void Type(const std::wstring& text)
+{
+    for (wchar_t c : text) {
+        const SHORT scan = VkKeyScanW(c);
+        Key(LOBYTE(scan), (scan & 0x100) != 0);
+    }
+    Recorder::Pump(30);
+}
+
+bool PumpUntil(const std::function<bool()>& done, DWORD timeoutMs = 3000)
+{
+    const DWORD end = GetTickCount() + timeoutMs;
+    while (!done()) {
+        if (static_cast<LONG>(end - GetTickCount()) < 0)
+            return false;
+        Recorder::Pump(10);
+    }
+    return true;
+}
+
+// Answers every message box of this thread with OK from a second thread, counting them; it is also the
+// watchdog of a modal loop that nobody ends: it ends it and the test sees the count.
+class MessageBoxCloser {
+public:
+    MessageBoxCloser() : m_thread(GetCurrentThreadId())
+    {
+        m_worker = std::thread([this] {
+            while (!m_stop) {
+                EnumThreadWindows(
+                    m_thread,
+                    [](HWND hwnd, LPARAM self) -> BOOL {
+                        wchar_t name[16] = {};
+                        GetClassNameW(hwnd, name, 16);
+                        if (std::wstring(name) == L"#32770" && IsWindowVisible(hwnd)) {
+                            PostMessageW(hwnd, WM_COMMAND, IDOK, 0);
+                            ++reinterpret_cast<MessageBoxCloser*>(self)->m_closed;
+                            Sleep(100);
+                        }
+                        return TRUE;
+                    },
+                    reinterpret_cast<LPARAM>(this));
+                Sleep(20);
+            }
+        });
+    }
+    ~MessageBoxCloser()
+    {
+        m_stop = true;
+        m_worker.join();
+    }
+    int Closed() const { return m_closed; }
+
+private:
+    DWORD m_thread;
+    std::atomic<bool> m_stop{false};
+    std::atomic<int> m_closed{0};
+    std::thread m_worker;
+};
+
+struct Listener : ISearchEngineNotify {
+    int calls = 0;
+    void OnResize() override { ++calls; }
+};
+
+// The parent: counts the forward steps the box asks of its dialog.
+LRESULT CALLBACK ParentProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_NEXTDLGCTL)
+        SetPropW(hwnd, L"test.next", reinterpret_cast<HANDLE>(reinterpret_cast<INT_PTR>(GetPropW(hwnd, L"test.next")) + 1));
+    return DefWindowProcW(hwnd, message, wParam, lParam);
+}
+
+class RecipientBox : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        // The installed suite's language and theme, read by a resource handler of the test's own.
+        suite.SetMachineTheme(L"Default");
+        suite.SetUserTheme(L"Default");
+        suite.SetLanguage(L"eng");
+        handler = std::make_unique<CResHandler>();
+        savedHandler = CCommonModuleState::Get().m_pResHandler;
+        CCommonModuleState::Get().m_pResHandler = handler.get();
+        service.UseStandIns();
+        CSearchEngineControl::SetSearchLimit(1);
+        CSearchEngineControl::SetResultLimit(0);
+        CSearchEngineControl::SetAddressFilter(3);
+        CSearchEngineControl::SetMaxLines(3);
+        CSearchEngineControl::SetSearchDelay(150);
+        // A phone of a new serial for each test, and no serials remembered from the last: the contact cache
+        // then answers nothing that an earlier test taught it.
+        CSearchEngineControl::m_vecDeviceSerials.clear();
+        static int phone = 0;
+        AddPhone(L"p" + std::to_wstring(++phone), cards);
+    }
+    void AddPhone(const std::wstring& id, const std::string& vcards)
+    {
+        phones.New(id);
+        const std::wstring file = phones.Folder(id) + L"-cards.vcf";
+        std::ofstream(file.c_str(), std::ios::binary) << vcards;
+        ASSERT_EQ(phones.Ctl(L"contacts " + id + L" \"" + file + L"\"").exitCode, 0u);
+    }
+    static void HideContactList() { CSearchEngineControl::HideContactListBox(1); }
+    void TearDown() override
+    {
+        box.reset();
+        if (parent)
+            DestroyWindow(parent);
+        Recorder::Pump(20);
+        CSearchEngineControl::SetSearchDelay(2000);
+        CSearchEngineControl::SetAddressFilter(3);
+        TerminateAllInterfaces();
+        // This test's phones are gone: the next search must not ask the cache about them.
+        CSearchEngineControl::m_vecDeviceSerials.clear();
+        CCommonModuleState::Get().m_pResHandler = savedHandler;
+        handler.reset();
+    }
+
+    // The box in a parent of its own; `mirrored` gives the parent a right-to-left layout, as a right-to-left
+    // application's windows have.
+    void Make(int rows = 1, bool mirrored = false)
+    {
+        WNDCLASSW wc = {};
+        wc.lpfnWndProc = ParentProc;
+        wc.hInstance = GetModuleHandleW(nullptr);
+        wc.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
+        wc.lpszClassName = L"RecipientBoxParent";
+        RegisterClassW(&wc);
+        parent = CreateWindowExW(mirrored ? WS_EX_LAYOUTRTL : 0, L"RecipientBoxParent", L"", WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, 40, 40, 480,
+                                 320, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+        SetForegroundWindow(parent);
+        box = std::make_unique<CSearchEngineControl>(GetModuleHandleW(nullptr));
+        RECT where = {10, 10, 420, 10 + rows * 60};
+        ASSERT_TRUE(box->Create(nullptr, WS_CHILD | WS_VISIBLE, where, parent, 100, rows));
+        edit = CSearchEngineControl::GetEditBox(0);
+        list = CSearchEngineControl::GetContactListBox();
+        box->SetFocusToEditBox(0);
+        Recorder::Pump(30);
+    }
+    std::wstring Text(int row = 0)
+    {
+        std::wstring text(static_cast<size_t>(box->GetText(nullptr, row)) + 1, L'\0');
+        text.resize(static_cast<size_t>(box->GetText(&text[0], row)));
+        return text;
+    }
+    CHARRANGE Selection()
+    {
+        CHARRANGE range = {};
+        SendMessageW(edit, EM_EXGETSEL, 0, reinterpret_cast<LPARAM>(&range));
+        return range;
+    }
+    // The effects shared by every character of start..end (underline, italics), read without moving the caret
+    // for good.
+    DWORD Effects(LONG start, LONG end)
+    {
+        const CHARRANGE saved = Selection();
+        CHARRANGE range = {start, end};
+        SendMessageW(edit, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&range));
+        CHARFORMAT2W format = {};
+        format.cbSize = sizeof(format);
+        SendMessageW(edit, EM_GETCHARFORMAT, SCF_SELECTION, reinterpret_cast<LPARAM>(&format));
+        SendMessageW(edit, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&saved));
+        return format.dwEffects & format.dwMask & (CFE_UNDERLINE | CFE_ITALIC);
+    }
+    bool ListShown() { return IsWindowVisible(list) != 0; }
+    int ListCount() { return static_cast<int>(SendMessageW(list, LB_GETCOUNT, 0, 0)); }
+    void WaitForSearch() { Recorder::Pump(CSearchEngineControl::GetSearchDelay() + 150); }
+
+    SuiteRegistry suite;
+    std::unique_ptr<CResHandler> handler;
+    CResHandler* savedHandler = nullptr;
+    ServiceRegistry service;
+    Phones phones;
+    std::string cards = Card("Smith", "John", "TEL:555") + Card("Lee", "Ann", "TEL:040123") +
+                        Card("Lee", "Ann", "EMAIL:ann@lee.org") + Card("Jones", "Mary Ann", "TEL:777");
+    HWND parent = nullptr;
+    HWND edit = nullptr;
+    HWND list = nullptr;
+    std::unique_ptr<CSearchEngineControl> box;
+};
+
+TEST_F(RecipientBox, TypingCompletesOnlyAfterThePause)
+{
+    const struct {
+        const wchar_t* typed;
+        const wchar_t* text;  // after the pause
+        CHARRANGE selected;
+        int listed;  // items on offer, 0 for a hidden list
+    } cases[] = {
+        // One contact: completed inline, the part that wasn't typed selected so that typing on replaces it.
+        {L"smi", L"Smith John <555>", {3, 16}, 0},
+        // Several: the first completes, selected whole, and all are offered.
+        {L"ann", L"Ann Lee <040123>", {0, 16}, 3},
+        // Nothing found: the text stays and nothing is offered.
+        {L"zq", L"zq", {2, 2}, 0},
+    };
+    Make();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.typed)));
+        SetWindowTextW(edit, L"");
+        Type(c.typed);
+        EXPECT_EQ(Text(), c.typed);  // not yet: the pause hasn't passed
+        WaitForSearch();
+        EXPECT_EQ(Text(), c.text);
+        EXPECT_EQ(Selection().cpMin, c.selected.cpMin);
+        EXPECT_EQ(Selection().cpMax, c.selected.cpMax);
+        EXPECT_EQ(ListShown(), c.listed > 0);
+        if (c.listed) {
+            EXPECT_EQ(ListCount(), c.listed);
+        }
+        HideContactList();
+    }
+}
+
+TEST_F(RecipientBox, AQuickBurstOfKeysGivesOneSearchAfterTheLast)
+{
+    CSearchEngineControl::SetSearchDelay(400);
+    Make();
+    // Each key 150 ms after the one before: a search that ran after the first key's pause would have
+    // completed the text while it was still being typed.
+    const std::wstring word = L"smith";
+    for (size_t i = 0; i < word.size(); ++i) {
+        Type(word.substr(i, 1));
+        Recorder::Pump(120);
+        EXPECT_EQ(Text(), word.substr(0, i + 1));
+    }
+    Recorder::Pump(150);
+    EXPECT_EQ(Text(), L"smith");  // 300 ms after the last key: still waiting
+    WaitForSearch();
+    EXPECT_EQ(Text(), L"Smith John <555>");
+}
+
+TEST_F(RecipientBox, FinishingMarksKnownUnknownAndMalformedRecipients)
+{
+    const struct {
+        long filter;
+        const wchar_t* typed;  // ends in the key that finishes
+        const wchar_t* text;
+        DWORD effects;  // of the finished recipient
+        int messages;
+    } cases[] = {
+        {3, L"smi;", L"Smith John <555>;", CFE_UNDERLINE, 0},
+        {3, L"smi\r", L"Smith John <555>; ", CFE_UNDERLINE, 0},
+        {3, L"zed;", L"zed;", 0, 0},                   // a name that isn't a contact: passes, not underlined
+        {3, L"040123;", L"Ann Lee <040123>;", CFE_UNDERLINE, 0},  // a number becomes its contact
+        {1, L"555-12;", L"555-12;", CFE_ITALIC, 1},    // only e-mail wanted: a number is malformed
+        {2, L"x@y.org\r", L"x@y.org; ", CFE_ITALIC, 1},
+    };
+    CSearchEngineControl::SetSearchDelay(5000);  // finished before any search
+    Make();
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.typed)));
+        CSearchEngineControl::SetAddressFilter(c.filter);
+        SetWindowTextW(edit, L"");
+        MessageBoxCloser closer;
+        for (wchar_t ch : std::wstring(c.typed))
+            ch == L'\r' ? Key(VK_RETURN) : Type(std::wstring(1, ch));
+        Recorder::Pump(60);
+        EXPECT_TRUE(PumpUntil([&] { return closer.Closed() >= c.messages; }));
+        EXPECT_EQ(Text(), c.text);
+        const LONG length = static_cast<LONG>(Text().find(L';'));
+        EXPECT_EQ(Effects(0, length), c.effects);
+        EXPECT_EQ(closer.Closed(), c.messages);
+        // The message gives the focus back (the window system may take a moment to reactivate the parent).
+        EXPECT_TRUE(PumpUntil([&] { return GetFocus() == edit; }, 2000));
+        SetForegroundWindow(parent);
+        SetFocus(edit);
+    }
+    wchar_t recipients[256] = {};
+    SetWindowTextW(edit, L"Ann Lee <040123>; bob@x.org;  Zed ; ");
+    EXPECT_EQ(box->GetRecipients(recipients, 0), 20);
+    EXPECT_STREQ(recipients, L"040123;bob@x.org;Zed");
+}
+
+TEST_F(RecipientBox, TheListComesWithoutRewritingAndStaysOnEscape)
+{
+    Make();
+    // Delete inside a name, Backspace at its end: the list is offered, the text is left as the user made it.
+    const struct {
+        const wchar_t* typed;
+        std::vector<WORD> keys;
+    } cases[] = {{L"anxn", {VK_LEFT, VK_LEFT, VK_DELETE}}, {L"annz", {VK_BACK}}};
+    for (const auto& c : cases) {
+        SetWindowTextW(edit, L"");
+        Type(c.typed);
+        for (WORD k : c.keys)
+            Key(k);
+        WaitForSearch();
+        EXPECT_EQ(Text(), L"ann");
+        EXPECT_TRUE(ListShown());
+        EXPECT_EQ(ListCount(), 3);
+        Key(VK_ESCAPE);
+        Recorder::Pump(50);
+        EXPECT_TRUE(ListShown());
+        EXPECT_EQ(Text(), L"ann");
+        // Down offers the next contact on the recipient's place; a click elsewhere in the text hides the list.
+        Key(VK_DOWN);
+        Recorder::Pump(30);
+        EXPECT_EQ(Text(), L"Ann Lee <ann@lee.org>");
+        EXPECT_TRUE(ListShown());
+        HideContactList();
+    }
+}
+
+TEST_F(RecipientBox, TabAndShiftTabMoveBetweenRowsAndOut)
+{
+    Make(2);
+    HWND edit1 = CSearchEngineControl::GetEditBox(1);
+    HWND button0 = CSearchEngineControl::GetButton(0), button1 = CSearchEngineControl::GetButton(1);
+    const struct {
+        HWND from;
+        bool shift;
+        HWND to;       // null: out of the box, by the parent's next-control step
+    } cases[] = {
+        {edit, false, button1}, {edit, true, button0},   {button0, false, edit},
+        {button1, true, edit},  {edit1, false, nullptr}, {button0, true, nullptr},  // the first button steps forward
+    };
+    for (const auto& c : cases) {
+        SetFocus(c.from);
+        Recorder::Pump(20);
+        RemovePropW(parent, L"test.next");
+        Key(VK_TAB, c.shift);
+        Recorder::Pump(60);
+        const int steps = static_cast<int>(reinterpret_cast<INT_PTR>(GetPropW(parent, L"test.next")));
+        EXPECT_EQ(GetFocus(), c.to ? c.to : c.from);
+        EXPECT_EQ(steps, c.to ? 0 : 1);
+    }
+    RemovePropW(parent, L"test.next");
+}
+
+TEST_F(RecipientBox, GrowsWithItsTextUpToTheLineLimit)
+{
+    CSearchEngineControl::SetSearchDelay(60000);
+    Make(2);
+    Listener listener;
+    box->RegisterNotifyIF(&listener);
+    box->RegisterNotifyIF(&listener);  // once only
+    HWND edit1 = CSearchEngineControl::GetEditBox(1);
+    auto height = [](HWND w) {
+        RECT r;
+        GetWindowRect(w, &r);
+        return static_cast<int>(r.bottom - r.top);
+    };
+    auto top = [](HWND w) {
+        RECT r;
+        GetWindowRect(w, &r);
+        return static_cast<int>(r.top);
+    };
+    std::vector<int> heights;
+    int lines = 1;
+    const int gap = top(edit1) - (top(edit) + height(edit));
+    while (lines < 5) {
+        Type(L"qwe rty ");
+        const int now = static_cast<int>(SendMessageW(edit, EM_GETLINECOUNT, 0, 0));
+        if (now != lines) {
+            lines = now;
+            heights.push_back(height(edit));
+            // The row below moves along, keeping its distance.
+            EXPECT_EQ(top(edit1) - (top(edit) + height(edit)), gap);
+        }
+    }
+    ASSERT_EQ(heights.size(), 4u);  // 2, 3, 4 and 5 lines
+    EXPECT_LT(heights[0], heights[1]);
+    EXPECT_EQ(heights[1], heights[2]);  // three lines at most: four and five scroll
+    EXPECT_EQ(heights[2], heights[3]);
+    EXPECT_TRUE(GetWindowLongW(edit, GWL_STYLE) & WS_VSCROLL);
+    EXPECT_GT(SendMessageW(edit, EM_GETFIRSTVISIBLELINE, 0, 0), 0);
+    EXPECT_EQ(listener.calls, 2);
+    RECT host;
+    box->GetHostWindowRect(host);
+    // The host holds the last row, edit box and button.
+    RECT last, button;
+    GetWindowRect(edit1, &last);
+    GetWindowRect(CSearchEngineControl::GetButton(1), &button);
+    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&last), 2);
+    MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&button), 2);
+    EXPECT_EQ(host.bottom, std::max(last.bottom, button.bottom));
+    box->UnregisterNotifyIF(&listener);
+}
+
+TEST_F(RecipientBox, TheListShowsFiveAtATimeAndKeepsTheRecipientOpenWhileUsed)
+{
+    std::string kims;
+    const char* families[] = {"Alpha", "Bravo", "Charlie", "Delta", "Echo", "Foxtrot", "Golf"};
+    for (int i = 0; i < 7; ++i)
+        kims += Card(families[i], "Kim", "TEL:10" + std::to_string(i + 1));
+    AddPhone(L"kims", kims);
+    Make();
+    const struct {
+        short limit;
+        int items;
+    } cases[] = {{0, 7}, {2, 2}};
+    for (const auto& c : cases) {
+        CSearchEngineControl::SetResultLimit(c.limit);
+        SetWindowTextW(edit, L"");
+        Type(L"kim");
+        WaitForSearch();
+        ASSERT_TRUE(ListShown());
+        EXPECT_EQ(ListCount(), c.items);
+        RECT window, client;
+        GetWindowRect(list, &window);
+        GetClientRect(list, &client);
+        const int item = static_cast<int>(SendMessageW(list, LB_GETITEMHEIGHT, 0, 0));
+        EXPECT_EQ(client.bottom, item * std::min(c.items, 5));
+        EXPECT_EQ((GetWindowLongW(list, GWL_STYLE) & WS_VSCROLL) != 0, c.items > 5);
+    }
+    // Pressing on the second item takes the focus to the list: the recipient stays open (the item may show on
+    // its place). Letting go chooses it.
+    RECT item;
+    SendMessageW(list, LB_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&item));
+    POINT at = {(item.left + item.right) / 2, (item.top + item.bottom) / 2};
+    ClientToScreen(list, &at);
+    input::MoveTo(at);
+    input::LeftDown();
+    Recorder::Pump(60);
+    EXPECT_EQ(GetFocus(), list);
+    EXPECT_EQ(Text().find(L';'), std::wstring::npos) << testing::PrintToString(Text());
+    input::LeftUp();
+    Recorder::Pump(60);
+    EXPECT_EQ(Text(), L"Kim Bravo <102>; ");
+    EXPECT_EQ(GetFocus(), edit);
+    EXPECT_FALSE(ListShown());
+    // Losing the focus anywhere else finishes the recipient.
+    Type(L"kim");
+    SetFocus(parent);
+    Recorder::Pump(60);
+    EXPECT_EQ(Text(), L"Kim Bravo <102>; Kim Alpha <101>; ");
+}
+
+TEST_F(RecipientBox, RightToLeftTextWrapsAddressesInDirectionMarks)
+{
+    SuiteRegistry registry;
+    registry.SetLanguage(L"heb");
+    CCommonModuleState& state = CCommonModuleState::Get();
+    CResHandler* const saved = state.m_pResHandler;
+    {
+        CResHandler handler;
+        state.m_pResHandler = &handler;
+        testskin::LibraryState library;
+        Make();
+        EXPECT_TRUE(GetWindowLongW(edit, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+        EXPECT_TRUE(GetWindowLongW(list, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+        Type(L"smi;");
+        EXPECT_EQ(Text(), L"Smith John <\x202D" L"555\x202C>;");
+        EXPECT_EQ(Effects(0, 18), static_cast<DWORD>(CFE_UNDERLINE));
+        wchar_t recipients[64] = {};
+        box->GetRecipients(recipients, 0);
+        EXPECT_STREQ(recipients, L"555");
+        box.reset();
+        DestroyWindow(parent);
+        parent = nullptr;
+    }
+    state.m_pResHandler = saved;
+}
+
+// The picker button opens the list of the phone's contacts; the filter narrows it, a checked contact joins what
+// the row held on OK, and Cancel changes nothing. The dialog is driven from a second thread, which also ends it
+// should it stay open.
+TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
+{
+    Make();
+    const struct {
+        WORD key;
+        const wchar_t* text;
+    } cases[] = {{VK_RETURN, L"zed; John Smith <555>; "}, {VK_ESCAPE, L"zed; "}};
+    for (const auto& c : cases) {
+        box->SetText(L"zed; ", 0);
+        std::atomic<int> listed{-1}, filtered{-1};
+        std::atomic<bool> done{false};
+        std::thread driver([&] {
+            HWND dialog = nullptr;
+            for (int i = 0; i < 500 && !dialog; ++i, Sleep(20))
+                EnumThreadWindows(
+                    GetWindowThreadProcessId(parent, nullptr),
+                    [](HWND hwnd, LPARAM found) -> BOOL {
+                        if (GetDlgItem(hwnd, IDC_ZCMOD_RECIPIENTS_LIST) && IsWindowVisible(hwnd))
+                            *reinterpret_cast<HWND*>(found) = hwnd;
+                        return TRUE;
+                    },
+                    reinterpret_cast<LPARAM>(&dialog));
+            if (!dialog)
+                return;
+            HWND contacts = GetDlgItem(dialog, IDC_ZCMOD_RECIPIENTS_LIST);
+            listed = static_cast<int>(SendMessageW(contacts, LVM_GETITEMCOUNT, 0, 0));
+            SendMessageW(GetDlgItem(dialog, IDC_ZCMOD_RECIPIENTS_FILTER), WM_SETTEXT, 0,
+                         reinterpret_cast<LPARAM>(L"smi"));
+            filtered = static_cast<int>(SendMessageW(contacts, LVM_GETITEMCOUNT, 0, 0));
+            LVITEMW state = {};
+            state.stateMask = LVIS_STATEIMAGEMASK;
+            state.state = INDEXTOSTATEIMAGEMASK(2);
+            SendMessageW(contacts, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&state));
+            SetForegroundWindow(dialog);
+            Key(c.key);
+            for (int i = 0; i < 250 && IsWindow(dialog); ++i)
+                Sleep(20);
+            if (IsWindow(dialog))  // the watchdog: end it, the test fails on the text
+                PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+            done = true;
+        });
+        RECT button;
+        GetWindowRect(CSearchEngineControl::GetButton(0), &button);
+        input::MoveTo({(button.left + button.right) / 2, (button.top + button.bottom) / 2});
+        input::LeftDown();
+        input::LeftUp();
+        PumpUntil([&] { return done.load(); }, 15000);
+        driver.join();
+        Recorder::Pump(50);
+        EXPECT_EQ(listed, 4);  // every contact of the phone, one line per number and address, in the user's order
+        EXPECT_EQ(filtered, 1);
+        EXPECT_EQ(Text(), c.text);
+    }
+    EXPECT_EQ(Effects(5, 21), static_cast<DWORD>(0));  // cancelled: "zed" alone, nothing underlined
+}
+
+// One known, one unknown and one malformed recipient: underlined, plain, in italics; the theme's colours; the
+// rows mirrored under a right-to-left language.
+TEST_F(RecipientBox, GoldensOfBothThemesAndLayouts)
+{
+    const struct {
+        const wchar_t* theme;
+        const wchar_t* language;
+        const char* name;
+    } looks[] = {{L"Default", L"eng", "recipients_Default_ltr"},
+                 {L"Default", L"heb", "recipients_Default_rtl"},
+                 {L"Graphite", L"eng", "recipients_Graphite_ltr"},
+                 {L"Graphite", L"heb", "recipients_Graphite_rtl"}};
+    CCommonModuleState& state = CCommonModuleState::Get();
+    CResHandler* const saved = state.m_pResHandler;
+    for (const auto& look : looks) {
+        SCOPED_TRACE(look.name);
+        SuiteRegistry registry;
+        registry.SetMachineTheme(look.theme);
+        registry.SetUserTheme(look.theme);
+        registry.SetLanguage(look.language);
+        {
+            CResHandler handler;
+            state.m_pResHandler = &handler;
+            state.ResetColorLoader();
+            testskin::LibraryState library;
+            // A phone of its own: the contact strings the cache keeps are made in the language of their search.
+            CSearchEngineControl::m_vecDeviceSerials.clear();
+            AddPhone(std::wstring(L"g") + look.theme + look.language, cards);
+            input::MoveTo({1200, 1000});  // away from the buttons, which light up under the mouse
+            Make(1, look.language[0] == L'h');
+            const std::wstring text = CSearchEngineControl::CreateContactString(L"Smith John", L"555") + L"; " +
+                                      CSearchEngineControl::CreateContactString(L"Zed Unknown", L"123") + L"; " +
+                                      CSearchEngineControl::CreateContactString(L"Bob", L"5x5");
+            SetFocus(parent);
+            box->SetText(text.c_str(), 0);
+            int valid = 1;
+            box->Validate(1, 0, &valid, 0);
+            EXPECT_EQ(valid, 0);
+            Recorder::Pump(100);
+            RECT r;
+            GetWindowRect(box->GetHostWindow(), &r);
+            testskin::Canvas canvas(r.right - r.left, r.bottom - r.top);
+            HDC screen = GetDC(nullptr);
+            BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
+            ReleaseDC(nullptr, screen);
+            const testskin::Capture c = canvas.Read();
+            EXPECT_TRUE(MatchesGolden(look.name, c.width, c.height, c.pixels.data()));
+            box.reset();
+            DestroyWindow(parent);
+            parent = nullptr;
+        }
+        state.m_pResHandler = saved;
+        state.ResetColorLoader();
+    }
+}
+
+TEST_F(RecipientBox, ManyLivesLeaveNothingBehind)
+{
+    HandleCounter counter;
+    MessageBoxCloser closer;
+    auto life = [&] {
+        Make(3);
+        Type(L"smi;ann");
+        WaitForSearch();
+        Key(VK_RETURN);
+        Recorder::Pump(50);
+        // A malformed recipient still being typed when the box goes: destroying it shows no message.
+        CSearchEngineControl::SetAddressFilter(1);
+        Type(L"555");
+        Recorder::Pump(20);
+        box.reset();
+        CSearchEngineControl::SetAddressFilter(3);
+        DestroyWindow(parent);
+        parent = nullptr;
+    };
+    life();
+    const HandleCounter::Counts before = counter.Live();
+    for (int i = 0; i < 15; ++i)
+        life();
+    EXPECT_EQ(counter.Live(), before) << counter.Live().ToString();
+    EXPECT_EQ(closer.Closed(), 0);
+}
+
+}  // namespace
