@@ -13,9 +13,10 @@
 #include <memory>
 #include <string>
 
+#include <zcmod/zcmod.h>
+
 #include "Drawing.h"
 #include "GalleryPage.h"
-#include "zcmod/PhoneFileDialog.h"
 
 using namespace gallery;
 
@@ -27,6 +28,27 @@ constexpr UINT kTourStep = 150;
 // The way in from the desktop, as the dialog's list names it.
 const wchar_t* const kWayIn[] = {L"My Computer", L"Phones", L"Sample phone", L"C:"};
 constexpr int kWaySteps = sizeof(kWayIn) / sizeof(kWayIn[0]);
+
+// The buttons and results in the language of the library.
+struct Texts {
+    const wchar_t* open;
+    const wchar_t* save;
+    const wchar_t* cancelled;
+    const wchar_t* downloaded;  // path, result
+    const wchar_t* uploaded;
+};
+const Texts kEnglish = {L"Open from the phone...", L"Save to the phone...", L"Cancelled.",
+                        L"Downloaded %ls (0x%08lX)", L"Uploaded %ls (0x%08lX)"};
+const Texts kHebrew = {L"\x05E4\x05EA\x05D9\x05D7\x05D4 \x05DE\x05D4\x05D8\x05DC\x05E4\x05D5\x05DF...",
+                       L"\x05E9\x05DE\x05D9\x05E8\x05D4 \x05D1\x05D8\x05DC\x05E4\x05D5\x05DF...",
+                       L"\x05D1\x05D5\x05D8\x05DC.",
+                       L"\x05D4\x05D5\x05E8\x05D3: %ls (0x%08lX)", L"\x05D4\x05D5\x05E2\x05DC\x05D4: %ls (0x%08lX)"};
+const Texts& PageTexts()
+{
+    CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
+    const wchar_t* code = handler ? handler->GetLanguageName() : nullptr;
+    return code && CRTLHelper::IsRTL(code) ? kHebrew : kEnglish;
+}
 
 HWND FileDialog()
 {
@@ -107,9 +129,9 @@ public:
         RegisterClassExW(&wc);
         m_panel = CreateWindowExW(0, kPanelClass, L"", WS_CHILD | WS_VISIBLE, 20, 60, 360, 40, host, nullptr,
                                   wc.hInstance, nullptr);
-        m_open = CreateWindowExW(0, L"BUTTON", L"Open from the phone...", WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 0,
+        m_open = CreateWindowExW(0, L"BUTTON", PageTexts().open, WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 0,
                                  4, 170, 30, m_panel, reinterpret_cast<HMENU>(kOpenId), wc.hInstance, nullptr);
-        CreateWindowExW(0, L"BUTTON", L"Save to the phone...", WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 180, 4, 170,
+        CreateWindowExW(0, L"BUTTON", PageTexts().save, WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 180, 4, 170,
                         30, m_panel, reinterpret_cast<HMENU>(kSaveId), wc.hInstance, nullptr);
         CFD_EnablePhoneFolders(1);
         m_step = 0;
@@ -175,18 +197,18 @@ private:
     {
         CNFileDialog dialog(TRUE, nullptr, nullptr, OFN_HIDEREADONLY, L"All files|*.*|", m_panel);
         if (dialog.DoModal() != 1)
-            return Show(L"Cancelled.");
+            return Show(PageTexts().cancelled);
         const std::wstring path = dialog.GetPathName();
         if (CNFileDialog::GetFolderType(path.c_str()) != CFD_FOLDER_PHONE)
             return Show(L"Chosen: " + path);
         const HRESULT result = CNFileDialog::DownloadFile(path.c_str(), m_panel);
-        Show(Format(L"Downloaded %ls (0x%08lX)", path.c_str(), static_cast<unsigned long>(result)));
+        Show(Format(PageTexts().downloaded, path.c_str(), static_cast<unsigned long>(result)));
     }
     void Save()
     {
         CNFileDialog dialog(FALSE, L"txt", L"note.txt", OFN_OVERWRITEPROMPT, L"Text|*.txt|", m_panel);
         if (dialog.DoModal() != 1)
-            return Show(L"Cancelled.");
+            return Show(PageTexts().cancelled);
         const std::wstring path = dialog.GetPathName();
         if (FILE* file = _wfopen(path.c_str(), L"wb")) {
             std::fputs("Written by the ZCMOD gallery.\r\n", file);
@@ -195,7 +217,7 @@ private:
         if (CNFileDialog::GetFolderType(path.c_str()) != CFD_FOLDER_PHONE)
             return Show(L"Saved: " + path);
         const HRESULT result = CNFileDialog::UploadFile(path.c_str(), m_panel);
-        Show(Format(L"Uploaded %ls (0x%08lX)", path.c_str(), static_cast<unsigned long>(result)));
+        Show(Format(PageTexts().uploaded, path.c_str(), static_cast<unsigned long>(result)));
     }
     void Show(const std::wstring& text)
     {
