@@ -21,5 +21,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeMessageEditorPage());
     pages.push_back(MakeAboutPage());
     pages.push_back(MakeProgressPage());
+    pages.push_back(MakePhoneFilesPage());
     return pages;
 }
