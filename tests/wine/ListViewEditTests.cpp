@@ -51,21 +51,7 @@ Capture CaptureScreen(HWND hwnd, bool clientOnly = false)
         if (r.left > r.right)
             std::swap(r.left, r.right);
     }
-    Canvas canvas(r.right - r.left, r.bottom - r.top);
-    HDC dc = GetDC(nullptr);
-    BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, dc, r.left, r.top, SRCCOPY);
-    ReleaseDC(nullptr, dc);
-    return canvas.Read();
-}
-
-void Type(const wchar_t* text)
-{
-    for (const wchar_t* p = text; *p; ++p) {
-        const WORD vk = LOBYTE(VkKeyScanW(*p));
-        input::Key(vk, false);
-        input::Key(vk, true);
-    }
-    Recorder::Pump(60);
+    return testskin::CaptureScreen(r);
 }
 
 void InsertColumn(HWND list, int index, const wchar_t* text, int width, int format)
@@ -87,13 +73,6 @@ void InsertItem(HWND list, int index, const wchar_t* text)
     ListView_InsertItem(list, &item);
 }
 
-void ClickAt(POINT screen)
-{
-    input::MoveTo(screen);
-    input::LeftDown();
-    input::LeftUp();
-    Recorder::Pump(60);
-}
 
 // The theme of a look for the test's life, with the layout; the suite's settings go when it ends.
 class ThemeScope {
@@ -159,7 +138,8 @@ TEST_F(EditCtrlTest, TypingKeepsTheBorderAndShowsTheParent)
             SendMessageW(hwnd, WM_NCPAINT, 1, 0);
             SetForegroundWindow(parent);
             SetFocus(hwnd);
-            Type(L"hello world");
+            input::Type(L"hello world");
+            Recorder::Pump(60);
             wchar_t text[32] = {};
             GetWindowTextW(hwnd, text, 32);
             EXPECT_STREQ(text, L"hello world");
@@ -351,7 +331,8 @@ TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
         const COLORREF headerText = ThemeColour(ZGR_COLOR_LISTVIEW_HEADER_TEXT);
         EXPECT_EQ(ctrl.GetHeaderSkin()->GetTextColor(), headerText);
 
-        ClickAt(RowPoint(2, 40));
+        input::Click(RowPoint(2, 40));
+        Recorder::Pump(60);
         EXPECT_EQ(ListView_GetNextItem(list, -1, LVNI_SELECTED), 2);
         input::Key(VK_DOWN, false);
         input::Key(VK_DOWN, true);

@@ -200,18 +200,11 @@ Step Pause(DWORD milliseconds)
 }
 Step Press(WORD vk)
 {
-    return Do([vk] {
-        input::Key(vk, false);
-        input::Key(vk, true);
-    });
+    return Do([vk] { input::Press(vk); });
 }
 Step ClickAt(std::function<POINT()> where)
 {
-    return Do([where] {
-        input::MoveTo(where());
-        input::LeftDown();
-        input::LeftUp();
-    });
+    return Do([where] { input::Click(where()); });
 }
 
 // The suite's window: a frame with a dark strip (a panel of its own buffer), the bar on it at y 30, and a

@@ -39,34 +39,10 @@ std::string Card(const std::string& family, const std::string& given, const std:
            line + "\r\nEND:VCARD\r\n";
 }
 
-void Key(WORD vk, bool shift = false)
-{
-    if (shift)
-        input::Key(VK_SHIFT, false);
-    input::Key(vk, false);
-    input::Key(vk, true);
-    if (shift)
-        input::Key(VK_SHIFT, true);
-}
-
 void Type(const std::wstring& text)
 {
-    for (wchar_t c : text) {
-        const SHORT scan = VkKeyScanW(c);
-        Key(LOBYTE(scan), (scan & 0x100) != 0);
-    }
+    input::Type(text);
     Recorder::Pump(30);
-}
-
-bool PumpUntil(const std::function<bool()>& done, DWORD timeoutMs = 3000)
-{
-    const DWORD end = GetTickCount() + timeoutMs;
-    while (!done()) {
-        if (static_cast<LONG>(end - GetTickCount()) < 0)
-            return false;
-        Recorder::Pump(10);
-    }
-    return true;
 }
 
 // Answers every message box of this thread with OK from a second thread, counting them; it is also the
@@ -305,15 +281,15 @@ TEST_F(RecipientBox, FinishingMarksKnownUnknownAndMalformedRecipients)
         SetWindowTextW(edit, L"");
         MessageBoxCloser closer;
         for (wchar_t ch : std::wstring(c.typed))
-            ch == L'\r' ? Key(VK_RETURN) : Type(std::wstring(1, ch));
+            ch == L'\r' ? input::Press(VK_RETURN) : Type(std::wstring(1, ch));
         Recorder::Pump(60);
-        EXPECT_TRUE(PumpUntil([&] { return closer.Closed() >= c.messages; }));
+        EXPECT_TRUE(Recorder::PumpUntil([&] { return closer.Closed() >= c.messages; }));
         EXPECT_EQ(Text(), c.text);
         const LONG length = static_cast<LONG>(Text().find(L';'));
         EXPECT_EQ(Effects(0, length), c.effects);
         EXPECT_EQ(closer.Closed(), c.messages);
         // The message gives the focus back (the window system may take a moment to reactivate the parent).
-        EXPECT_TRUE(PumpUntil([&] { return GetFocus() == edit; }, 2000));
+        EXPECT_TRUE(Recorder::PumpUntil([&] { return GetFocus() == edit; }, 2000));
         SetForegroundWindow(parent);
         SetFocus(edit);
     }
@@ -335,17 +311,17 @@ TEST_F(RecipientBox, TheListComesWithoutRewritingAndStaysOnEscape)
         SetWindowTextW(edit, L"");
         Type(c.typed);
         for (WORD k : c.keys)
-            Key(k);
+            input::Press(k);
         WaitForSearch();
         EXPECT_EQ(Text(), L"ann");
         EXPECT_TRUE(ListShown());
         EXPECT_EQ(ListCount(), 3);
-        Key(VK_ESCAPE);
+        input::Press(VK_ESCAPE);
         Recorder::Pump(50);
         EXPECT_TRUE(ListShown());
         EXPECT_EQ(Text(), L"ann");
         // Down offers the next contact on the recipient's place; a click elsewhere in the text hides the list.
-        Key(VK_DOWN);
+        input::Press(VK_DOWN);
         Recorder::Pump(30);
         EXPECT_EQ(Text(), L"Ann Lee <ann@lee.org>");
         EXPECT_TRUE(ListShown());
@@ -370,7 +346,7 @@ TEST_F(RecipientBox, TabAndShiftTabMoveBetweenRowsAndOut)
         SetFocus(c.from);
         Recorder::Pump(20);
         RemovePropW(parent, L"test.next");
-        Key(VK_TAB, c.shift);
+        input::Press(VK_TAB, c.shift);
         Recorder::Pump(60);
         const int steps = static_cast<int>(reinterpret_cast<INT_PTR>(GetPropW(parent, L"test.next")));
         EXPECT_EQ(GetFocus(), c.to ? c.to : c.from);
@@ -541,7 +517,7 @@ TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
             state.state = INDEXTOSTATEIMAGEMASK(2);
             SendMessageW(contacts, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&state));
             SetForegroundWindow(dialog);
-            Key(c.key);
+            input::Press(c.key);
             for (int i = 0; i < 250 && IsWindow(dialog); ++i)
                 Sleep(20);
             if (IsWindow(dialog))  // the watchdog: end it, the test fails on the text
@@ -553,7 +529,7 @@ TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
         input::MoveTo({(button.left + button.right) / 2, (button.top + button.bottom) / 2});
         input::LeftDown();
         input::LeftUp();
-        PumpUntil([&] { return done.load(); }, 15000);
+        Recorder::PumpUntil([&] { return done.load(); }, 15000);
         driver.join();
         Recorder::Pump(50);
         EXPECT_EQ(listed, 4);  // every contact of the phone, one line per number and address, in the user's order
@@ -627,7 +603,7 @@ TEST_F(RecipientBox, ManyLivesLeaveNothingBehind)
         Make(3);
         Type(L"smi;ann");
         WaitForSearch();
-        Key(VK_RETURN);
+        input::Press(VK_RETURN);
         Recorder::Pump(50);
         // A malformed recipient still being typed when the box goes: destroying it shows no message.
         CSearchEngineControl::SetAddressFilter(1);

@@ -228,6 +228,16 @@ inline Capture CaptureWindow(HWND hwnd)
     return canvas.Read();
 }
 
+// A rectangle of the screen as it shows.
+inline Capture CaptureScreen(const RECT& r)
+{
+    Canvas canvas(r.right - r.left, r.bottom - r.top);
+    HDC screen = GetDC(nullptr);
+    BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
+    ReleaseDC(nullptr, screen);
+    return canvas.Read();
+}
+
 // CVuikLib's protected parts.
 struct Lib : CVuikLib {
     using CVuikLib::BlenderFunc;
