@@ -33,6 +33,10 @@ const uint32_t kPanel = 0xF0F0F0;  // the panel as it shows
 const uint32_t kBlack = 0x000000;
 const uint32_t kDisabledText = 0xCECECE;
 
+const CVuikStaticChromeSkinDef kChrome = {IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
+                                         IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R};
+const CVuikBarStaticSkinDef kBar = {1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END};
+
 struct Point {
     int x, y;
     uint32_t colour;
@@ -175,7 +179,7 @@ TEST_F(StaticFamily, LabelLaysOutItsTextByStyleAndVerticalAlignment)
     }
 }
 
-TEST_F(StaticFamily, AlignmentAndMeasuringChangeNothingOnTheScreen)
+TEST_F(StaticFamily, AlignmentMeasuringAndColourMessages)
 {
     Open();
     CVuikStaticCtrl label;
@@ -190,14 +194,9 @@ TEST_F(StaticFamily, AlignmentAndMeasuringChangeNothingOnTheScreen)
     InvalidateRect(label.m_hWnd, nullptr, TRUE);
     EXPECT_GT(label.GetTextHeight(), 0);
     EXPECT_TRUE(GetUpdateRect(label.m_hWnd, &pending, FALSE));
-}
 
-TEST_F(StaticFamily, CtlColorGivesTransparencyTheColourAndOneHollowBrush)
-{
-    Open();
-    CVuikStaticCtrl label;
+    // The colour messages give transparency, the text colour and one hollow brush, made once.
     label.SetTextColor(RGB(1, 2, 3));
-    ASSERT_TRUE(label.Create(m_panel.m_hWnd, RECT{10, 10, 110, 40}, 1, WS_CHILD | WS_VISIBLE, 0));
     for (UINT message : {UINT(WM_CTLCOLORSTATIC), UINT(0x2138)}) {
         Canvas dc(4, 4);
         SetBkMode(dc, OPAQUE);
@@ -263,8 +262,7 @@ TEST_P(StaticFamily, ChromePiecesAndPictures)
 {
     Open(GetParam());
     CVuikStaticChromeSkin chrome;
-    chrome.SetSkinDef(CVuikStaticChromeSkinDef{IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
-                                               IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R});
+    chrome.SetSkinDef(kChrome);
     EXPECT_FALSE(CVuikStaticChromeSkin().IsValid()) << "the default frame names no piece";
     chrome.Load();
     ASSERT_TRUE(chrome.IsValid());
@@ -427,11 +425,10 @@ TEST_F(StaticFamily, ControlsAnswerTheirChildrenAndTheBarForwardsCommands)
 {
     Open();
     CVuikStaticChromeSkin chrome;
-    chrome.SetSkinDef(CVuikStaticChromeSkinDef{IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
-                                               IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R});
+    chrome.SetSkinDef(kChrome);
     chrome.Load();
     CVuikBarStaticSkin bar, brokenBar;
-    bar.SetSkinDef(CVuikBarStaticSkinDef{1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END});
+    bar.SetSkinDef(kBar);
     brokenBar.SetSkinDef(CVuikBarStaticSkinDef{1, IDB_TEST_MISSING, 0, 0});
     bar.Load();
     brokenBar.Load();
@@ -560,9 +557,8 @@ TEST_P(StaticFamily, Goldens)
     CVuikStaticGradientSkin gradientSkin;  // the default pair
     CVuikStaticChromeSkin chrome;
     CVuikBarStaticSkin barSkin;
-    chrome.SetSkinDef(CVuikStaticChromeSkinDef{IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
-                                               IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R});
-    barSkin.SetSkinDef(CVuikBarStaticSkinDef{1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END});
+    chrome.SetSkinDef(kChrome);
+    barSkin.SetSkinDef(kBar);
     for (CVuikBaseSkin* s : std::initializer_list<CVuikBaseSkin*>{&gradientSkin, &chrome, &barSkin})
         s->Load();
     label.SetTextColor(RGB(0x20, 0x40, 0x90));
@@ -594,10 +590,9 @@ TEST_F(StaticFamily, ChangesAndCyclesLeaveNoHandleBehind)
     CVuikStaticIconSkin icon;
     CVuikBarStaticSkin barSkin;
     CVuikAniStaticSkin aniSkin;
-    chrome.SetSkinDef(CVuikStaticChromeSkinDef{IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
-                                               IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R});
+    chrome.SetSkinDef(kChrome);
     icon.SetSkinDef(CVuikStaticIconSkinDef{nullptr, IDI_APPLICATION, nullptr});
-    barSkin.SetSkinDef(CVuikBarStaticSkinDef{1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END});
+    barSkin.SetSkinDef(kBar);
     aniSkin.SetSkinDef(CVuikAniStaticSkinDef{IDB_FRAME_1, IDB_FRAME_3, 10, 1});
     for (CVuikBaseSkin* s : std::initializer_list<CVuikBaseSkin*>{&gradient, &chrome, &barSkin, &aniSkin})
         s->Load();
