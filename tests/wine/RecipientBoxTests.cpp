@@ -20,7 +20,7 @@
 #include "Golden.h"
 #include "HandleCounter.h"
 #include "MessageSequence.h"
-#include "ServiceTestSupport.h"
+#include "DeviceTestSupport.h"
 #include "TestSkins.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/ResHandler.h"
@@ -103,11 +103,7 @@ protected:
     {
         // The installed suite's language and theme, read by a resource handler of the test's own.
         suite.SetMachineTheme(L"Default");
-        suite.SetUserTheme(L"Default");
-        suite.SetLanguage(L"eng");
-        handler = std::make_unique<CResHandler>();
-        savedHandler = CCommonModuleState::Get().m_pResHandler;
-        CCommonModuleState::Get().m_pResHandler = handler.get();
+        resources = std::make_unique<FreshResources>(suite, L"eng");
         service.UseStandIns();
         CSearchEngineControl::SetSearchLimit(1);
         CSearchEngineControl::SetResultLimit(0);
@@ -139,8 +135,7 @@ protected:
         TerminateAllInterfaces();
         // This test's phones are gone: the next search must not ask the cache about them.
         CSearchEngineControl::m_vecDeviceSerials.clear();
-        CCommonModuleState::Get().m_pResHandler = savedHandler;
-        handler.reset();
+        resources.reset();
     }
 
     // The box in a parent of its own; `mirrored` gives the parent a right-to-left layout, as a right-to-left
@@ -194,8 +189,7 @@ protected:
     void WaitForSearch() { Recorder::Pump(CSearchEngineControl::GetSearchDelay() + 150); }
 
     SuiteRegistry suite;
-    std::unique_ptr<CResHandler> handler;
-    CResHandler* savedHandler = nullptr;
+    std::unique_ptr<FreshResources> resources;
     ServiceRegistry service;
     Phones phones;
     std::string cards = Card("Smith", "John", "TEL:555") + Card("Lee", "Ann", "TEL:040123") +
@@ -456,13 +450,8 @@ TEST_F(RecipientBox, TheListShowsFiveAtATimeAndKeepsTheRecipientOpenWhileUsed)
 
 TEST_F(RecipientBox, RightToLeftTextWrapsAddressesInDirectionMarks)
 {
-    SuiteRegistry registry;
-    registry.SetLanguage(L"heb");
-    CCommonModuleState& state = CCommonModuleState::Get();
-    CResHandler* const saved = state.m_pResHandler;
     {
-        CResHandler handler;
-        state.m_pResHandler = &handler;
+        FreshResources hebrew(suite, L"heb");
         testskin::LibraryState library;
         Make();
         EXPECT_TRUE(GetWindowLongW(edit, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
@@ -477,7 +466,6 @@ TEST_F(RecipientBox, RightToLeftTextWrapsAddressesInDirectionMarks)
         DestroyWindow(parent);
         parent = nullptr;
     }
-    state.m_pResHandler = saved;
 }
 
 // The picker button opens the list of the phone's contacts; the filter narrows it, a checked contact joins what
@@ -551,18 +539,12 @@ TEST_F(RecipientBox, GoldensOfBothThemesAndLayouts)
                  {L"Default", L"heb", "recipients_Default_rtl"},
                  {L"Graphite", L"eng", "recipients_Graphite_ltr"},
                  {L"Graphite", L"heb", "recipients_Graphite_rtl"}};
-    CCommonModuleState& state = CCommonModuleState::Get();
-    CResHandler* const saved = state.m_pResHandler;
     for (const auto& look : looks) {
         SCOPED_TRACE(look.name);
         SuiteRegistry registry;
         registry.SetMachineTheme(look.theme);
-        registry.SetUserTheme(look.theme);
-        registry.SetLanguage(look.language);
         {
-            CResHandler handler;
-            state.m_pResHandler = &handler;
-            state.ResetColorLoader();
+            FreshResources resources(registry, look.language, look.theme);
             testskin::LibraryState library;
             // A phone of its own: the contact strings the cache keeps are made in the language of their search.
             CSearchEngineControl::m_vecDeviceSerials.clear();
@@ -580,18 +562,12 @@ TEST_F(RecipientBox, GoldensOfBothThemesAndLayouts)
             Recorder::Pump(100);
             RECT r;
             GetWindowRect(box->GetHostWindow(), &r);
-            testskin::Canvas canvas(r.right - r.left, r.bottom - r.top);
-            HDC screen = GetDC(nullptr);
-            BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
-            ReleaseDC(nullptr, screen);
-            const testskin::Capture c = canvas.Read();
+            const testskin::Capture c = testskin::CaptureScreen(r);
             EXPECT_TRUE(MatchesGolden(look.name, c.width, c.height, c.pixels.data()));
             box.reset();
             DestroyWindow(parent);
             parent = nullptr;
         }
-        state.m_pResHandler = saved;
-        state.ResetColorLoader();
     }
 }
 
