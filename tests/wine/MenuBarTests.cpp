@@ -82,11 +82,6 @@ RECT ScreenRect(HWND hwnd)
     return r;
 }
 
-POINT Centre(HWND hwnd)
-{
-    const RECT r = ScreenRect(hwnd);
-    return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
-}
 
 // Runs steps on a thread timer, inside whatever modal loop is running, until each has said it is done; a
 // watchdog fails the script and ends any menu. Once finished, the timer keeps ending menus that open.
@@ -288,7 +283,7 @@ public:
     HWND Button(int i) const { return bar->GetButton(i)->m_hWnd; }
     std::function<POINT()> ButtonCentre(int i) const
     {
-        return [this, i] { return Centre(Button(i)); };
+        return [this, i] { return input::Centre(Button(i)); };
     }
     Step OpenIs(int index) const
     {
@@ -476,12 +471,12 @@ TEST_F(MenuBar, MouseSlidesClicksAndNudges)
         int active;  // after the middle steps, once things have settled (-1: closed)
     } cases[] = {
         {"sliding to the third button", [](MenuBar& t) -> std::vector<Step> {
-             return {Do([&t] { input::MoveTo(Centre(t.Button(2))); })};
+             return {Do([&t] { input::MoveTo(input::Centre(t.Button(2))); })};
          }, 2},
         // Five pixels aside, so that the two clicks make no double click.
         {"a click on the open button closes it and leaves it closed", [](MenuBar& t) -> std::vector<Step> {
              return {ClickAt([&t] {
-                 const POINT p = Centre(t.Button(0));
+                 const POINT p = input::Centre(t.Button(0));
                  return POINT{p.x + 5, p.y};
              })};
          }, -1},
@@ -490,13 +485,13 @@ TEST_F(MenuBar, MouseSlidesClicksAndNudges)
          -1},
         {"a two-pixel nudge after a key keeps the keyboard's menu", [](MenuBar& t) -> std::vector<Step> {
              return {Press(VK_RIGHT), t.OpenIs(1), Pause(60), Do([&t] {
-                         const POINT p = Centre(t.Button(0));
+                         const POINT p = input::Centre(t.Button(0));
                          input::MoveTo(POINT{p.x + 2, p.y});
                      })};
          }, 1},
         {"a six-pixel move after a key takes the menu back", [](MenuBar& t) -> std::vector<Step> {
              return {Press(VK_RIGHT), t.OpenIs(1), Pause(60), Do([&t] {
-                         const POINT p = Centre(t.Button(0));
+                         const POINT p = input::Centre(t.Button(0));
                          input::MoveTo(POINT{p.x + 6, p.y});
                      })};
          }, 0},
@@ -740,7 +735,7 @@ TEST_F(MenuBar, Goldens)
                                                   popupPicture.height, popupPicture.pixels.data()));
         } else {
             if (c.hover >= 0) {
-                input::MoveTo(Centre(Button(c.hover)));
+                input::MoveTo(input::Centre(Button(c.hover)));
                 Recorder::Pump(60);
                 UpdateWindow(bar->m_hWnd);
             }

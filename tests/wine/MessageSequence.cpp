@@ -257,6 +257,13 @@ void input::Type(const std::wstring& text)
     }
 }
 
+POINT input::Centre(HWND hwnd)
+{
+    RECT r = {};
+    GetWindowRect(hwnd, &r);
+    return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+}
+
 void input::Click(POINT screen)
 {
     MoveTo(screen);

@@ -114,6 +114,8 @@ struct input {
     static void Type(const std::wstring& text);
     // A left click at a point of the screen.
     static void Click(POINT screen);
+    // The centre of a window on the screen.
+    static POINT Centre(HWND hwnd);
     static void Mouse(DWORD flags, LONG dx = 0, LONG dy = 0);
 };
 
