@@ -46,6 +46,9 @@ cp -r "$bin/pictures" "$run/pictures"
 cp "$bin/standins/service/LinkAPI64.dll" "$bin/standins/service/DAAPI64.dll" \
    "$bin/standins/service/VersitConverter64.dll" "$bin/phonectl.exe" "$run/"
 cp standins/samples/contacts.vcf "$run/sample-contacts.vcf"
+# The stand-in's shell namespace extension, registered in the session below ("wine regsvr32 /u" removes it):
+# the phones of "phones" beside it show up under My Computer in the file dialogs.
+cp "$bin/standins/service/PhoneFolders64.dll" "$run/"
 
 # The settings the library reads, for the stand-in settings library's manufacturer "Zelvo".
 export WINEPREFIX="$ZCMOD_WINE_DEMO" WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
@@ -88,6 +91,8 @@ session='
     { echo "demo: phonectl could not make the sample phone" >&2; exit 1; }
   wine "$2/phonectl.exe" contacts sample "$2/sample-contacts.vcf" --append >/dev/null 2>&1 ||
     { echo "demo: phonectl could not load the sample contacts" >&2; exit 1; }
+  wine regsvr32 /s "$2/PhoneFolders64.dll" >/dev/null 2>&1 ||
+    { echo "demo: the phone folders could not be registered" >&2; exit 1; }
   reg=$1 run=$2; shift 2
   wine "$run/gallery.exe" "$@"
   rc=$?

@@ -128,8 +128,14 @@ public:
 protected:
     virtual void Clear() = 0;
 
+    int m_otherTips = 0;
+
     HWND MakePanel(HWND host)
     {
+        // Tips that other controls of the window have already (the frame's caption buttons).
+        const int* others =
+            static_cast<const int*>(GetPropW(GetAncestor(host, GA_ROOT), L"__DeskHubCVuikTooltipControlCount"));
+        m_otherTips = others ? *others : 0;
         RECT area;
         GetClientRect(host, &area);
         m_panelSkin.SetSkinDef(CButtonPanelSkinDef{&m_labels});
@@ -142,7 +148,7 @@ protected:
     {
         HWND top = GetAncestor(m_panel->m_hWnd, GA_ROOT);
         const int* count = static_cast<const int*>(GetPropW(top, L"__DeskHubCVuikTooltipControlCount"));
-        if (!GetPropW(top, L"__DeskHubCVuikTooltipControlWindowHandle") || !count || *count != expected)
+        if (!GetPropW(top, L"__DeskHubCVuikTooltipControlWindowHandle") || !count || *count != m_otherTips + expected)
             return Format(L"expected %d controls on the shared tooltip window", expected);
         return L"";
     }

@@ -255,8 +255,9 @@ private:
     {
         auto* self = reinterpret_cast<DevicePage*>(GetWindowLongPtrW(window, GWLP_USERDATA));
         if (self && message == WM_TIMER && wParam == kDriveTimer) {
-            KillTimer(window, kDriveTimer);
-            self->DriveSelectionWindow();
+            // A busy machine may open the selection window after the first tick: the timer waits for it.
+            if (self->DriveSelectionWindow())
+                KillTimer(window, kDriveTimer);
             return 0;
         }
         return DefWindowProcW(window, message, wParam, lParam);
@@ -298,12 +299,12 @@ private:
         InvalidateRect(m_host, nullptr, FALSE);
     }
 
-    // Keeps a picture of the window, then moves to the work phone and takes it.
-    void DriveSelectionWindow()
+    // Keeps a picture of the window, then moves to the work phone and takes it; false while there is no window.
+    bool DriveSelectionWindow()
     {
         HWND window = FindWindowW(kSelectionClass, nullptr);
-        if (!window)
-            return;
+        if (!window || !IsWindowVisible(window))
+            return false;
         HWND list = GetDlgItem(window, 0x71);
         const LRESULT rows = SendMessageW(list, LB_GETCOUNT, 0, 0);
         for (LRESULT row = 0; row < rows; ++row) {
@@ -328,6 +329,7 @@ private:
         DeleteDC(memory);
         ReleaseDC(window, source);
         PostMessageW(list, WM_KEYDOWN, VK_RETURN, 1);
+        return true;
     }
 
     void Tour()

@@ -6,7 +6,9 @@
 //   gallery.exe --rtl                right-to-left layout
 //
 // It starts the library the way a client of the suite must: CVuikLib::Init with its instances, the layout
-// and auto scale before any skin loads, fault reporting, and ZCMOD_Finalize at the end.
+// and auto scale before any skin loads, fault reporting, and ZCMOD_Finalize at the end. Its main window wears
+// the library's drawn frame (CVuikWindowBackgroundCtrl): the view, a child over the whole window, carries the
+// caption with its buttons, the page list and the page itself; the footer names the page.
 #include <windows.h>
 
 #include <shellapi.h>
@@ -21,19 +23,37 @@
 #include "GalleryPage.h"
 #include "Screenshot.h"
 
+// Where the library has its menu bar, the gallery's pages and themes are chosen from one.
+#if defined(__has_include)
+#if __has_include(<zcmod/VuikMenuBarCtrl.h>)
+#define GALLERY_MENU_BAR 1
+#endif
+#endif
+
 namespace {
 
 const wchar_t kMainClass[] = L"ZcmodGallery";
 const wchar_t kHostClass[] = L"ZcmodGalleryPage";
+const wchar_t kViewClass[] = L"ZcmodGalleryView";
 const int kListWidth = 200;
 const UINT_PTR kTickTimer = 1;
+// The caption's icon, drawn by art/appicon.py into the gallery's resources.
+const DWORD kAppIconId = 7600;
+// Commands of the menu: a page by its index, a theme.
+const UINT kPageCommand = 1000;
+const UINT kThemeDefault = 1100;
+const UINT kThemeGraphite = 1101;
 
 struct Gallery {
     std::vector<std::unique_ptr<GalleryPage>> pages;
     size_t current = 0;
     HWND main = nullptr;
+    HWND view = nullptr;
     HWND list = nullptr;
     HWND host = nullptr;
+    bool rtl = false;
+    std::unique_ptr<CVuikWindowBackgroundSkin> frameSkin;
+    std::unique_ptr<CVuikWindowBackgroundCtrl> frame;
 };
 
 Gallery g_gallery;
@@ -42,6 +62,8 @@ GalleryPage* CurrentPage()
 {
     return g_gallery.current < g_gallery.pages.size() ? g_gallery.pages[g_gallery.current].get() : nullptr;
 }
+
+void MarkMenu();
 
 void ShowPage(size_t index)
 {
@@ -53,6 +75,117 @@ void ShowPage(size_t index)
     SendMessageW(g_gallery.list, LB_SETCURSEL, index, 0);
     g_gallery.pages[index]->Enter(g_gallery.host);
     InvalidateRect(g_gallery.host, nullptr, FALSE);
+    // The footer names the page.
+    if (g_gallery.view)
+        InvalidateRect(g_gallery.view, nullptr, FALSE);
+    MarkMenu();
+}
+
+HMENU Menu() { return g_gallery.frame ? g_gallery.frame->GetMenuHandle() : nullptr; }
+
+// The menu's marks: the page shown and the theme in use.
+void MarkMenu()
+{
+    HMENU menu = Menu();
+    if (!menu)
+        return;
+    const UINT pages = static_cast<UINT>(g_gallery.pages.size());
+    CheckMenuRadioItem(GetSubMenu(menu, 0), 0, pages - 1, static_cast<UINT>(g_gallery.current), MF_BYPOSITION);
+    wchar_t theme[64] = {};
+    LoadStringW(ZCMOD_GetCommonZGR(), ZGR_STR_THEME_NAME, theme, 64);
+    CheckMenuRadioItem(GetSubMenu(menu, 1), kThemeDefault, kThemeGraphite,
+                       lstrcmpiW(theme, L"Graphite") == 0 ? kThemeGraphite : kThemeDefault, MF_BYCOMMAND);
+}
+
+#ifdef GALLERY_MENU_BAR
+HMENU MakeMenu()
+{
+    HMENU bar = CreateMenu();
+    HMENU pages = CreatePopupMenu();
+    for (size_t i = 0; i < g_gallery.pages.size(); ++i)
+        AppendMenuW(pages, MF_STRING, kPageCommand + i, g_gallery.pages[i]->Title());
+    HMENU themes = CreatePopupMenu();
+    AppendMenuW(themes, MF_STRING, kThemeDefault, L"&Default");
+    AppendMenuW(themes, MF_STRING, kThemeGraphite, L"&Graphite");
+    AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(pages), L"&Pages");
+    AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(themes), L"&Theme");
+    return bar;
+}
+
+// The user's theme is a value of the suite's settings; the library's next look at its graphics module loads
+// the new one. The frame's buttons and the page then take their pictures anew.
+void SwitchTheme(const wchar_t* theme)
+{
+    const std::wstring key = std::wstring(L"Software\\") + CUtils::GetUIManufacturerName() + L"\\DeskHub";
+    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"Theme", REG_SZ, theme,
+                    static_cast<DWORD>((wcslen(theme) + 1) * sizeof(wchar_t)));
+    ZCMOD_GetCommonZGR();
+    g_gallery.frame->ReloadCaptionButtons();
+    ShowPage(g_gallery.current);
+    RedrawWindow(g_gallery.main, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+}
+#endif
+
+bool MenuStripShown()
+{
+    return g_gallery.frameSkin &&
+           static_cast<CVuikWindowBackgroundSkinDef>(*g_gallery.frameSkin).m_bMenuBarVisible != 0;
+}
+
+// The list and the page between the caption and the footer of the drawn frame, the list on the reading side.
+void LayOut(int width, int height)
+{
+    const int top =
+        CVuikWindowBackgroundCtrl::CaptionHeight + (MenuStripShown() ? CVuikWindowBackgroundCtrl::MenuBarHeight : 0);
+    const int bottom = height - CVuikWindowBackgroundCtrl::FooterHeight - 1;
+    const int listLeft = g_gallery.rtl ? width - 1 - kListWidth : 1;
+    const int hostLeft = g_gallery.rtl ? 1 : 1 + kListWidth;
+    MoveWindow(g_gallery.list, listLeft, top, kListWidth, bottom - top, TRUE);
+    MoveWindow(g_gallery.host, hostLeft, top, width - 2 - kListWidth, bottom - top, TRUE);
+}
+
+// The footer's text, written after the frame has copied its picture to the screen.
+void PaintFooter(HWND view, HDC dc)
+{
+    const GalleryPage* page = CurrentPage();
+    if (!page)
+        return;
+    RECT r;
+    GetClientRect(view, &r);
+    r.top = r.bottom - CVuikWindowBackgroundCtrl::FooterHeight;
+    InflateRect(&r, -16, 0);
+    wchar_t text[160];
+    swprintf(text, 160, L"%ls  \x2022  %u / %u", page->Title(), static_cast<unsigned>(g_gallery.current + 1),
+             static_cast<unsigned>(g_gallery.pages.size()));
+    HGDIOBJ old = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, RGB(0x55, 0x5B, 0x63));
+    DrawTextW(dc, text, -1, &r,
+              DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | (g_gallery.rtl ? DT_RIGHT | DT_RTLREADING : DT_LEFT));
+    SelectObject(dc, old);
+}
+
+LRESULT CALLBACK ViewProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message) {
+    case WM_SIZE:
+        LayOut(LOWORD(lParam), HIWORD(lParam));
+        return 0;
+    case WM_VUIK_AFTERPAINT:
+        PaintFooter(hwnd, reinterpret_cast<HDC>(wParam));
+        return 0;
+    case WM_COMMAND:
+        if (reinterpret_cast<HWND>(lParam) == g_gallery.list && HIWORD(wParam) == LBN_SELCHANGE) {
+            const LRESULT index = SendMessageW(g_gallery.list, LB_GETCURSEL, 0, 0);
+            if (index >= 0)
+                ShowPage(static_cast<size_t>(index));
+            return 0;
+        }
+        break;
+    default:
+        break;
+    }
+    return DefWindowProcW(hwnd, message, wParam, lParam);
 }
 
 LRESULT CALLBACK HostProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
@@ -97,29 +230,35 @@ LRESULT CALLBACK MainProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
     switch (message) {
     case WM_CREATE: {
         HINSTANCE instance = reinterpret_cast<CREATESTRUCTW*>(lParam)->hInstance;
-        g_gallery.list = CreateWindowExW(WS_EX_CLIENTEDGE, L"LISTBOX", nullptr,
+        g_gallery.view = CreateWindowExW(0, kViewClass, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, 100,
+                                         100, hwnd, nullptr, instance, nullptr);
+        g_gallery.list = CreateWindowExW(g_gallery.rtl ? WS_EX_RIGHT | WS_EX_RTLREADING : 0, L"LISTBOX", nullptr,
                                          WS_CHILD | WS_VISIBLE | WS_VSCROLL | LBS_NOTIFY | LBS_NOINTEGRALHEIGHT, 0, 0,
-                                         kListWidth, 100, hwnd, nullptr, instance, nullptr);
+                                         kListWidth, 100, g_gallery.view, nullptr, instance, nullptr);
         SendMessageW(g_gallery.list, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
         for (const auto& page : g_gallery.pages)
             SendMessageW(g_gallery.list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(page->Title()));
         g_gallery.host = CreateWindowExW(0, kHostClass, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, kListWidth,
-                                         0, 100, 100, hwnd, nullptr, instance, nullptr);
+                                         0, 100, 100, g_gallery.view, nullptr, instance, nullptr);
         SetTimer(g_gallery.host, kTickTimer, 50, nullptr);
         return 0;
     }
     case WM_SIZE:
-        MoveWindow(g_gallery.list, 0, 0, kListWidth, HIWORD(lParam), TRUE);
-        MoveWindow(g_gallery.host, kListWidth, 0, LOWORD(lParam) - kListWidth, HIWORD(lParam), TRUE);
+        MoveWindow(g_gallery.view, 0, 0, LOWORD(lParam), HIWORD(lParam), TRUE);
         return 0;
+#ifdef GALLERY_MENU_BAR
     case WM_COMMAND:
-        if (reinterpret_cast<HWND>(lParam) == g_gallery.list && HIWORD(wParam) == LBN_SELCHANGE) {
-            const LRESULT index = SendMessageW(g_gallery.list, LB_GETCURSEL, 0, 0);
-            if (index >= 0)
-                ShowPage(static_cast<size_t>(index));
+        // The menu bar's commands.
+        if (LOWORD(wParam) >= kPageCommand && LOWORD(wParam) < kPageCommand + g_gallery.pages.size()) {
+            ShowPage(LOWORD(wParam) - kPageCommand);
+            return 0;
+        }
+        if (LOWORD(wParam) == kThemeDefault || LOWORD(wParam) == kThemeGraphite) {
+            SwitchTheme(LOWORD(wParam) == kThemeGraphite ? L"Graphite" : L"Default");
             return 0;
         }
         break;
+#endif
     case WM_DESTROY:
         if (GalleryPage* page = CurrentPage())
             page->Leave();
@@ -164,6 +303,45 @@ std::wstring FileNameFor(size_t index, const wchar_t* title)
     return prefix + name + L".png";
 }
 
+// The colour of the caption band's top rows, which no text or button reaches.
+COLORREF CaptionColour()
+{
+    HDC dc = GetDC(g_gallery.main);
+    RECT r;
+    GetClientRect(g_gallery.main, &r);
+    const COLORREF colour = GetPixel(dc, r.right / 2, 2);
+    ReleaseDC(g_gallery.main, dc);
+    return colour;
+}
+
+// One more picture with another window in front: the frame's caption pales while the window is inactive.
+int TakeInactiveScreenshot(const std::wstring& folder, size_t index)
+{
+    const COLORREF active = CaptionColour();
+    HWND other = CreateWindowExW(WS_EX_TOOLWINDOW, L"STATIC", L"", WS_POPUP | WS_VISIBLE | WS_BORDER, 1200, 960, 60,
+                                 40, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+    SetForegroundWindow(other);
+    Pump(300);
+    const COLORREF inactive = CaptionColour();
+    const std::wstring path = folder + L"\\" + FileNameFor(index, L"Inactive window");
+    std::wstring error;
+    int failures = 0;
+    if (!gallery::SaveWindowPng(g_gallery.main, path, error)) {
+        std::fprintf(stderr, "gallery: %ls\n", error.c_str());
+        ++failures;
+    } else if (active == inactive || GetRValue(inactive) <= GetRValue(active)) {
+        std::fprintf(stderr, "gallery: the inactive caption is not paler (%06lx, active %06lx)\n",
+                     static_cast<unsigned long>(inactive), static_cast<unsigned long>(active));
+        ++failures;
+    } else {
+        std::printf("gallery: %ls\n", path.c_str());
+    }
+    DestroyWindow(other);
+    SetForegroundWindow(g_gallery.main);
+    Pump(200);
+    return failures;
+}
+
 int TakeScreenshots(const std::wstring& folder)
 {
     CreateDirectoryW(folder.c_str(), nullptr);
@@ -189,6 +367,7 @@ int TakeScreenshots(const std::wstring& folder)
             std::printf("gallery: %ls\n", path.c_str());
         }
     }
+    failures += TakeInactiveScreenshot(folder, g_gallery.pages.size());
     std::fflush(stdout);
     return failures ? 1 : 0;
 }
@@ -209,6 +388,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
             rtl = true;
     }
     LocalFree(argv);
+    g_gallery.rtl = rtl;
 
     // The client's side of the library's start.
     CVuikLib::Init(instance, instance);
@@ -223,6 +403,9 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
     wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     wc.lpszClassName = kHostClass;
     RegisterClassExW(&wc);
+    wc.lpfnWndProc = ViewProc;
+    wc.lpszClassName = kViewClass;
+    RegisterClassExW(&wc);
     wc.lpfnWndProc = MainProc;
     wc.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
     wc.lpszClassName = kMainClass;
@@ -230,10 +413,26 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
     RegisterClassExW(&wc);
 
     g_gallery.pages = MakeGalleryPages();
+#ifdef GALLERY_MENU_BAR
+    HMENU menu = MakeMenu();
+#else
+    HMENU menu = nullptr;
+#endif
     g_gallery.main = CreateWindowExW(0, kMainClass, L"ZCMOD gallery", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
-                                     CW_USEDEFAULT, CW_USEDEFAULT, 1180, 760, nullptr, nullptr, instance, nullptr);
+                                     CW_USEDEFAULT, CW_USEDEFAULT, 1180, 760, nullptr, menu, instance, nullptr);
     if (!g_gallery.main)
         return 1;
+    // The drawn frame, with the gallery's icon in its caption.
+    g_gallery.frameSkin.reset(new CVuikWindowBackgroundSkin());
+    g_gallery.frame.reset(new CVuikWindowBackgroundCtrl());
+    g_gallery.frame->SetSkin(g_gallery.frameSkin.get());
+    // The window's menu becomes a menu bar on a strip under the caption.
+    g_gallery.frameSkin->SetMenuBarVisible(menu != nullptr);
+    const CAPTIONAPPICONDATA icon = {0, instance, kAppIconId};
+    g_gallery.frame->SubclassWindow(g_gallery.view, g_gallery.main, &icon,
+                                    CVuikWindowBackgroundCtrl::CAPTION_CLOSE | CVuikWindowBackgroundCtrl::CAPTION_MINIMIZE |
+                                        CVuikWindowBackgroundCtrl::CAPTION_MAXIMIZE |
+                                        CVuikWindowBackgroundCtrl::CAPTION_APPICON);
     ShowWindow(g_gallery.main, screenshots.empty() ? show : SW_SHOWNORMAL);
     ShowPage(0);
 
@@ -244,6 +443,8 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
     } else {
         MSG msg;
         while (GetMessageW(&msg, nullptr, 0, 0) > 0) {
+            if (g_gallery.frame->TranslateMenuAccelerator(&msg))
+                continue;
             if (GalleryPage* page = CurrentPage())
                 if (page->PreTranslate(&msg))
                     continue;
@@ -252,6 +453,8 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
         }
     }
     g_gallery.pages.clear();
+    g_gallery.frame.reset();
+    g_gallery.frameSkin.reset();
     ZCMOD_Finalize();
     return result;
 }

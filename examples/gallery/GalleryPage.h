@@ -37,6 +37,7 @@ std::unique_ptr<GalleryPage> MakeSkinPage();
 std::unique_ptr<GalleryPage> MakeStaticsPage();
 std::unique_ptr<GalleryPage> MakeButtonFamilyPage();
 std::unique_ptr<GalleryPage> MakeCommonCheckButtonsPage();
+std::unique_ptr<GalleryPage> MakeMessageBoxPage();
 std::unique_ptr<GalleryPage> MakeDevicePage();
 std::unique_ptr<GalleryPage> MakeSearchPage();
 std::unique_ptr<GalleryPage> MakeRtlPage();
@@ -46,6 +47,9 @@ std::unique_ptr<GalleryPage> MakeListViewPage();
 std::unique_ptr<GalleryPage> MakeMenuBarPage();
 std::unique_ptr<GalleryPage> MakeAnimationPage();
 std::unique_ptr<GalleryPage> MakeMessageEditorPage();
+std::unique_ptr<GalleryPage> MakeAboutPage();
+std::unique_ptr<GalleryPage> MakeProgressPage();
+std::unique_ptr<GalleryPage> MakePhoneFilesPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

@@ -9,6 +9,7 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeStaticsPage());
     pages.push_back(MakeButtonFamilyPage());
     pages.push_back(MakeCommonCheckButtonsPage());
+    pages.push_back(MakeMessageBoxPage());
     pages.push_back(MakeDevicePage());
     pages.push_back(MakeSearchPage());
     pages.push_back(MakeRtlPage());
@@ -18,5 +19,8 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeMenuBarPage());
     pages.push_back(MakeAnimationPage());
     pages.push_back(MakeMessageEditorPage());
+    pages.push_back(MakeAboutPage());
+    pages.push_back(MakeProgressPage());
+    pages.push_back(MakePhoneFilesPage());
     return pages;
 }

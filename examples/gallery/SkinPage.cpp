@@ -286,6 +286,10 @@ public:
     {
         Leave();
         m_host = host;
+        // Tips that other controls of the window have already (the frame's caption buttons).
+        const int* before =
+            static_cast<const int*>(GetPropW(GetAncestor(host, GA_ROOT), L"__DeskHubCVuikTooltipControlCount"));
+        m_otherTips = before ? *before : 0;
         // The resource manager shares a picture between skins by module and id, so both sides draw the same
         // pictures: loaded left to right, and turned round with the whole buffer on the right-hand side.
         {
@@ -366,7 +370,8 @@ public:
             return L"the right-to-left glyph is not where the mirror puts it";
         HWND top = GetAncestor(m_panel->m_hWnd, GA_ROOT);
         const int* count = static_cast<const int*>(GetPropW(top, L"__DeskHubCVuikTooltipControlCount"));
-        if (!GetPropW(top, L"__DeskHubCVuikTooltipControlWindowHandle") || !count || *count != 2 * kStates)
+        if (!GetPropW(top, L"__DeskHubCVuikTooltipControlWindowHandle") || !count ||
+            *count != m_otherTips + 2 * kStates)
             return L"the buttons don't share one tooltip window";
         return L"";
     }
@@ -385,6 +390,7 @@ private:
     CGalleryButtonSkin m_skins[2];  // left to right, right to left
     CGalleryPanelSkin m_panelSkin;
     std::unique_ptr<CGalleryPanel> m_panel;
+    int m_otherTips = 0;
     std::vector<std::unique_ptr<CGalleryButton>> m_buttons;
 };
 

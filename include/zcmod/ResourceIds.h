@@ -116,6 +116,49 @@
 #define ZGR_BMP_STEPBAR_SEPARATOR 5208
 #define ZGR_BMP_STEPBAR_BACKGROUND 5209
 
+/* The drawn window frame (CVuikWindowBackgroundCtrl). Language module: the caption buttons' tips and texts
+   (at most 19 characters) and the system menu's items. */
+#define ZLR_STR_CAPTION_CLOSE 35002
+#define ZLR_STR_CAPTION_MINIMIZE 35003
+#define ZLR_STR_CAPTION_MAXIMIZE 35004
+#define ZLR_STR_CAPTION_RESTORE 35005
+#define ZLR_STR_SYSMENU_CLOSE 35011
+#define ZLR_STR_SYSMENU_RESTORE 35012
+#define ZLR_STR_SYSMENU_SIZE 35013
+#define ZLR_STR_SYSMENU_MINIMIZE 35014
+#define ZLR_STR_SYSMENU_MAXIMIZE 35015
+#define ZLR_STR_SYSMENU_MOVE 35016
+/* Graphics module: the caption buttons' pictures, normal, hover and pressed. */
+#define ZGR_BMP_CAPTION_CLOSE_BESIDE_NORMAL 32502
+#define ZGR_BMP_CAPTION_CLOSE_BESIDE_HOVER 32503
+#define ZGR_BMP_CAPTION_CLOSE_BESIDE_PRESSED 32504
+#define ZGR_BMP_CAPTION_MINIMIZE_NORMAL 32505
+#define ZGR_BMP_CAPTION_MINIMIZE_HOVER 32506
+#define ZGR_BMP_CAPTION_MINIMIZE_PRESSED 32507
+#define ZGR_BMP_CAPTION_MAXIMIZE_HOVER 32531
+#define ZGR_BMP_CAPTION_MAXIMIZE_NORMAL 32532
+#define ZGR_BMP_CAPTION_MAXIMIZE_PRESSED 32533
+#define ZGR_BMP_CAPTION_CLOSE_ALONE_NORMAL 32534
+#define ZGR_BMP_CAPTION_CLOSE_ALONE_HOVER 32535
+#define ZGR_BMP_CAPTION_CLOSE_ALONE_PRESSED 32536
+#define ZGR_BMP_CAPTION_RESTORE_HOVER 32537
+#define ZGR_BMP_CAPTION_RESTORE_NORMAL 32538
+#define ZGR_BMP_CAPTION_RESTORE_PRESSED 32539
+
+/* Message boxes. Language module: the texts (and tooltips) of the common box's buttons. Graphics module: the
+   icons of those buttons, normal and disabled (Yes wears OK's), and the box's message icon, 32 by 32. */
+#define ZLR_STR_MSGBOX_OK 6002
+#define ZLR_STR_MSGBOX_CANCEL 6003
+#define ZLR_STR_MSGBOX_YES 6004
+#define ZLR_STR_MSGBOX_NO 6005
+#define ZGR_BMP_MSGBOX_CANCEL 34005
+#define ZGR_BMP_MSGBOX_CANCEL_DISABLED 34006
+#define ZGR_BMP_MSGBOX_OK 34007
+#define ZGR_BMP_MSGBOX_OK_DISABLED 34008
+#define ZGR_BMP_MSGBOX_NO 34009
+#define ZGR_BMP_MSGBOX_NO_DISABLED 34010
+#define ZGR_BMP_MESSAGE_ICON 35010
+
 /* Graphics module: the progress animation's eleven frames, PNG with alpha, drawn over the theme's window
    colour; CPNGAnimation plays them in order. */
 #define ZGR_PNG_ANIMATION_FIRST 34030
@@ -123,5 +166,25 @@
 #define ZGR_PNG_ANIMATION_FRAMES 11
 /* Graphics module: the suite's splash picture, PNG with soft alpha edges, for CVuikSplashScreen. */
 #define ZGR_PNG_SPLASH 34100
+
+/* The about box (CCommonAboutDlg). Library module: its template. Language module: the legal text in two
+   parts and the OK button's text and tip. Graphics module: the banner, the maker's mark and the OK tick. */
+#define ZCMOD_DLG_ABOUT 108
+#define ZLR_STR_ABOUT_LEGAL_FIRST 6000
+#define ZLR_STR_ABOUT_LEGAL_SECOND 6001
+#define ZLR_STR_ABOUT_OK ZLR_STR_MSGBOX_OK  /* the message boxes' "OK" */
+#define ZGR_BMP_ABOUT_BANNER 35000
+#define ZGR_BMP_ABOUT_MAKER 35001
+#define ZGR_BMP_ABOUT_OK_ICON ZGR_BMP_MSGBOX_OK
+#define ZGR_BMP_ABOUT_OK_ICON_DISABLED ZGR_BMP_MSGBOX_OK_DISABLED
+/* The progress dialog (CCommonProgressDlg). Library module: its template, with the two side pictures and the
+   animation's placeholder. Graphics module: the side pictures, left and right (mirrored in a right-to-left
+   layout); its frames are ZGR_PNG_ANIMATION_FIRST to _LAST and its text colour ZGR_COLOR_TEXT. Language
+   module: a waiting text and a step counter ("%d" the step, "%d" the steps) for applications to show. */
+#define ZCMOD_DLG_PROGRESS 702
+#define ZGR_BMP_PROGRESS_LEFT 34028
+#define ZGR_BMP_PROGRESS_RIGHT 34029
+#define ZLR_STR_PROGRESS_WAIT 35210
+#define ZLR_STR_PROGRESS_STEP 35211
 
 #endif

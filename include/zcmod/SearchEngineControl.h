@@ -54,6 +54,25 @@ protected:
     ~ISearchEngineNotify() {}
 };
 
+class CVuikWindowBackgroundSkin;
+
+// Owns the window background skin of a recipient box: made from its default def and loaded from the
+// application's resources; unloaded and deleted with the manager.
+class ZCMOD_API CSeSkinManager {
+public:
+    CSeSkinManager();
+    virtual ~CSeSkinManager();
+    CSeSkinManager(const CSeSkinManager&) = delete;
+    CSeSkinManager& operator=(const CSeSkinManager&) = delete;
+
+    // Makes and loads the skin with `instance` as the resource instance for the time of the load; 1.
+    int Initialize(HINSTANCE instance);
+    CVuikWindowBackgroundSkin* GetBackgroundSkin() const { return m_pBackgroundSkin; }
+
+private:
+    CVuikWindowBackgroundSkin* m_pBackgroundSkin;
+};
+
 class ZCMOD_API CSearchEngineControl {
 public:
     // Binds to the phone service (device management, content access, versit conversion) and reads the
@@ -232,6 +251,7 @@ protected:
     int m_iButtonHeight;
     long m_lThreeDimLook;
     HINSTANCE m_hInstance;
+    CSeSkinManager* m_pSkinManager;
 
     // The contact's name in the user's order: one personal field alone, else given and family name.
     static std::wstring BuildContactName(const void* contactItem);

@@ -3,7 +3,9 @@
 #pragma once
 
 #include "zcmod/CSDWrapper.h"
+#include "zcmod/CommonAboutDlg.h"
 #include "zcmod/CommonModuleState.h"
+#include "zcmod/CommonProgressDlg.h"
 #include "zcmod/DKHLInfoReader.h"
 #include "zcmod/DkhDialog.h"
 #include "zcmod/FaultReporting.h"
@@ -32,6 +34,7 @@
 #include "zcmod/VuikLib.h"
 #include "zcmod/VuikListViewCtrl.h"
 #include "zcmod/VuikMenuBarCtrl.h"
+#include "zcmod/VuikMessageBox.h"
 #include "zcmod/VuikMessages.h"
 #include "zcmod/VuikResourceManager.h"
 #include "zcmod/VuikSplashScreen.h"
@@ -40,4 +43,5 @@
 #include "zcmod/VuikTabCtrl.h"
 #include "zcmod/VuikTooltip.h"
 #include "zcmod/VuikWindow.h"
+#include "zcmod/VuikWindowBackgroundCtrl.h"
 #include "zcmod/VuikWindowImpl.h"

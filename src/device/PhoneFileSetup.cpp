@@ -4,6 +4,7 @@
 
 #include "device/core/PhonePaths.h"
 #include "frame/Handles.h"
+#include "zcmod/VuikMessageBox.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/PhoneFileDialog.h"
 #include "zcmod/RTLHelper.h"
@@ -127,7 +128,8 @@ std::wstring LoadText(UINT id)
 int ShowMessage(HWND owner, const std::wstring& text, UINT flags)
 {
     const std::wstring caption = LoadText(ZLR_STR_SUITE_NAME);
-    return MessageBoxW(owner, text.c_str(), caption.c_str(), flags | (IsRightToLeft() ? MB_RTLREADING | MB_RIGHT : 0));
+    // The suite's own box; it mirrors with the library's layout, which follows the same language.
+    return CVuikCommonMessageBox::Show(owner, text.c_str(), caption.c_str(), flags);
 }
 
 }  // namespace zcmod::phonefile

@@ -10,10 +10,12 @@
 
 #include "device/ConnectivityApi.h"
 #include "device/core/ContactFieldTypes.h"
+#include "frame/GdiPlus.h"
 #include "frame/Handles.h"
 #include "recipient/ContactCache.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/DKHLInfoReader.h"
+#include "zcmod/VuikWindowBackgroundCtrl.h"
 #include "zcmod/RTLHelper.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/VuikLib.h"
@@ -103,9 +105,34 @@ void FindEach(ContactItem& condition, F&& each)
 
 }  // namespace
 
-CSearchEngineControl::CSearchEngineControl(HINSTANCE instance)
-    : m_iButtonWidth(50), m_iButtonHeight(50), m_lThreeDimLook(0), m_hInstance(instance)
+CSeSkinManager::CSeSkinManager() : m_pBackgroundSkin(nullptr) {}
+
+CSeSkinManager::~CSeSkinManager()
 {
+    if (m_pBackgroundSkin)
+        m_pBackgroundSkin->Unload();
+    delete m_pBackgroundSkin;
+}
+
+int CSeSkinManager::Initialize(HINSTANCE instance)
+{
+    const HINSTANCE previous = CVuikLib::GetResourceInstance();
+    CVuikLib::SetResourceInstance(instance);
+    if (!m_pBackgroundSkin)
+        m_pBackgroundSkin = new (std::nothrow) CVuikWindowBackgroundSkin();
+    if (m_pBackgroundSkin) {
+        m_pBackgroundSkin->SetSkinDef(CVuikWindowBackgroundSkin::m_DefaultSkinDef);
+        m_pBackgroundSkin->Load();
+    }
+    CVuikLib::SetResourceInstance(previous);
+    return 1;
+}
+
+CSearchEngineControl::CSearchEngineControl(HINSTANCE instance)
+    : m_iButtonWidth(50), m_iButtonHeight(50), m_lThreeDimLook(0), m_hInstance(instance),
+      m_pSkinManager(new (std::nothrow) CSeSkinManager())
+{
+    zcmod::EnsureGdiPlus();
     m_bDisableChange = 0;
     m_bDisableSelChange = 0;
     INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_WIN95_CLASSES};
@@ -118,11 +145,15 @@ CSearchEngineControl::CSearchEngineControl(HINSTANCE instance)
     CAAPI_Initialize(kCaapiVersion, 0);
     VCAPI_Initialize(kVcapiVersion, 0);
     m_iNameOrder = ReadNameOrder();
+    if (m_pSkinManager)
+        m_pSkinManager->Initialize(m_hInstance ? m_hInstance : GetModuleHandleW(nullptr));
 }
 
 CSearchEngineControl::~CSearchEngineControl()
 {
     DestroyBox();
+    delete m_pSkinManager;
+    m_pSkinManager = nullptr;
     if (m_hDeviceManager) {
         LNKACloseDM(static_cast<HLNKADM>(m_hDeviceManager));
         m_hDeviceManager = nullptr;

@@ -3,6 +3,7 @@
 #include <richedit.h>
 
 #include "recipient/core/RecipientText.h"
+#include "zcmod/VuikMessageBox.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/RTLHelper.h"
 #include "zcmod/ResHandler.h"
@@ -63,7 +64,7 @@ void ShowRecipientMessage(HWND edit, UINT id)
     wchar_t caption[260] = {};
     ZCMOD_LoadString(id, text, 260);
     ZCMOD_LoadString(ZLR_STR_SUITE_NAME, caption, 260);
-    MessageBoxW(edit, text, caption, MB_OK | MB_ICONERROR);
+    CVuikCommonMessageBox::Show(edit, text, caption, MB_OK | MB_ICONERROR);
     if (edit && IsWindow(edit))
         SetFocus(edit);
 }

@@ -24,6 +24,8 @@ TEST(StaticLayout, LabelFlagsFollowTheFirstMatchingStyleBit)
         {0x80, 0x814},        // no prefix
         {0x81 | 0x100, 0x815},
         {0x50000000, 0x14},   // window bits don't count
+        {0x2000, 0x2014},     // SS_EDITCONTROL: an edit control's wrapping
+        {0x200C, 0x24},       // and nothing for a single line
     };
     for (const auto& c : cases)
         EXPECT_EQ(LabelTextFlags(c.style), c.flags) << std::hex << c.style;

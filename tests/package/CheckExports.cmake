@@ -16,6 +16,18 @@ foreach(member Init GetInstance SetInstance GetResourceInstance SetResourceInsta
     message(FATAL_ERROR "CVuikLib::${member} is not exported")
   endif()
 endforeach()
+# The drawn window frame: its control with the caption flags, and its skin.
+foreach(member SubclassWindow CustomCaptionProc GetMenuHandle TranslateMenuAccelerator CAPTION_CLOSE
+               CAPTION_MINIMIZE CAPTION_MAXIMIZE CAPTION_HELP CAPTION_APPICON CAPTION_USEFAKERTL CAPTION_ISDIALOG)
+  if(NOT table MATCHES "_ZN25CVuikWindowBackgroundCtrl[0-9]+${member}E")
+    message(FATAL_ERROR "CVuikWindowBackgroundCtrl::${member} is not exported")
+  endif()
+endforeach()
+foreach(member Draw SetMenuBarVisible SetDefaultSkinDef m_DefaultSkinDef)
+  if(NOT table MATCHES "_ZN25CVuikWindowBackgroundSkin[0-9]+${member}E")
+    message(FATAL_ERROR "CVuikWindowBackgroundSkin::${member} is not exported")
+  endif()
+endforeach()
 string(REGEX MATCHALL "DLL Name: [^\n]+" imports "${table}")
 foreach(import IN LISTS imports)
   if(import MATCHES "libgcc|libstdc|winpthread")

@@ -198,10 +198,12 @@ HWND FindDialog(DWORD thread, const std::function<bool(HWND)>& match)
     return found;
 }
 bool IsFileDialog(HWND hwnd) { return GetDlgItem(hwnd, lst1) || GetDlgItem(hwnd, lst2) || GetDlgItem(hwnd, cmb13); }
+// The text of a message box: the platform's in the static 0xFFFF, the suite's in its first static (id 0).
 std::wstring MessageText(HWND box)
 {
     wchar_t text[512] = {};
-    GetDlgItemTextW(box, 0xFFFF, text, 512);
+    if (!GetDlgItemTextW(box, 0xFFFF, text, 512))
+        GetDlgItemTextW(box, 0, text, 512);
     return text;
 }
 // Types into the dialog's name box and presses Enter.

@@ -59,6 +59,36 @@ private:
     }
 };
 
+// The stand-in's shell namespace extension (the phones under My Computer), registered for the life of the
+// object through the DLL's own DllRegisterServer and removed again with DllUnregisterServer.
+class PhoneFoldersRegistration {
+public:
+    PhoneFoldersRegistration() : m_module(LoadLibraryW((ServiceDir() + L"\\PhoneFolders64.dll").c_str()))
+    {
+        m_registered = Call("DllRegisterServer") == S_OK;
+    }
+    ~PhoneFoldersRegistration()
+    {
+        Call("DllUnregisterServer");
+        if (m_module)
+            FreeLibrary(m_module);
+    }
+    PhoneFoldersRegistration(const PhoneFoldersRegistration&) = delete;
+    PhoneFoldersRegistration& operator=(const PhoneFoldersRegistration&) = delete;
+    bool Registered() const { return m_registered; }
+    HRESULT Call(const char* name) const
+    {
+        using Entry = HRESULT(WINAPI*)();
+        const auto entry =
+            m_module ? reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(m_module, name))) : nullptr;
+        return entry ? entry() : E_FAIL;
+    }
+
+private:
+    HMODULE m_module;
+    bool m_registered = false;
+};
+
 // Removes a folder with all it holds.
 inline void RemoveTree(const std::wstring& folder)
 {

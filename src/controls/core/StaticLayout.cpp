@@ -10,6 +10,8 @@ namespace {
 const std::uint32_t kRight = 0x2, kCenter = 0x1, kVCenter = 0x4, kWordBreak = 0x10, kSingleLine = 0x20,
                     kNoPrefix = 0x800;
 const std::uint32_t kStaticNoPrefix = 0x80;
+// SS_EDITCONTROL asks for an edit control's wrapping, which also breaks a word longer than a line.
+const std::uint32_t kStaticEditControl = 0x2000, kEditControl = 0x2000;
 
 }  // namespace
 
@@ -26,6 +28,8 @@ std::uint32_t LabelTextFlags(std::uint32_t style)
         flags = kVCenter | kWordBreak;
     if (style & kStaticNoPrefix)
         flags |= kNoPrefix;
+    if ((style & kStaticEditControl) && (flags & kWordBreak))
+        flags |= kEditControl;
     return flags;
 }
 

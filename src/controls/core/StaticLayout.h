@@ -23,7 +23,8 @@ struct PieceSize {
 };
 
 // The text-drawing flags (DT_*) of a label with this window style: right, centred, single line or left,
-// each word-wrapped except the single line, and no prefix processing with SS_NOPREFIX.
+// each word-wrapped except the single line, and no prefix processing with SS_NOPREFIX; SS_EDITCONTROL
+// wraps as an edit control does, breaking a word longer than a line.
 std::uint32_t LabelTextFlags(std::uint32_t style);
 
 // The vertical placements of a label's text.

@@ -1,0 +1,390 @@
+// The about box under Wine: the texts it reads and shows, its fonts, the close paths by real input, right to
+// left, its place on the screen, reviewed pictures in both themes and layouts, and handle hygiene.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "AboutTestIds.h"
+#include "DeviceTestSupport.h"
+#include "Golden.h"
+#include "HandleCounter.h"
+#include "MessageSequence.h"
+#include "TestSkins.h"
+#include "TestSupport.h"
+#include "zcmod/CommonAboutDlg.h"
+#include "zcmod/RTLHelper.h"
+#include "zcmod/ResourceIds.h"
+#include "zcmod/Utils.h"
+#include "zcmod/VuikLib.h"
+
+using namespace zcmod_test;
+using testskin::Capture;
+
+namespace {
+
+struct TestAboutDlg : CCommonAboutDlg {
+    using CCommonAboutDlg::ClipToMonitor;
+    using CCommonAboutDlg::LoadStringEx;
+};
+
+constexpr INT_PTR kStuck = 0x5757;  // what the watchdog ends a box with
+constexpr UINT kCaptionClose = 0x8001, kCaptionIcon = 0x8004;
+
+tagABOUTBOXPARAMS Params(HWND parent, UINT product = IDS_ABOUT_TEST_PRODUCT, UINT icon = 0)
+{
+    tagABOUTBOXPARAMS params = {};
+    params.m_hStringModule = params.m_hIconModule = GetModuleHandleW(nullptr);
+    params.m_hParent = parent;
+    params.m_nTitleId = IDS_ABOUT_TEST_TITLE;
+    params.m_nProductId = product;
+    params.m_nFooterId = IDS_ABOUT_TEST_FOOTER;
+    params.m_nIconId = icon;
+    return params;
+}
+
+// Runs the box modally. `drive` is called from a timer of its modal loop, every 50 ms once the box is shown, with
+// the box and the tick's number; it must close the box. A watchdog ends it with kStuck after ten seconds.
+std::function<void(HWND, int)> g_drive;
+CCommonAboutDlg* g_running = nullptr;
+int g_ticks = 0;
+
+void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD)
+{
+    HWND box = g_running ? g_running->GetSafeHwnd() : nullptr;
+    if (!box || !IsWindowVisible(box))
+        return;
+    const int tick = g_ticks++;
+    if (tick * 50 > 10000) {
+        ADD_FAILURE() << "the about box did not close";
+        EndDialog(box, kStuck);
+        return;
+    }
+    UpdateWindow(box);
+    g_drive(box, tick);
+}
+
+INT_PTR RunModal(CCommonAboutDlg& about, std::function<void(HWND, int)> drive)
+{
+    g_drive = std::move(drive);
+    g_running = &about;
+    g_ticks = 0;
+    const UINT_PTR timer = SetTimer(nullptr, 0, 50, Tick);
+    const INT_PTR result = about.DoModal();
+    KillTimer(nullptr, timer);
+    g_running = nullptr;
+    return result;
+}
+
+POINT CentreOf(HWND hwnd)
+{
+    RECT rect;
+    GetWindowRect(hwnd, &rect);
+    return POINT{(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
+}
+
+void ClickOn(HWND hwnd)
+{
+    msgseq::input::MoveTo(CentreOf(hwnd));
+    msgseq::input::LeftDown();
+    msgseq::input::LeftUp();
+}
+
+// What the box shows on the screen; outside its rounded region, black.
+Capture Shown(HWND box)
+{
+    RECT rect;
+    GetWindowRect(box, &rect);
+    testskin::Canvas canvas(rect.right - rect.left, rect.bottom - rect.top);
+    HDC screen = GetDC(nullptr);
+    BitBlt(canvas, 0, 0, rect.right - rect.left, rect.bottom - rect.top, screen, rect.left, rect.top, SRCCOPY);
+    ReleaseDC(nullptr, screen);
+    Capture c = canvas.Read();
+    HRGN region = CreateRectRgn(0, 0, 0, 0);
+    if (GetWindowRgn(box, region) != ERROR)
+        for (int i = 0; i < c.width * c.height; ++i)
+            if (!PtInRegion(region, i % c.width, i / c.width))
+                c.pixels[i] = 0;
+    DeleteObject(region);
+    return c;
+}
+
+class AboutDialog : public testing::Test {
+protected:
+    void Use(const wchar_t* language, const wchar_t* theme = L"Default")
+    {
+        m_resources.reset();
+        m_resources.reset(new FreshResources(m_registry, language, theme));
+        CVuikLib::SetLayout(CRTLHelper::IsRTL(language) ? 1 : 0);
+    }
+    void SetUp() override
+    {
+        m_registry.SetBuildNumber(L"8.1.4");
+        Use(L"eng");
+    }
+    void TearDown() override
+    {
+        CVuikLib::SetLayout(0);
+        m_resources.reset();
+    }
+    SuiteRegistry m_registry;
+    std::unique_ptr<FreshResources> m_resources;
+    AppWindow m_app;
+};
+
+}  // namespace
+
+TEST_F(AboutDialog, ReadsTheSuitesTextsAndTheApplications)
+{
+    const struct {
+        const wchar_t* language;
+        const wchar_t* versionWord;
+    } cases[] = {{L"eng", L"Version"}, {L"heb", L"\x05D2\x05E8\x05E1\x05D4"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.language);
+        Use(c.language);
+        CCommonAboutDlg about;
+        // The maker from the settings library, the word of string 95 without its three leading characters, and
+        // the installation's build number.
+        const std::wstring build = CUtils::GetCachedBuildNumber();
+        EXPECT_FALSE(build.empty());
+        EXPECT_EQ(std::wstring(about.GetVersionText()), std::wstring(L"Zelvo ") + c.versionWord + L" " + build);
+        EXPECT_EQ(std::wstring(about.GetLegalText()),
+                  LanguageString(ZLR_STR_ABOUT_LEGAL_FIRST) + L" " + LanguageString(ZLR_STR_ABOUT_LEGAL_SECOND));
+
+        EXPECT_STREQ(about.GetTitleText(), L"");
+        tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_LONG);
+        params.m_nFooterId = IDS_ABOUT_TEST_NO_BLOCK;
+        about.SetAboutBoxParams(&params);
+        EXPECT_STREQ(about.GetTitleText(), L"About Test Application");
+        EXPECT_EQ(std::wstring(about.GetProductText()).size(), 103u);
+        EXPECT_STREQ(about.GetFooterText(), L"") << "a missing string is empty";
+        // Params given again replace the earlier ones.
+        params = Params(m_app.Get());
+        about.SetAboutBoxParams(&params);
+        EXPECT_STREQ(about.GetProductText(), L"Test Application");
+        EXPECT_STREQ(about.GetFooterText(), L"Test Application 4.5 (build 678)");
+    }
+}
+
+TEST_F(AboutDialog, LoadStringExWalksTheTableWhateverTheLength)
+{
+    const HINSTANCE app = GetModuleHandleW(nullptr);
+    const struct {
+        HINSTANCE module;
+        UINT id;
+        int capacity;
+        int length;
+        const wchar_t* text;
+    } cases[] = {
+        {app, IDS_ABOUT_TEST_PRODUCT, 64, 16, L"Test Application"},
+        {app, IDS_ABOUT_TEST_BLOCK_END, 64, 17, L"Last of its block"},
+        {app, IDS_ABOUT_TEST_PRODUCT, 17, 16, L"Test Application"},  // just fits with its end
+        {app, IDS_ABOUT_TEST_PRODUCT, 16, 16, L""},                  // doesn't fit: nothing copied
+        {app, IDS_ABOUT_TEST_LONG, 0, 103, L""},
+        {app, IDS_ABOUT_TEST_EMPTY, 64, 0, L""},
+        {app, IDS_ABOUT_TEST_GAP, 64, 0, L""},
+        {app, IDS_ABOUT_TEST_NO_BLOCK, 64, 0, L""},
+        {nullptr, IDS_ABOUT_TEST_PRODUCT, 64, 0, L""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "id " << c.id << " capacity " << c.capacity);
+        wchar_t buffer[64];
+        wmemset(buffer, L'#', 64);
+        EXPECT_EQ(TestAboutDlg::LoadStringEx(c.module, c.id, c.capacity ? buffer : nullptr, c.capacity), c.length);
+        if (c.capacity) {
+            EXPECT_STREQ(buffer, c.text);
+            EXPECT_EQ(buffer[c.capacity - 1], L'\0') << "cleared to its end";
+        }
+    }
+}
+
+TEST_F(AboutDialog, FontsAreTheSuitesInThreeSizes)
+{
+    CCommonAboutDlg about;
+    const LONG heights[] = {20, 12, 15};
+    for (int i = 0; i < 3; ++i) {
+        SCOPED_TRACE(i);
+        LOGFONTW font = {};
+        ASSERT_EQ(GetObjectW(about.GetFont(i), sizeof(font), &font), static_cast<int>(sizeof(font)));
+        EXPECT_STREQ(font.lfFaceName, L"Zelvo Sans Wide");
+        EXPECT_EQ(font.lfHeight, heights[i]);
+        EXPECT_EQ(font.lfWeight, FW_NORMAL);
+        EXPECT_EQ(font.lfQuality, CLEARTYPE_QUALITY);
+        EXPECT_EQ(font.lfCharSet, DEFAULT_CHARSET);
+    }
+    EXPECT_EQ(about.GetFont(3), nullptr);
+}
+
+TEST_F(AboutDialog, ClosesByEveryPathWithItsId)
+{
+    CCommonAboutDlg early;
+    EXPECT_EQ(early.DoModal(), -1) << "no params yet";
+
+    enum How { OkButton, CaptionClose, Escape, Enter };
+    const struct {
+        How how;
+        UINT icon;
+        INT_PTR result;
+    } cases[] = {{OkButton, 0, IDOK}, {CaptionClose, IDS_ABOUT_TEST_PRODUCT, IDCANCEL}, {Escape, 0, IDCANCEL},
+                 {Enter, IDS_ABOUT_TEST_PRODUCT, IDOK}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(static_cast<int>(c.how));
+        CCommonAboutDlg about;
+        tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_PRODUCT, c.icon);
+        about.SetAboutBoxParams(&params);
+        HWND seen = nullptr;
+        const INT_PTR result = RunModal(about, [&](HWND box, int tick) {
+            if (tick > 0)
+                return;
+            seen = box;
+            EXPECT_EQ(GetPropW(box, L"__DeskHubCCommonAboutDlgInstance"), static_cast<HANDLE>(&about));
+            wchar_t title[64] = {};
+            GetWindowTextW(box, title, 64);
+            EXPECT_STREQ(title, L"About Test Application");
+            RECT rect;
+            GetWindowRect(box, &rect);
+            EXPECT_EQ(rect.right - rect.left, 537);
+            EXPECT_EQ(rect.bottom - rect.top, 380);
+            EXPECT_TRUE(GetClassLongPtrW(box, GCL_STYLE) & CS_DROPSHADOW);
+            EXPECT_EQ(GetDlgItem(box, kCaptionIcon) != nullptr, c.icon != 0) << "the caption icon";
+            HWND ok = GetDlgItem(box, IDOK);
+            ASSERT_NE(ok, nullptr);
+            wchar_t text[16] = {};
+            GetWindowTextW(ok, text, 16);
+            EXPECT_STREQ(text, L"OK");
+            switch (c.how) {
+                case OkButton: ClickOn(ok); break;
+                case CaptionClose: ClickOn(GetDlgItem(box, kCaptionClose)); break;
+                case Escape: PostMessageW(GetFocus(), WM_KEYDOWN, VK_ESCAPE, 0); break;
+                case Enter: PostMessageW(GetFocus(), WM_KEYDOWN, VK_RETURN, 0); break;
+            }
+        });
+        EXPECT_EQ(result, c.result);
+        EXPECT_FALSE(IsWindow(seen));
+        EXPECT_EQ(about.GetSafeHwnd(), nullptr);
+    }
+}
+
+TEST_F(AboutDialog, CentresOverItsParentOrTheDesktopAndStaysOnTheMonitor)
+{
+    const RECT screen = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+    const struct {
+        RECT parent;
+        bool minimised;
+        POINT topLeft;  // where the box's top left corner is expected
+    } cases[] = {
+        {{100, 100, 900, 700}, false, {100 + (800 - 537) / 2, 100 + (600 - 380) / 2}},
+        {{100, 100, 900, 700}, true, {(screen.right - 537) / 2, (screen.bottom - 380) / 2}},
+        {{-300, -200, 100, 100}, false, {0, 0}},  // would hang off the top left: kept on the monitor
+        {{screen.right - 100, screen.bottom - 100, screen.right + 300, screen.bottom + 100}, false,
+         {screen.right - 537, screen.bottom - 380}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.parent.left << "," << c.parent.top << (c.minimised ? " minimised" : ""));
+        MoveWindow(m_app.Get(), c.parent.left, c.parent.top, c.parent.right - c.parent.left,
+                   c.parent.bottom - c.parent.top, TRUE);
+        ShowWindow(m_app.Get(), c.minimised ? SW_MINIMIZE : SW_RESTORE);
+        MoveWindow(m_app.Get(), c.parent.left, c.parent.top, c.parent.right - c.parent.left,
+                   c.parent.bottom - c.parent.top, TRUE);
+        CCommonAboutDlg about;
+        tagABOUTBOXPARAMS params = Params(m_app.Get());
+        about.SetAboutBoxParams(&params);
+        RECT placed = {};
+        RunModal(about, [&](HWND box, int) {
+            GetWindowRect(box, &placed);
+            EndDialog(box, IDOK);
+        });
+        EXPECT_EQ(placed.left, c.topLeft.x);
+        EXPECT_EQ(placed.top, c.topLeft.y);
+    }
+    ShowWindow(m_app.Get(), SW_RESTORE);
+
+    // Too large for the monitor: the left and top edges stay on it.
+    RECT huge = {-50, -60, screen.right + 500, screen.bottom + 400};
+    TestAboutDlg::ClipToMonitor(huge);
+    EXPECT_EQ(huge.left, 0);
+    EXPECT_EQ(huge.top, 0);
+    EXPECT_EQ(huge.right - huge.left, screen.right + 550) << "the size is kept";
+}
+
+// Right to left the OK button and the caption's close button change sides, whether the library's layout turns
+// the drawing or only the language flips the template.
+TEST_F(AboutDialog, RightToLeftMirrorsTheBox)
+{
+    const struct {
+        const wchar_t* language;
+        DWORD layout;
+        bool rtl, flipped;
+    } cases[] = {{L"eng", 0, false, false}, {L"heb", 1, true, false}, {L"heb", 0, true, true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.language << " layout " << c.layout);
+        Use(c.language);
+        CVuikLib::SetLayout(c.layout);
+        CCommonAboutDlg about;
+        tagABOUTBOXPARAMS params = Params(m_app.Get());
+        about.SetAboutBoxParams(&params);
+        RunModal(about, [&](HWND box, int) {
+            EXPECT_EQ((GetWindowLongW(box, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0, c.flipped);
+            RECT frame, ok, close;
+            GetWindowRect(box, &frame);
+            GetWindowRect(GetDlgItem(box, IDOK), &ok);
+            GetWindowRect(GetDlgItem(box, kCaptionClose), &close);
+            // Left to right the button's right edge lies 33 pixels in from the right; mirrored, from the left.
+            EXPECT_EQ(c.rtl ? ok.left - frame.left : frame.right - ok.right, 33);
+            EXPECT_EQ(c.rtl, close.left - frame.left < (frame.right - frame.left) / 2);
+            wchar_t text[16] = {};
+            GetWindowTextW(GetDlgItem(box, IDOK), text, 16);
+            EXPECT_STREQ(text, c.rtl ? L"\x05D0\x05D9\x05E9\x05D5\x05E8" : L"OK");
+            EndDialog(box, IDOK);
+        });
+    }
+}
+
+// The whole box in both themes and layouts, against reviewed pictures.
+TEST_F(AboutDialog, Golden)
+{
+    for (const wchar_t* theme : {L"Default", L"Graphite"})
+        for (const wchar_t* language : {L"eng", L"heb"}) {
+            Use(language, theme);
+            const std::string name = std::string("about_") + (theme[0] == L'D' ? "Default" : "Graphite") +
+                                     (language[0] == L'h' ? "_rtl" : "_ltr");
+            SCOPED_TRACE(name);
+            CCommonAboutDlg about;
+            tagABOUTBOXPARAMS params = Params(nullptr, IDS_ABOUT_TEST_PRODUCT, IDS_ABOUT_TEST_PRODUCT);
+            about.SetAboutBoxParams(&params);
+            RunModal(about, [&](HWND box, int tick) {
+                if (tick < 2)
+                    return;  // the caption's buttons and the OK button have painted
+                const Capture shown = Shown(box);
+                EXPECT_TRUE(MatchesGolden(name, shown.width, shown.height, shown.pixels.data(), 8));
+                EndDialog(box, IDOK);
+            });
+        }
+}
+
+TEST_F(AboutDialog, FreesEverythingOverRepeatedUse)
+{
+    HandleCounter counter;
+    ASSERT_GT(counter.Patched(), 0);
+    const auto cycle = [&] {
+        CCommonAboutDlg about;
+        tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_PRODUCT, IDS_ABOUT_TEST_PRODUCT);
+        about.SetAboutBoxParams(&params);
+        about.SetAboutBoxParams(&params);
+        RunModal(about, [](HWND box, int tick) {
+            if (tick == 0)
+                PostMessageW(box, WM_COMMAND, IDCANCEL, 0);
+        });
+        // The same object again, its box ended from outside.
+        RunModal(about, [](HWND box, int) { EndDialog(box, IDOK); });
+    };
+    cycle();
+    const auto before = counter.Live();
+    for (int i = 0; i < 5; ++i)
+        cycle();
+    EXPECT_EQ(counter.Live(), before) << counter.Live().ToString() << " against " << before.ToString();
+}

@@ -1,0 +1,601 @@
+// The skinned message boxes, run modally on the test thread and driven from a second thread: which buttons
+// each type keeps, what each click and key returns, the layout rules measured from outside, right to left,
+// pixel goldens and handle hygiene. Every run has a watchdog that closes a box left open and fails the test.
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "ButtonTestIds.h"
+#include "DeviceTestSupport.h"
+#include "Golden.h"
+#include "HandleCounter.h"
+#include "TestSkinIds.h"
+#include "TestSkins.h"
+#include "zcmod/ResHandler.h"
+#include "zcmod/ResourceIds.h"
+#include "zcmod/VuikButtonCtrl.h"
+#include "zcmod/VuikMessageBox.h"
+#include "zcmod/VuikWindowBackgroundCtrl.h"
+
+using namespace testskin;
+using namespace zcmod_test;
+
+namespace {
+
+// What the helper thread saw of a box, in the box's client coordinates (as its layout reads them).
+struct Seen {
+    HWND box = nullptr;
+    RECT window = {}, client = {}, text = {}, icon = {};
+    std::map<UINT, RECT> buttons;  // live buttons by id
+    std::map<UINT, std::wstring> buttonTexts;
+    std::wstring message, title;
+    LONG_PTR exStyle = 0, textExStyle = 0;
+    UINT defaultId = 0;
+    bool hasIcon = false, sawText = false;
+};
+
+RECT ClientRectOf(HWND child, HWND box)
+{
+    RECT r;
+    GetWindowRect(child, &r);
+    MapWindowPoints(nullptr, box, reinterpret_cast<POINT*>(&r), 2);
+    if (r.left > r.right)
+        std::swap(r.left, r.right);
+    return r;
+}
+
+HWND FindBox(DWORD thread)
+{
+    HWND found = nullptr;
+    EnumThreadWindows(
+        thread,
+        [](HWND hwnd, LPARAM out) -> BOOL {
+            wchar_t cls[16] = {};
+            GetClassNameW(hwnd, cls, 16);
+            if (IsWindowVisible(hwnd) && lstrcmpW(cls, L"#32770") == 0) {
+                *reinterpret_cast<HWND*>(out) = hwnd;
+                return FALSE;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
+}
+
+Seen Look(HWND box)
+{
+    Seen s;
+    s.box = box;
+    GetWindowRect(box, &s.window);
+    GetClientRect(box, &s.client);
+    s.exStyle = GetWindowLongPtrW(box, GWL_EXSTYLE);
+    wchar_t buffer[2048] = {};
+    GetWindowTextW(box, buffer, 2048);
+    s.title = buffer;
+    const DWORD def = static_cast<DWORD>(SendMessageW(box, DM_GETDEFID, 0, 0));
+    s.defaultId = HIWORD(def) == DC_HASDEFID ? LOWORD(def) : 0;
+    for (HWND child = GetWindow(box, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        wchar_t cls[32] = {};
+        GetClassNameW(child, cls, 32);
+        const UINT id = GetDlgCtrlID(child);
+        if (lstrcmpiW(cls, L"Button") == 0 && (id == IDOK || id == IDCANCEL || id == IDYES || id == IDNO)) {
+            s.buttons[id] = ClientRectOf(child, box);
+            GetWindowTextW(child, buffer, 2048);
+            s.buttonTexts[id] = buffer;
+        } else if (lstrcmpiW(cls, L"Static") == 0 && id == 0) {
+            // Children follow their creation: the text's static, then the icon's.
+            if (!s.sawText) {
+                s.sawText = true;
+                s.text = ClientRectOf(child, box);
+                GetWindowTextW(child, buffer, 2048);
+                s.message = buffer;
+                s.textExStyle = GetWindowLongPtrW(child, GWL_EXSTYLE);
+            } else {
+                s.icon = ClientRectOf(child, box);
+                s.hasIcon = true;
+            }
+        }
+    }
+    return s;
+}
+
+// A real click: the cursor moves to the middle of `target` and the left button goes down and up there.
+void SendMouse(DWORD flags, int x = 0, int y = 0)
+{
+    INPUT input = {};
+    input.type = INPUT_MOUSE;
+    input.mi.dwFlags = flags;
+    if (flags & MOUSEEVENTF_ABSOLUTE) {
+        input.mi.dx = (x * 65535 + GetSystemMetrics(SM_CXSCREEN) / 2) / (GetSystemMetrics(SM_CXSCREEN) - 1);
+        input.mi.dy = (y * 65535 + GetSystemMetrics(SM_CYSCREEN) / 2) / (GetSystemMetrics(SM_CYSCREEN) - 1);
+    }
+    SendInput(1, &input, sizeof(INPUT));
+    Sleep(40);
+}
+
+void PostClick(HWND target)
+{
+    RECT r;
+    GetWindowRect(target, &r);
+    SetForegroundWindow(GetAncestor(target, GA_ROOT));
+    const int x = (r.left + r.right) / 2, y = (r.top + r.bottom) / 2;
+    SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, x - 3, y - 2);
+    SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, x, y);
+    SendMouse(MOUSEEVENTF_LEFTDOWN);
+    SendMouse(MOUSEEVENTF_LEFTUP);
+}
+
+void PostKey(HWND box, WPARAM key)
+{
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof(info);
+    GetGUIThreadInfo(GetWindowThreadProcessId(box, nullptr), &info);
+    HWND target = info.hwndFocus ? info.hwndFocus : box;
+    PostMessageW(target, WM_KEYDOWN, key, 1);
+    PostMessageW(target, WM_KEYUP, key, 0xC0000001);
+}
+
+// How a run ends: a click on a button, a key, the close button of the frame, or WM_CLOSE.
+enum Action { Click, Escape, Enter, CloseButton, CloseMessage };
+
+void Act(const Seen& s, Action action, UINT id)
+{
+    switch (action) {
+        case Click: PostClick(GetDlgItem(s.box, id)); break;
+        case Escape: PostKey(s.box, VK_ESCAPE); break;
+        case Enter: PostKey(s.box, VK_RETURN); break;
+        case CloseButton:
+            if (HWND close = GetDlgItem(s.box, CVuikWindowBackgroundCtrl::CommandClose))
+                PostClick(close);
+            else
+                PostMessageW(s.box, WM_SYSCOMMAND, SC_CLOSE, 0);
+            break;
+        case CloseMessage: PostMessageW(s.box, WM_CLOSE, 0, 0); break;
+    }
+}
+
+// Runs `show` here while a helper thread waits for the box, looks at it (`look`), then ends it by `action`.
+// The watchdog: a box not up in 5 seconds, or still up 3 seconds after the action, is closed and the run
+// reported as hung.
+struct BoxRun {
+    int result = 0;
+    bool hung = false;
+    Seen seen;
+};
+
+BoxRun RunBox(const std::function<int()>& show, Action action, UINT id = 0,
+           const std::function<void(const Seen&)>& look = nullptr, DWORD settle = 60)
+{
+    BoxRun run;
+    const DWORD thread = GetCurrentThreadId();
+    std::atomic<bool> finished{false};
+    std::thread helper([&] {
+        HWND box = nullptr;
+        for (int i = 0; i < 250 && !box && !finished; ++i) {
+            Sleep(20);
+            box = FindBox(thread);
+        }
+        if (!box) {
+            run.hung = !finished;
+            return;
+        }
+        Sleep(settle);
+        run.seen = Look(box);
+        if (look)
+            look(run.seen);
+        Act(run.seen, action, id);
+        for (int i = 0; i < 150 && IsWindow(box); ++i)
+            Sleep(20);
+        if (IsWindow(box)) {
+            run.hung = true;
+            PostMessageW(box, WM_CLOSE, 0, 0);
+            Sleep(200);
+            if (IsWindow(box))
+                EndDialog(box, -2);
+        }
+    });
+    run.result = show();
+    finished = true;
+    helper.join();
+    return run;
+}
+
+int Width(const RECT& r) { return r.right - r.left; }
+int Height(const RECT& r) { return r.bottom - r.top; }
+
+// The extent of one line of `text` in the suite's font of `height` and `weight`, or in `font`.
+SIZE Measure(const wchar_t* text, HFONT font)
+{
+    HDC dc = GetDC(nullptr);
+    HGDIOBJ old = SelectObject(dc, font);
+    RECT r = {0, 0, 0, 0};
+    DrawTextW(dc, text, -1, &r, DT_CALCRECT);
+    SelectObject(dc, old);
+    ReleaseDC(nullptr, dc);
+    return SIZE{r.right, r.bottom};
+}
+
+SIZE MeasureSuite(const wchar_t* text, int height, int weight)
+{
+    LOGFONTW lf = {};
+    DkhLoadFont(&lf);
+    lf.lfHeight = height;
+    lf.lfWeight = weight;
+    lf.lfCharSet = DEFAULT_CHARSET;
+    HFONT font = CreateFontIndirectW(&lf);
+    const SIZE size = Measure(text, font);
+    DeleteObject(font);
+    return size;
+}
+
+SIZE MeasureCaption(const wchar_t* text)
+{
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = 500;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, 500, &metrics, 0);
+    HFONT font = CreateFontIndirectW(&metrics.lfCaptionFont);
+    const SIZE size = Measure(text, font);
+    DeleteObject(font);
+    return size;
+}
+
+class MessageBoxes : public ::testing::Test {
+protected:
+    void SetUpResources(const wchar_t* language, const wchar_t* theme)
+    {
+        m_resources.reset();
+        m_resources.reset(new FreshResources(m_registry, language, theme));
+    }
+    void SetUp() override
+    {
+        SetUpResources(L"eng", L"Default");
+        // The application's skins of the older box: the test program's button pieces, a stretched background.
+        CVuikButtonSkinDef def = m_buttonSkin;
+        for (CVuikButtonStateSkinDef& state : def.m_States) {
+            state.m_nLeftBitmapId = IDB_BUTTON_LEFT;
+            state.m_nMiddleBitmapId = IDB_BUTTON_MIDDLE;
+            state.m_nRightBitmapId = IDB_BUTTON_RIGHT;
+        }
+        m_buttonSkin.SetSkinDef(def);
+        m_buttonSkin.Load();
+        m_backgroundSkin.SetSkinDef(CVuikStaticBitmapSkinDef{IDB_TEST_BADGE, 1, 0});
+        m_backgroundSkin.Load();
+        CVuikMessageBox::SetButtonSkin(&m_buttonSkin);
+        CVuikMessageBox::SetBackgroundSkin(&m_backgroundSkin);
+        CVuikMessageBox::SetTextColor(RGB(0, 0, 0));
+        CVuikMessageBox::SetButtonCaptions(nullptr, 0, 0, 0, 0);
+    }
+    void TearDown() override
+    {
+        CVuikMessageBox::SetButtonSkin(nullptr);
+        CVuikMessageBox::SetBackgroundSkin(nullptr);
+    }
+    static std::function<int()> Common(const wchar_t* text, const wchar_t* title, UINT type)
+    {
+        return [=] { return CVuikCommonMessageBox::Show(nullptr, text, title, type); };
+    }
+    static std::function<int()> Plain(const wchar_t* text, const wchar_t* title, UINT type)
+    {
+        return [=] { return CVuikMessageBox::Show(nullptr, text, title, type); };
+    }
+
+    LibraryState m_library;
+    SuiteRegistry m_registry;
+    std::unique_ptr<FreshResources> m_resources;
+    CVuikButtonSkin m_buttonSkin;
+    CVuikStaticBitmapSkin m_backgroundSkin;
+};
+
+// ---- Buttons, results and keys --------------------------------------------------------------------------------
+
+TEST_F(MessageBoxes, EachTypeKeepsItsButtonsAndReturnsTheChoice)
+{
+    const std::vector<UINT> all = {IDOK, IDCANCEL, IDYES, IDNO};
+    struct Case {
+        bool common;
+        UINT type;
+        std::vector<UINT> buttons;  // live, in order of x
+        UINT defaultId;
+        Action action;
+        UINT id;
+        int result;
+    } cases[] = {
+        {true, MB_OK, {IDOK}, IDOK, Click, IDOK, IDOK},
+        {true, MB_OKCANCEL, {IDOK, IDCANCEL}, IDOK, Click, IDCANCEL, IDCANCEL},
+        {true, MB_YESNOCANCEL, {IDYES, IDNO, IDCANCEL}, IDYES, Click, IDNO, IDNO},
+        {true, MB_YESNO, {IDYES, IDNO}, IDYES, Click, IDYES, IDYES},
+        {true, MB_VUIK_CANCELONLY, {IDCANCEL}, IDCANCEL, Click, IDCANCEL, IDCANCEL},
+        {true, MB_YESNO, {IDYES, IDNO}, IDYES, Escape, 0, IDCANCEL},  // Escape is Cancel, even without one
+        {true, MB_OK, {IDOK}, IDOK, Escape, 0, IDCANCEL},
+        {true, MB_YESNOCANCEL, {IDYES, IDNO, IDCANCEL}, IDYES, Enter, 0, IDYES},
+        {true, MB_VUIK_CANCELONLY, {IDCANCEL}, IDCANCEL, Enter, 0, IDCANCEL},
+        {true, MB_YESNO, {IDYES, IDNO}, IDYES, CloseButton, 0, IDCANCEL},
+        {true, MB_OKCANCEL, {IDOK, IDCANCEL}, IDOK, CloseMessage, 0, IDCANCEL},
+        {true, MB_ABORTRETRYIGNORE, all, 0, Click, IDOK, IDOK},  // every button stays where the template put it
+        {false, MB_OK, {IDOK}, IDOK, Click, IDOK, IDOK},
+        {false, MB_YESNOCANCEL, {IDYES, IDNO, IDCANCEL}, IDYES, Click, IDCANCEL, IDCANCEL},
+        {false, MB_YESNO, {IDYES, IDNO}, IDYES, Enter, 0, IDYES},
+        {false, MB_OKCANCEL, {IDOK, IDCANCEL}, IDOK, Escape, 0, IDCANCEL},
+        {false, MB_YESNO, {IDYES, IDNO}, IDYES, CloseButton, 0, IDCANCEL},
+        {false, MB_VUIK_CANCELONLY, all, 0, Click, IDOK, IDOK},  // a lone Cancel is the common box's only
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << (c.common ? "common" : "plain") << " type " << c.type << " action "
+                                        << c.action << " id " << c.id);
+        const auto show = c.common ? Common(L"Delete the message?", L"Messages", c.type)
+                                   : Plain(L"Delete the message?", L"Messages", c.type);
+        BoxRun run = RunBox(show, c.action, c.id);
+        EXPECT_FALSE(run.hung) << "window " << run.seen.window.left << "," << run.seen.window.top << " "
+                               << Width(run.seen.window) << "x" << Height(run.seen.window) << " button at "
+                               << run.seen.buttons[c.id].left << "," << run.seen.buttons[c.id].top << " "
+                               << Width(run.seen.buttons[c.id]) << "x" << Height(run.seen.buttons[c.id]);
+        EXPECT_EQ(run.result, c.result);
+        std::vector<UINT> live;
+        for (const auto& b : run.seen.buttons)
+            live.push_back(b.first);
+        std::vector<UINT> expected = c.buttons;
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(live, expected);
+        // Row order: left to right as listed. Without a row, the box names no default (the dialog may).
+        if (c.defaultId) {
+            EXPECT_EQ(run.seen.defaultId, c.defaultId);
+            for (size_t i = 1; i < c.buttons.size(); ++i)
+                EXPECT_LT(run.seen.buttons[c.buttons[i - 1]].left, run.seen.buttons[c.buttons[i]].left);
+        }
+    }
+}
+
+TEST_F(MessageBoxes, ButtonsCarryTheLanguagesWordsAndTheCaptionsGiven)
+{
+    for (const wchar_t* language : {L"eng", L"heb"}) {
+        SetUpResources(language, L"Default");
+        BoxRun run = RunBox(Common(L"?", L"T", MB_YESNOCANCEL), Click, IDYES);
+        EXPECT_FALSE(run.hung);
+        EXPECT_EQ(run.seen.buttonTexts[IDYES], LanguageString(ZLR_STR_MSGBOX_YES));
+        EXPECT_EQ(run.seen.buttonTexts[IDNO], LanguageString(ZLR_STR_MSGBOX_NO));
+        EXPECT_EQ(run.seen.buttonTexts[IDCANCEL], LanguageString(ZLR_STR_MSGBOX_CANCEL));
+        EXPECT_EQ(std::wstring(language) == L"heb", run.seen.buttonTexts[IDYES] == L"\x05DB\x05DF");
+    }
+    // The older box: its own four words until the application names string ids.
+    BoxRun run = RunBox(Plain(L"?", L"T", MB_OKCANCEL), Click, IDOK);
+    EXPECT_EQ(run.seen.buttonTexts[IDOK], L"OK");
+    EXPECT_EQ(run.seen.buttonTexts[IDCANCEL], L"Cancel");
+    CVuikMessageBox::SetButtonCaptions(ZCMOD_GetCommonZLR(), ZLR_STR_MSGBOX_OK, ZLR_STR_MSGBOX_CANCEL,
+                                       ZLR_STR_MSGBOX_YES, ZLR_STR_MSGBOX_NO);
+    SetUpResources(L"heb", L"Default");
+    CVuikMessageBox::SetButtonCaptions(ZCMOD_GetCommonZLR(), ZLR_STR_MSGBOX_OK, ZLR_STR_MSGBOX_CANCEL,
+                                       ZLR_STR_MSGBOX_YES, ZLR_STR_MSGBOX_NO);
+    run = RunBox(Plain(L"?", L"T", MB_YESNO), Click, IDNO);
+    EXPECT_EQ(run.result, IDNO);
+    EXPECT_EQ(run.seen.buttonTexts[IDNO], L"\x05DC\x05D0");
+}
+
+TEST_F(MessageBoxes, OlderBoxWithoutSkinsIsThePlatformsAndNullTextsAreEmpty)
+{
+    CVuikMessageBox::SetBackgroundSkin(nullptr);
+    BoxRun run = RunBox(Plain(L"Platform text", L"Platform", MB_OKCANCEL), Click, IDCANCEL);
+    EXPECT_FALSE(run.hung);
+    EXPECT_EQ(run.result, IDCANCEL);
+    // The platform's box has its text in the static 0xFFFF; ours has no such static.
+    EXPECT_FALSE(run.seen.sawText);
+    CVuikMessageBox::SetBackgroundSkin(&m_backgroundSkin);
+    for (bool common : {true, false}) {
+        run = RunBox(common ? Common(nullptr, nullptr, MB_OK) : Plain(nullptr, nullptr, MB_OK), Click, IDOK);
+        EXPECT_FALSE(run.hung);
+        EXPECT_EQ(run.result, IDOK);
+        EXPECT_EQ(run.seen.title, L"");
+    }
+}
+
+// ---- Layout ---------------------------------------------------------------------------------------------------
+
+TEST_F(MessageBoxes, CommonLayoutFollowsTheMeasuredTitleAndText)
+{
+    const int half = GetSystemMetrics(SM_CXSCREEN) / 2;
+    const std::wstring unbroken(400, L'W');
+    struct Case {
+        const wchar_t* text;
+        const wchar_t* title;
+        UINT type;
+        bool titleDecides;  // the box is as wide as its title asks
+        bool wraps;
+    } cases[] = {
+        {L"Saved.", L"Notes", MB_OK, false, false},
+        {L"Delete the message from the phone?", L"Messages", MB_YESNOCANCEL | MB_ICONQUESTION, false, false},
+        {L"", L"Messages", MB_OKCANCEL, false, false},
+        {L"Hi", L"A title far wider than the text of the message, with room to spare", MB_OK, true, false},
+        {unbroken.c_str(), L"Long", MB_OK, false, true},
+        {unbroken.c_str(), L"Long", MB_YESNO | MB_ICONWARNING, false, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "title " << std::string(c.title, c.title + wcslen(c.title)));
+        BoxRun run = RunBox(Common(c.text, c.title, c.type), Escape);
+        ASSERT_FALSE(run.hung);
+        const Seen& s = run.seen;
+        const bool icon = (c.type & 0xF0) != 0;
+        const int n = static_cast<int>(s.buttons.size());
+        ASSERT_GT(n, 0);
+        const RECT first = s.buttons.begin()->second;
+        const int bw = Width(first), bh = Height(first);
+        EXPECT_EQ(bw, 32);
+        // The row: right-aligned, 5 apart, one pixel above the bottom.
+        int left = s.client.right, right = 0;
+        for (const auto& b : s.buttons) {
+            left = std::min<int>(left, b.second.left);
+            right = std::max<int>(right, b.second.right);
+            EXPECT_EQ(b.second.top, s.client.bottom - bh - 1);
+        }
+        EXPECT_EQ(left, s.client.right - n * bw - (15 + 5 * n));
+        EXPECT_EQ(right - left, n * bw + (n - 1) * 5);
+        // The text: below the 30-pixel caption, from the margin or past the icon, to the right edge.
+        EXPECT_EQ(s.text.top, 21 + 30);
+        EXPECT_EQ(s.text.left, icon ? GetSystemMetrics(SM_CXICON) + 42 : 21);
+        EXPECT_EQ(s.text.right, s.client.right);
+        EXPECT_EQ(s.hasIcon, icon);
+        if (icon) {
+            EXPECT_EQ(s.icon.left, 21);
+            EXPECT_EQ(s.icon.top, s.text.top);
+            EXPECT_EQ(Width(s.icon), 32);
+        }
+        // Height: twice the text, the title, the buttons and 63.
+        const SIZE title = MeasureSuite(c.title, 17, FW_NORMAL);
+        EXPECT_EQ(Height(s.window), 2 * Height(s.text) + title.cy + bh + 63);
+        const int minWidth = 40 + 42 + title.cx;  // the close button's picture is 40 wide
+        EXPECT_GE(Width(s.window), minWidth);
+        EXPECT_GE(Width(s.window), n * bw + (n + 1) * 21);
+        if (c.titleDecides) {
+            EXPECT_EQ(Width(s.window), minWidth);
+        }
+        const int lineHeight = MeasureSuite(L"W", 15, FW_MEDIUM).cy;
+        if (c.wraps) {
+            // The limit is half the desktop less the margins; the word is broken onto more lines.
+            EXPECT_LE(Width(s.window), icon ? GetSystemMetrics(SM_CXICON) + 84 + half - 63 : half - 42 + 63);
+            EXPECT_GT(Height(s.text), lineHeight);
+        } else if (*c.text) {
+            EXPECT_EQ(Height(s.text), lineHeight);
+        }
+        EXPECT_EQ(s.message, c.text);
+        EXPECT_EQ(s.title, c.title);
+    }
+}
+
+TEST_F(MessageBoxes, OlderLayoutCentresTheRowUnderTheText)
+{
+    const int half = GetSystemMetrics(SM_CXSCREEN) / 2;
+    const std::wstring unbroken(400, L'M');
+    struct Case {
+        const wchar_t* text;
+        const wchar_t* title;
+        UINT type;
+    } cases[] = {
+        {L"Saved.", L"Notes", MB_OK},
+        {L"Delete the message from the phone?", L"Messages", MB_YESNOCANCEL},
+        {L"", L"Empty", MB_YESNO},
+        {unbroken.c_str(), L"Long", MB_OKCANCEL},
+        // Only a user icon is looked for, in the application's module (the test program's 16-pixel badge).
+        {L"With the application's icon", L"Icon", MB_OK | MB_USERICON},
+        {L"No platform icon", L"Icon", MB_OK | MB_ICONQUESTION},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << "type " << c.type);
+        BoxRun run = RunBox(Plain(c.text, c.title, c.type), Escape);
+        ASSERT_FALSE(run.hung);
+        const Seen& s = run.seen;
+        const int n = static_cast<int>(s.buttons.size());
+        const RECT first = s.buttons.begin()->second;
+        const int bw = Width(first), bh = Height(first);
+        EXPECT_EQ(bh, 20);  // sized to the skin's pieces
+        int left = s.client.right, right = 0;
+        for (const auto& b : s.buttons) {
+            left = std::min<int>(left, b.second.left);
+            right = std::max<int>(right, b.second.right);
+            EXPECT_EQ(b.second.top, s.client.bottom - bh - 10);
+        }
+        EXPECT_EQ(right - left, n * bw + (n - 1) * 5);
+        EXPECT_EQ(left, (s.client.right - n * bw - (n - 1) * 5) / 2);
+        EXPECT_EQ(s.text.left, (c.type & 0xF0) == MB_USERICON ? 16 + 42 : 21);
+        EXPECT_EQ(s.text.top, 21);
+        EXPECT_EQ(s.text.right, s.client.right);
+        EXPECT_EQ(Height(s.window), Height(s.text) + MeasureCaption(c.title).cy + bh + 63);
+        EXPECT_LE(Width(s.window), std::max(half - 42 + 42, n * bw + (n + 1) * 21 + 1));
+        EXPECT_GE(Width(s.window), GetSystemMetrics(SM_CXSIZE) + 42 + MeasureCaption(c.title).cx);
+    }
+}
+
+TEST_F(MessageBoxes, RightToLeftMirrorsTheBox)
+{
+    SetUpResources(L"heb", L"Default");
+    CVuikLib::SetLayout(LAYOUT_RTL);
+    struct Case {
+        bool common;
+        LONG_PTR exStyle;
+    } cases[] = {{true, WS_EX_LAYOUTRTL}, {false, WS_EX_LAYOUTRTL | WS_EX_RTLREADING}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.common ? "common" : "plain");
+        RECT cancelOnScreen = {};
+        const auto look = [&](const Seen& s) { GetWindowRect(GetDlgItem(s.box, IDCANCEL), &cancelOnScreen); };
+        const auto show = c.common ? Common(L"\x05DC\x05DE\x05D7\x05D5\x05E7?", L"\x05D4\x05D5\x05D3\x05E2\x05D4",
+                                            MB_YESNOCANCEL | MB_ICONQUESTION)
+                                   : Plain(L"\x05DC\x05DE\x05D7\x05D5\x05E7?", L"\x05D4\x05D5\x05D3\x05E2\x05D4",
+                                           MB_YESNOCANCEL);
+        BoxRun run = RunBox(show, Click, IDNO, look);
+        EXPECT_FALSE(run.hung);
+        EXPECT_EQ(run.result, IDNO);
+        EXPECT_EQ(run.seen.exStyle & c.exStyle, c.exStyle);
+        EXPECT_TRUE(run.seen.textExStyle & WS_EX_RTLREADING);
+        if (c.common) {
+            // The right-aligned row shows at the left of the screen: Cancel, the last, leftmost, as far from
+            // the edge as the row's end is from the right edge in a left-to-right box.
+            const int n = 3, bw = 32;
+            EXPECT_EQ(cancelOnScreen.left - run.seen.window.left, (15 + 5 * n) - (n - 1) * 5);
+            EXPECT_LT(cancelOnScreen.left - run.seen.window.left, Width(run.seen.window) - n * bw);
+        }
+    }
+}
+
+// ---- Pixels and handles ---------------------------------------------------------------------------------------
+
+TEST_F(MessageBoxes, GoldenBoxesInBothThemesAndLayouts)
+{
+    struct Case {
+        const wchar_t* theme;
+        bool rtl;
+    } cases[] = {{L"Default", false}, {L"Default", true}, {L"Graphite", false}, {L"Graphite", true}};
+    for (const Case& c : cases) {
+        SetUpResources(c.rtl ? L"heb" : L"eng", c.theme);
+        CVuikLib::SetLayout(c.rtl ? LAYOUT_RTL : 0);
+        const std::string suffix = std::string(c.theme == std::wstring(L"Default") ? "Default" : "Graphite") +
+                                   (c.rtl ? "_rtl" : "_ltr");
+        SCOPED_TRACE(suffix);
+        const wchar_t* text = c.rtl ? L"\x05DC\x05DE\x05D7\x05D5\x05E7 \x05D0\x05EA \x05D4\x05D4\x05D5\x05D3\x05E2\x05D4?"
+                                    : L"Delete the message from the phone?";
+        const wchar_t* title = c.rtl ? L"\x05D4\x05D5\x05D3\x05E2\x05D5\x05EA" : L"Messages";
+        Capture common, plain;
+        BoxRun run = RunBox(Common(text, title, MB_YESNOCANCEL | MB_ICONQUESTION), Escape, 0,
+                         [&](const Seen& s) { common = CaptureWindow(s.box); }, 400);
+        EXPECT_FALSE(run.hung);
+        EXPECT_TRUE(MatchesGolden("msgbox_common_" + suffix, common.width, common.height, common.pixels.data()));
+        if (!c.rtl && c.theme == std::wstring(L"Default")) {
+            // A word longer than the limit is broken over lines, as it was measured.
+            const std::wstring unbroken(160, L'W');
+            Capture wrapped;
+            run = RunBox(Common(unbroken.c_str(), L"Long", MB_OK), Escape, 0,
+                         [&](const Seen& s) { wrapped = CaptureWindow(s.box); }, 400);
+            EXPECT_TRUE(MatchesGolden("msgbox_common_unbroken", wrapped.width, wrapped.height, wrapped.pixels.data()));
+        }
+        // The older box wears only the application's skins: the theme changes nothing of it.
+        if (c.theme != std::wstring(L"Default"))
+            continue;
+        CVuikMessageBox::SetTextColor(RGB(255, 255, 255));  // over the test's dark background
+        run = RunBox(Plain(text, title, MB_OKCANCEL), Escape, 0, [&](const Seen& s) { plain = CaptureWindow(s.box); },
+                     400);
+        EXPECT_FALSE(run.hung);
+        EXPECT_TRUE(MatchesGolden("msgbox_plain_" + std::string(c.rtl ? "rtl" : "ltr"), plain.width, plain.height,
+                                  plain.pixels.data()));
+    }
+}
+
+TEST_F(MessageBoxes, NoHandleLeftOverRepeatedBoxes)
+{
+    HandleCounter counter;
+    ASSERT_GT(counter.Patched(), 0);
+    const auto cycle = [&] {
+        RunBox(Common(L"Again?", L"Cycle", MB_YESNOCANCEL | MB_ICONQUESTION), Click, IDNO, nullptr, 30);
+        RunBox(Plain(L"Again?", L"Cycle", MB_YESNOCANCEL), CloseMessage, 0, nullptr, 30);
+    };
+    cycle();
+    const HandleCounter::Counts before = counter.Live();
+    for (int i = 0; i < 15; ++i)
+        cycle();
+    EXPECT_EQ(counter.Live(), before) << counter.Live().ToString() << " against " << before.ToString();
+}
+
+}  // namespace

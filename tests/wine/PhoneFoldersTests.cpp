@@ -1,0 +1,383 @@
+// The stand-in's shell namespace extension through the platform's shell: registered under My Computer, the
+// attached phones and their files listed, every path it hands out inside the mirror (also for hostile names
+// on a phone), and the platform's open dialog browsing a phone and giving back a mirror path that
+// CFD_DownloadFile fills.
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <commctrl.h>
+#include <dlgs.h>
+#include <shlobj.h>
+#include <shlwapi.h>
+
+#include <atomic>
+#include <cstring>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "ServiceTestSupport.h"
+#include "zcmod/PhoneFileDialog.h"
+
+using namespace zcmod_test;
+
+namespace {
+
+const std::wstring kRoot = L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{416651E4-9C3C-11D9-8BDE-F66BAD1E3F3A}";
+
+std::wstring Mirror()
+{
+    wchar_t temp[MAX_PATH], longer[MAX_PATH];
+    GetTempPathW(MAX_PATH, temp);
+    GetLongPathNameW(temp, longer, MAX_PATH);
+    return std::wstring(longer) + L"CFD Temp Folder";
+}
+void WriteBytes(const std::wstring& path, const std::string& bytes)
+{
+    std::ofstream(path.c_str(), std::ios::binary) << bytes;
+}
+std::string ReadBytes(const std::wstring& path)
+{
+    std::ifstream in(path.c_str(), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+void MakeFolders(const std::wstring& path)
+{
+    for (size_t at = path.find(L'\\', 3); at != std::wstring::npos; at = path.find(L'\\', at + 1))
+        CreateDirectoryW(path.substr(0, at).c_str(), nullptr);
+    CreateDirectoryW(path.c_str(), nullptr);
+}
+
+struct Pidl {
+    PIDLIST_ABSOLUTE p = nullptr;
+    ~Pidl() { CoTaskMemFree(p); }
+};
+template <class T>
+struct Com {
+    T* p = nullptr;
+    ~Com()
+    {
+        if (p)
+            p->Release();
+    }
+    T* operator->() const { return p; }
+};
+
+std::wstring Name(IShellFolder* folder, PCUITEMID_CHILD item, SHGDNF flags)
+{
+    STRRET ret = {};
+    wchar_t text[MAX_PATH] = {};
+    if (FAILED(folder->GetDisplayNameOf(item, flags, &ret)) || FAILED(StrRetToBufW(&ret, item, text, MAX_PATH)))
+        return L"<failed>";
+    return text;
+}
+// The folder of a shell path, bound from the desktop.
+bool Bind(const std::wstring& path, Com<IShellFolder>& folder, Pidl& pidl)
+{
+    if (FAILED(SHParseDisplayName(path.c_str(), nullptr, &pidl.p, 0, nullptr)))
+        return false;
+    Com<IShellFolder> desktop;
+    SHGetDesktopFolder(&desktop.p);
+    return SUCCEEDED(desktop->BindToObject(pidl.p, nullptr, IID_IShellFolder, reinterpret_cast<void**>(&folder.p)));
+}
+// "name|path" of each item: its display name and the path the platform gives for it.
+std::vector<std::wstring> List(IShellFolder* folder, PCIDLIST_ABSOLUTE at, SHCONTF flags)
+{
+    std::vector<std::wstring> items;
+    Com<IEnumIDList> list;
+    if (folder->EnumObjects(nullptr, flags, &list.p) != S_OK)
+        return items;
+    PITEMID_CHILD item = nullptr;
+    while (list->Next(1, &item, nullptr) == S_OK) {
+        PIDLIST_ABSOLUTE full = ILCombine(at, item);
+        wchar_t path[MAX_PATH] = L"<none>";
+        SHGetPathFromIDListW(full, path);
+        items.push_back(Name(folder, item, SHGDN_NORMAL) + L"|" + path);
+        CoTaskMemFree(full);
+        CoTaskMemFree(item);
+    }
+    return items;
+}
+
+class PhoneFolders : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        ASSERT_TRUE(registration.Registered());
+        suite.SetLanguage(L"eng");
+        suite.SetMachineTheme(L"Default");
+        service.UseStandIns();
+        serial = phones.New(L"p1", L"--name \"Work phone\" --files 0");
+        ASSERT_FALSE(serial.empty());
+        files = phones.Folder(L"p1") + L"\\files";
+        MakeFolders(files + L"\\C\\Docs");
+        MakeFolders(files + L"\\C\\Music");
+        MakeFolders(files + L"\\D");
+        WriteBytes(files + L"\\C\\Docs\\note.txt", "twelve bytes");
+        WriteBytes(files + L"\\C\\Docs\\b.jpg", "jpg");
+        detached = phones.New(L"p2");
+        phones.Ctl(L"detach p2");
+    }
+    void TearDown() override
+    {
+        TerminateAllInterfaces();
+        SetCurrentDirectoryW(BinDir().c_str());  // the dialog leaves the process in the folder it opened
+        RemoveTree(Mirror());
+        CoUninitialize();
+    }
+    PhoneFoldersRegistration registration;
+    SuiteRegistry suite;
+    ServiceRegistry service;
+    Phones phones;
+    std::wstring serial, detached, files;
+};
+
+TEST_F(PhoneFolders, RegisteredUnderMyComputerAndUnregistered)
+{
+    Com<IShellFolder> drives;
+    Pidl at;
+    ASSERT_TRUE(Bind(L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}", drives, at));
+    bool found = false;
+    for (const std::wstring& item : List(drives.p, at.p, SHCONTF_FOLDERS))
+        found = found || item.rfind(L"Phones|", 0) == 0;
+    EXPECT_TRUE(found) << "My Computer does not list the phones";
+
+    EXPECT_EQ(registration.Call("DllUnregisterServer"), S_OK);
+    Pidl gone;
+    EXPECT_FALSE(SUCCEEDED(SHParseDisplayName((kRoot + L"\\" + serial).c_str(), nullptr, &gone.p, 0, nullptr)));
+    EXPECT_EQ(registration.Call("DllRegisterServer"), S_OK);
+}
+
+TEST_F(PhoneFolders, AttachedPhonesAndTheirFilesWithMirrorPaths)
+{
+    const std::wstring mirror = Mirror() + L"\\" + serial;
+    const struct {
+        std::wstring path;
+        SHCONTF flags;
+        std::vector<std::wstring> items;
+    } cases[] = {
+        {kRoot, SHCONTF_FOLDERS | SHCONTF_NONFOLDERS, {L"Work phone|" + mirror}},  // not the detached one
+        {kRoot + L"\\" + serial,
+         SHCONTF_FOLDERS,
+         {L"C:|" + mirror + L"\\C", L"D:|" + mirror + L"\\D", L"E:|" + mirror + L"\\E"}},
+        {kRoot + L"\\" + serial + L"\\C:",
+         SHCONTF_FOLDERS | SHCONTF_NONFOLDERS,
+         {L"Docs|" + mirror + L"\\C\\Docs", L"Documents|" + mirror + L"\\C\\Documents",
+          L"Music|" + mirror + L"\\C\\Music", L"Pictures|" + mirror + L"\\C\\Pictures",
+          L"Sounds|" + mirror + L"\\C\\Sounds"}},
+        {kRoot + L"\\" + serial + L"\\C:\\Docs",
+         SHCONTF_FOLDERS | SHCONTF_NONFOLDERS,
+         {L"b.jpg|" + mirror + L"\\C\\Docs\\b.jpg", L"note.txt|" + mirror + L"\\C\\Docs\\note.txt"}},
+        {kRoot + L"\\" + serial + L"\\C:\\Docs", SHCONTF_FOLDERS, {}},
+    };
+    for (const auto& c : cases) {
+        Com<IShellFolder> folder;
+        Pidl at;
+        ASSERT_TRUE(Bind(c.path, folder, at)) << c.path.c_str();
+        EXPECT_EQ(List(folder.p, at.p, c.flags), c.items) << c.path.c_str();
+    }
+    // The folders of a path handed out exist in the mirror, so that the file system can follow it.
+    EXPECT_NE(GetFileAttributesW((mirror + L"\\C\\Docs").c_str()), INVALID_FILE_ATTRIBUTES);
+
+    // A file parses to a file-system item that is no folder; its parsing name in its folder is its own name.
+    Pidl file;
+    SFGAOF attributes = SFGAO_FOLDER | SFGAO_FILESYSTEM;
+    ASSERT_EQ(SHParseDisplayName((kRoot + L"\\" + serial + L"\\C:\\Docs\\note.txt").c_str(), nullptr, &file.p,
+                                 attributes, &attributes),
+              S_OK);
+    EXPECT_EQ(attributes, static_cast<SFGAOF>(SFGAO_FILESYSTEM));
+    wchar_t path[MAX_PATH] = {};
+    EXPECT_TRUE(SHGetPathFromIDListW(file.p, path));
+    EXPECT_EQ(std::wstring(path), mirror + L"\\C\\Docs\\note.txt");
+    // A phone that goes away takes its folder with it.
+    phones.Ctl(L"detach p1");
+    Com<IShellFolder> root;
+    Pidl rootAt;
+    ASSERT_TRUE(Bind(kRoot, root, rootAt));
+    EXPECT_TRUE(List(root.p, rootAt.p, SHCONTF_FOLDERS).empty());
+}
+
+TEST_F(PhoneFolders, HostileNamesNeverLeaveTheMirror)
+{
+    // Names that a phone's file system may hold but a mirror must not: made through the long-path form, which
+    // passes them to the file system as they are.
+    const wchar_t* hostile[] = {L"con", L"NUL.txt", L"com1", L"dots.", L"blank "};
+    for (const wchar_t* name : hostile)
+        WriteBytes(L"\\\\?\\" + files + L"\\C\\Docs\\" + name, "x");
+    // A phone whose serial would climb out of the mirror.
+    const std::wstring evil = phones.Folder(L"evil");
+    MakeFolders(evil + L"\\files\\C");
+    WriteBytes(evil + L"\\phone.ini", "serial=..\nname=Evil\nattached=1\n");
+
+    Com<IShellFolder> root;
+    Pidl rootAt;
+    ASSERT_TRUE(Bind(kRoot, root, rootAt));
+    EXPECT_EQ(List(root.p, rootAt.p, SHCONTF_FOLDERS).size(), 1u);
+    Com<IShellFolder> docs;
+    Pidl docsAt;
+    ASSERT_TRUE(Bind(kRoot + L"\\" + serial + L"\\C:\\Docs", docs, docsAt));
+    const std::vector<std::wstring> items = List(docs.p, docsAt.p, SHCONTF_NONFOLDERS);
+    const std::vector<std::wstring> expected = {L"b.jpg|" + Mirror() + L"\\" + serial + L"\\C\\Docs\\b.jpg",
+                                                L"note.txt|" + Mirror() + L"\\" + serial + L"\\C\\Docs\\note.txt"};
+    EXPECT_EQ(items, expected);
+
+    // Parsing refuses what could lead elsewhere, what is not on the phone, and the detached phone.
+    const std::wstring below = kRoot + L"\\" + serial;
+    const std::wstring refused[] = {
+        below + L"\\C:\\..\\..\\..\\escape.txt", below + L"\\C:\\Docs\\..\\..", kRoot + L"\\..",
+        kRoot + L"\\..\\C:",                     below + L"\\C:\\Docs\\con",    below + L"\\C:\\Docs\\dots.",
+        below + L"\\C:\\C:\\Windows",            below + L"\\Docs",             below + L"\\C:\\Docs\\none.txt",
+        below + L"\\C:\\Docs\\note.txt\\x",      kRoot + L"\\" + detached,      kRoot + L"\\*",
+    };
+    for (const std::wstring& path : refused) {
+        Pidl pidl;
+        EXPECT_FALSE(SUCCEEDED(SHParseDisplayName(path.c_str(), nullptr, &pidl.p, 0, nullptr))) << path.c_str();
+    }
+    // An item id of the phone root holding a climbing name, as a caller could forge it, gives no path.
+    Pidl phone;
+    ASSERT_EQ(SHParseDisplayName(below.c_str(), nullptr, &phone.p, 0, nullptr), S_OK);
+    const WORD cb = ILFindLastID(phone.p)->mkid.cb;
+    std::vector<BYTE> forged(reinterpret_cast<const BYTE*>(ILFindLastID(phone.p)),
+                             reinterpret_cast<const BYTE*>(ILFindLastID(phone.p)) + cb);
+    const size_t nameAt = 16;
+    forged.resize(nameAt);
+    for (wchar_t c : std::wstring(L"..\0\0", 4))
+        forged.insert(forged.end(), reinterpret_cast<BYTE*>(&c), reinterpret_cast<BYTE*>(&c) + 2);
+    const WORD forgedSize = static_cast<WORD>(forged.size());
+    std::memcpy(forged.data(), &forgedSize, 2);
+    forged.insert(forged.end(), {0, 0});
+    STRRET ret = {};
+    EXPECT_FALSE(SUCCEEDED(root->GetDisplayNameOf(reinterpret_cast<PCUITEMID_CHILD>(forged.data()), SHGDN_FORPARSING,
+                                                  &ret)));
+    for (const wchar_t* name : hostile)  // the phones folder goes with the fixture only without them
+        DeleteFileW((L"\\\\?\\" + files + L"\\C\\Docs\\" + name).c_str());
+}
+
+// --- the platform's open dialog on a phone, driven from a second thread --------------------------------------
+
+HWND FindFileDialog(DWORD thread)
+{
+    HWND found = nullptr;
+    WaitUntil([&] {
+        EnumThreadWindows(
+            thread,
+            [](HWND hwnd, LPARAM data) {
+                if (!IsWindowVisible(hwnd) || !GetDlgItem(hwnd, cmb2))
+                    return TRUE;
+                *reinterpret_cast<HWND*>(data) = hwnd;
+                return FALSE;
+            },
+            reinterpret_cast<LPARAM>(&found));
+        return found != nullptr;
+    });
+    return found;
+}
+HWND FileList(HWND dialog)
+{
+    HWND view = FindWindowExW(dialog, nullptr, L"SHELLDLL_DefView", nullptr);
+    return view ? FindWindowExW(view, nullptr, WC_LISTVIEWW, nullptr) : nullptr;
+}
+// The texts of the dialog's file list.
+std::vector<std::wstring> ListTexts(HWND dialog)
+{
+    std::vector<std::wstring> texts;
+    HWND list = FileList(dialog);
+    const int count = list ? static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0)) : 0;
+    for (int i = 0; i < count; ++i) {
+        wchar_t text[MAX_PATH] = {};
+        LVITEMW item = {};
+        item.pszText = text;
+        item.cchTextMax = MAX_PATH;
+        SendMessageW(list, LVM_GETITEMTEXTW, i, reinterpret_cast<LPARAM>(&item));
+        texts.push_back(text);
+    }
+    return texts;
+}
+// Waits for `text` in the file list and double-clicks it with the mouse messages a user's click gives.
+bool DoubleClick(HWND dialog, const std::wstring& text)
+{
+    int index = -1;
+    WaitUntil([&] {
+        const std::vector<std::wstring> texts = ListTexts(dialog);
+        for (size_t i = 0; i < texts.size(); ++i)
+            if (texts[i] == text)
+                index = static_cast<int>(i);
+        return index >= 0;
+    });
+    if (index < 0)
+        return false;
+    Sleep(200);  // the new view fills its list while it is being shown
+    HWND list = FileList(dialog);
+    RECT rect = {LVIR_LABEL, 0, 0, 0};
+    SendMessageW(list, LVM_GETITEMRECT, index, reinterpret_cast<LPARAM>(&rect));
+    const LPARAM at = MAKELPARAM((rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2);
+    for (UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_LBUTTONUP})
+        PostMessageW(list, message, message == WM_LBUTTONUP ? 0 : MK_LBUTTON, at);
+    return true;
+}
+
+// The platform's dialog takes no shell path as its first folder, so the user walks in from the desktop: My
+// Computer, the phones, the phone, its drive and folder, and a double-click on the file.
+TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
+{
+    const std::wstring docs = Mirror() + L"\\" + serial + L"\\C\\Docs";
+    wchar_t file[MAX_PATH] = {};
+    OPENFILENAMEW ofn = {};
+    ofn.lStructSize = sizeof(ofn);
+    ofn.lpstrFile = file;
+    ofn.nMaxFile = MAX_PATH;
+    ofn.lpstrFilter = L"All files\0*.*\0";
+    ofn.Flags = OFN_FILEMUSTEXIST;
+
+    const DWORD self = GetCurrentThreadId();
+    std::atomic<bool> done{false};
+    std::vector<std::wstring> shown;
+    bool phoneListed = false;
+    std::thread driver([&] {
+        HWND dialog = FindFileDialog(self);
+        if (!dialog)
+            return;
+        // The first entry of "Look in" is the desktop; from there the user walks in.
+        HWND combo = GetDlgItem(dialog, cmb2);
+        SendMessageW(combo, CB_SETCURSEL, 0, 0);
+        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(cmb2, CBN_SELENDOK), reinterpret_cast<LPARAM>(combo));
+        if (!DoubleClick(dialog, L"My Computer"))
+            return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
+        phoneListed = DoubleClick(dialog, L"Phones");
+        if (!phoneListed)
+            return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
+        for (const wchar_t* step : {L"Work phone", L"C:", L"Docs"})
+            if (!DoubleClick(dialog, step))
+                return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
+        WaitUntil([&] { return ListTexts(dialog).size() == 2; });
+        shown = ListTexts(dialog);
+        if (!DoubleClick(dialog, L"note.txt"))
+            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    });
+    std::thread watchdog([&] {
+        for (int i = 0; i < 2000 && !done; ++i)
+            Sleep(10);
+        if (!done) {
+            ADD_FAILURE() << "the dialog did not end in 20 s";
+            EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
+                              0);
+        }
+    });
+    const BOOL chosen = CFD_GetOpenFileName(&ofn);
+    done = true;
+    driver.join();
+    watchdog.join();
+
+    EXPECT_TRUE(phoneListed) << "no \"Phones\" in the dialog's Look in list";
+    EXPECT_EQ(shown, (std::vector<std::wstring>{L"b.jpg", L"note.txt"}));
+    ASSERT_TRUE(chosen);
+    EXPECT_EQ(std::wstring(file), docs + L"\\note.txt");
+    EXPECT_EQ(CFD_DownloadFile(file, nullptr), S_OK);
+    EXPECT_EQ(ReadBytes(file), "twelve bytes");
+}
+
+}  // namespace
