@@ -238,6 +238,20 @@ inline Capture CaptureScreen(const RECT& r)
     return canvas.Read();
 }
 
+// A picture put together from captures, over a background colour: one golden for many controls.
+struct Sheet {
+    Sheet(int w, int h, uint32_t background = 0) : width(w), height(h), pixels(static_cast<size_t>(w) * h, background) {}
+    // `c` with its top left at (x0, y0), cut at the sheet's edges.
+    void Paste(const Capture& c, int x0, int y0)
+    {
+        for (int y = 0; y < c.height && y0 + y < height; ++y)
+            for (int x = 0; x < c.width && x0 + x < width; ++x)
+                pixels[static_cast<size_t>(y0 + y) * width + x0 + x] = c.At(x, y);
+    }
+    int width, height;
+    std::vector<uint32_t> pixels;
+};
+
 // CVuikLib's protected parts.
 struct Lib : CVuikLib {
     using CVuikLib::BlenderFunc;
