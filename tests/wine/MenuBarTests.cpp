@@ -402,8 +402,7 @@ TEST_F(MenuBar, KeyboardMovesAcrossTheBar)
     } cases[] = {
         {"left from the first wraps to the last", 0, {VK_LEFT}, 3, 1},
         {"right from the last wraps to the first", 3, {VK_RIGHT}, 0, 1},
-        {"right from the second", 1, {VK_RIGHT}, 2, 1},
-        {"twice left", 2, {VK_LEFT, VK_LEFT}, 0, 1},
+        {"right from the second, then twice left", 1, {VK_RIGHT, VK_LEFT, VK_LEFT}, 0, 1},
         {"right on an item with a submenu opens it", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT}, 0, 2},
         {"left in the submenu closes it", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT}, 0, 1},
         {"then left moves on", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT, VK_LEFT}, 3, 1},
@@ -448,8 +447,7 @@ TEST_F(MenuBar, AltMnemonicOpensThatMenu)
         input::MoveTo(kAway);  // the cursor far from the bar: the click is the accelerator's
         ASSERT_TRUE(script.Run({Do([&] {
                                     input::Key(VK_MENU, false);
-                                    input::Key(c.letter, false);
-                                    input::Key(c.letter, true);
+                                    input::Press(c.letter);
                                     input::Key(VK_MENU, true);
                                 }),
                                 OpenIs(c.index), Do([&] { checked = SendMessageW(Button(c.index), BM_GETCHECK, 0, 0); }),
