@@ -168,17 +168,7 @@ protected:
         m_combo.m_hWnd = nullptr;
     }
 
-    static Capture Grab(HWND hwnd)
-    {
-        RECT r;
-        GetWindowRect(hwnd, &r);
-        testskin::Canvas canvas(r.right - r.left, r.bottom - r.top);
-        HDC screen = GetDC(nullptr);
-        BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
-        ReleaseDC(nullptr, screen);
-        return canvas.Read();
-    }
-    Capture Closed() const { return Grab(m_combo.m_hWnd); }
+    Capture Closed() const { return testskin::CaptureOnScreen(m_combo.m_hWnd); }
     bool Dropped() const { return SendMessageW(m_combo.m_hWnd, CB_GETDROPPEDSTATE, 0, 0) != 0; }
     POINT ScreenOf(HWND hwnd, int x, int y) const
     {
@@ -241,7 +231,7 @@ TEST_F(ComboBox, ChoosesWithMouseAndKeyboard)
         msgseq::input::MoveTo(ScreenOf(list, item.left + 40, (item.top + item.bottom) / 2));
         ASSERT_TRUE(Recorder::PumpUntil([&] { return SendMessageW(list, LB_GETCURSEL, 0, 0) == 2; }));
         msgseq::Recorder::Pump(30);
-        const Capture open = Grab(list);
+        const Capture open = testskin::CaptureOnScreen(list);
         EXPECT_EQ(open.At(2, (item.top + item.bottom) / 2), kListSelected) << "the hovered item isn't highlighted";
         EXPECT_EQ(open.At(2, item.top - 4), kListNormal);
         msgseq::input::LeftDown();
@@ -320,7 +310,7 @@ TEST_F(ComboBox, ExIconClosedWithoutIndentListWithIt)
         ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); }));
         msgseq::Recorder::Pump(30);
         HWND list = m_combo.GetList();
-        const Capture open = Grab(list);
+        const Capture open = testskin::CaptureOnScreen(list);
         for (int i = 0; i < 3; ++i) {
             RECT item;
             SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));

@@ -123,16 +123,7 @@ protected:
     }
 
     // The tab control as the screen shows it.
-    Capture Screen() const
-    {
-        RECT r;
-        GetWindowRect(m_tabs.m_hWnd, &r);
-        testskin::Canvas canvas(r.right - r.left, r.bottom - r.top);
-        HDC screen = GetDC(nullptr);
-        BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
-        ReleaseDC(nullptr, screen);
-        return canvas.Read();
-    }
+    Capture Screen() const { return testskin::CaptureOnScreen(m_tabs.m_hWnd); }
     // Where the point (x, y) of the control's client area lies on the screen, and in Screen().
     POINT ToScreen(int x, int y) const
     {

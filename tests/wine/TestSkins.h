@@ -238,6 +238,14 @@ inline Capture CaptureScreen(const RECT& r)
     return canvas.Read();
 }
 
+// A whole window, frame and all, as the screen shows it.
+inline Capture CaptureOnScreen(HWND hwnd)
+{
+    RECT r = {};
+    GetWindowRect(hwnd, &r);
+    return CaptureScreen(r);
+}
+
 // A picture put together from captures, over a background colour: one golden for many controls.
 struct Sheet {
     Sheet(int w, int h, uint32_t background = 0) : width(w), height(h), pixels(static_cast<size_t>(w) * h, background) {}
