@@ -82,9 +82,8 @@ public:
         Leave();
         m_host = host;
         s_page = this;
-        m_skin.reset(new CVuikFileDlgSkin);
-        m_skin->Load();
-        CVuikFileDlg::SetDefaultSkin(m_skin.get());
+        m_skin = CVuikFileDlg::GetThemeSkin();
+        CVuikFileDlg::SetDefaultSkin(m_skin);
         WNDCLASSEXW wc = {};
         wc.cbSize = sizeof(wc);
         wc.lpfnWndProc = PanelProc;
@@ -117,7 +116,7 @@ public:
             shot = nullptr;
         }
         CVuikFileDlg::SetDefaultSkin(nullptr);
-        m_skin.reset();
+        m_skin = nullptr;
         if (s_page == this)
             s_page = nullptr;
     }
@@ -184,13 +183,20 @@ private:
         if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED && s_page) {
             if (LOWORD(wParam) == kOpenId || LOWORD(wParam) == kSaveId)
                 s_page->Run(LOWORD(wParam) == kSaveId);
+            // The tour goes straight on to the save dialog, inside the same press.
+            if (s_page->m_tour && s_page->m_step == 2) {
+                ++s_page->m_step;
+                s_page->m_wait = 0;
+                s_page->Run(true);
+            }
             return 0;
         }
         return DefWindowProcW(hwnd, message, wParam, lParam);
     }
 
-    // Even steps press a button, odd steps (inside the dialog's own loop) wait a moment for the dialog to
-    // settle, keep its picture and cancel it. Gives up after 12 s.
+    // Step 0 presses the open button; steps 1 and 3 (inside the dialogs' own loops) wait a moment for the
+    // dialog to settle, keep its picture and cancel it; the save dialog follows the open one directly. Gives
+    // up after 12 s.
     static void CALLBACK TourProc(HWND, UINT, UINT_PTR, DWORD)
     {
         FileDlgPage* page = s_page;
@@ -226,7 +232,7 @@ private:
     HWND m_host = nullptr, m_panel = nullptr, m_open = nullptr, m_save = nullptr;
     UINT_PTR m_tour = 0;
     int m_step = 0, m_ticks = 0, m_wait = 0;
-    std::unique_ptr<CVuikFileDlgSkin> m_skin;
+    CVuikFileDlgSkin* m_skin = nullptr;
     HBITMAP m_shots[2] = {nullptr, nullptr};
     SIZE m_sizes[2] = {{0, 0}, {0, 0}};
     std::wstring m_result;

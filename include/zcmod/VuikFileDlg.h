@@ -3,9 +3,7 @@
 // paints a top bar, a strip with a title and a side bar behind the standard controls, and moves the folder
 // combo, its label and the toolbar into the strip.
 //
-//   CVuikFileDlgSkin skin;            // the theme's bar pieces (or SetSkinDef with ids of your own)
-//   skin.Load();
-//   CVuikFileDlg::SetDefaultSkin(&skin);
+//   CVuikFileDlg::SetDefaultSkin(CVuikFileDlg::GetThemeSkin());   // or a CVuikFileDlgSkin of your own
 //   OPENFILENAMEW ofn = {sizeof(ofn)};
 //   ... fill ofn as for the platform call ...
 //   if (CVuikFileDlg::GetOpenFileNameW(&ofn)) { ... ofn.lpstrFile ... }
@@ -80,6 +78,9 @@ public:
     void SetControlText(int id, const char* text);
 
     static void SetDefaultSkin(CVuikFileDlgSkin* skin);
+    // The library's own skin: the bar pieces of the present theme (the common graphics module), loaded
+    // afresh at each call so that it follows a change of theme. Lives as long as the library.
+    static CVuikFileDlgSkin* GetThemeSkin();
     virtual void SetSkin(CVuikFileDlgSkin* skin);
     using Base::Create;
     // The dialog is never created directly: nothing, always.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "controls/CommonSkinSetup.h"
 #include "zcmod/ResourceIds.h"
 
 namespace {
@@ -22,6 +23,19 @@ RECT WindowRectIn(HWND window, HWND in)
     if (window && GetWindowRect(window, &r))
         MapWindowPoints(nullptr, in, reinterpret_cast<POINT*>(&r), 2);
     return r;
+}
+
+// Asks `bar` to paint the piece of itself that lies under `control` onto the control's context.
+void PaintUnder(HWND bar, HWND control, HDC dc)
+{
+    RECT own = {}, under = {};
+    if (!bar || !GetClientRect(control, &own) || !GetClientRect(bar, &under))
+        return;
+    MapWindowPoints(bar, control, reinterpret_cast<POINT*>(&under), 2);
+    PAINTSTRUCT paint = {};
+    paint.hdc = dc;
+    if (IntersectRect(&paint.rcPaint, &own, &under))
+        SendMessageW(bar, WM_VUIK_REPAINT, reinterpret_cast<WPARAM>(control), reinterpret_cast<LPARAM>(&paint));
 }
 
 void WriteText(WORD*& at, const wchar_t* text)
@@ -128,6 +142,15 @@ CVuikFileDlg::~CVuikFileDlg()
 HWND CVuikFileDlg::Create(HWND, const RECT&, UINT, DWORD, DWORD) { return nullptr; }
 
 void CVuikFileDlg::SetDefaultSkin(CVuikFileDlgSkin* skin) { m_pDefaultSkin = skin; }
+
+CVuikFileDlgSkin* CVuikFileDlg::GetThemeSkin()
+{
+    static CVuikFileDlgSkin skin;
+    zcmod::ThemeResourceScope theme;
+    skin.SetSkinDef(CVuikFileDlgSkin::m_DefaultSkinDef);
+    skin.Load();
+    return &skin;
+}
 
 void CVuikFileDlg::SetSkin(CVuikFileDlgSkin* skin)
 {
@@ -342,6 +365,11 @@ LRESULT CALLBACK CVuikFileDlg::WindowProcParent(HWND hwnd, UINT message, WPARAM 
     if (message == WM_ACTIVATE && wParam == 1 && m_pInstance && m_pInstance->m_hWnd)
         m_pInstance->OnActivate(hwnd, message, wParam, lParam);
     if (message == WM_CTLCOLORSTATIC && GetDlgCtrlID(reinterpret_cast<HWND>(lParam)) == stc4) {
+        // The label shows the strip (and its title) through: nothing of the dialog is painted under it.
+        if (m_pInstance) {
+            PaintUnder(m_pInstance->m_Strip.m_hWnd, reinterpret_cast<HWND>(lParam), reinterpret_cast<HDC>(wParam));
+            PaintUnder(m_pInstance->m_StripTitle.m_hWnd, reinterpret_cast<HWND>(lParam), reinterpret_cast<HDC>(wParam));
+        }
         SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
         return reinterpret_cast<LRESULT>(GetStockObject(NULL_BRUSH));
     }
