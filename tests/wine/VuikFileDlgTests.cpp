@@ -17,6 +17,7 @@
 
 #include "FileDlgTestIds.h"
 #include "TestSkins.h"
+#include "TestSupport.h"
 #include "static_pieces.h"
 #include "zcmod/VuikFileDlg.h"
 
@@ -259,6 +260,25 @@ TEST_F(VuikFileDlg, ResizingKeepsTheBarsThickness)
         EXPECT_EQ(s.side.bottom, s.hook.bottom - kTop - kStrip);
     }
     EXPECT_NE(seen[0].hook.right, seen[1].hook.right) << "the dialog did not resize";
+}
+
+// Both themes carry the default skin's twelve pieces, and the strip is deep enough for its title.
+TEST_F(VuikFileDlg, BothThemesCarryTheBars)
+{
+    for (const wchar_t* theme : {L"Default", L"Graphite"}) {
+        SCOPED_TRACE(testing::Message() << theme);
+        HMODULE module = LoadLibraryExW((zcmod_test::BinDir() + L"\\Resource\\ZCMOD_" + theme + L".zgr").c_str(),
+                                        nullptr, LOAD_LIBRARY_AS_DATAFILE);
+        ASSERT_NE(module, nullptr);
+        CVuikLib::SetResourceInstance(module);
+        CVuikFileDlgSkin skin;  // the library's default def
+        skin.Load();
+        EXPECT_TRUE(skin.IsValid());
+        EXPECT_GE(skin.m_StripSkin.GetLargestPiece().cy, skin.m_StripTitleSkin.GetLargestPiece().cy);
+        EXPECT_GT(skin.m_SideBarSkin.GetLargestPiece().cx, 0);
+        skin.Unload();
+        FreeLibrary(module);
+    }
 }
 
 }  // namespace
