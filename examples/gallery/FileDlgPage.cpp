@@ -222,7 +222,10 @@ private:
         }
         if (!dialog || ++page->m_wait < 4)
             return;
-        RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
+        // One tick after the redraw: the toolbar, drawn over the strip, paints after its neighbours.
+        if (page->m_wait == 4)
+            return (void)RedrawWindow(dialog, nullptr, nullptr,
+                                      RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
         page->m_shots[which] = CopyWindow(dialog, &page->m_sizes[which]);
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         ++page->m_step;

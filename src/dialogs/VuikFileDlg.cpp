@@ -1,12 +1,15 @@
 #include "zcmod/VuikFileDlg.h"
 
 #include <cderr.h>
+#include <commctrl.h>
 #include <dlgs.h>
 
 #include <algorithm>
 #include <cstring>
 
 #include "controls/CommonSkinSetup.h"
+#include "zcmod/CommonModuleState.h"
+#include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
 
 namespace {
@@ -36,6 +39,15 @@ void PaintUnder(HWND bar, HWND control, HDC dc)
     paint.hdc = dc;
     if (IntersectRect(&paint.rcPaint, &own, &under))
         SendMessageW(bar, WM_VUIK_REPAINT, reinterpret_cast<WPARAM>(control), reinterpret_cast<LPARAM>(&paint));
+}
+
+// The theme's text colour, which its bars are drawn to carry; the platform's button text without a theme.
+COLORREF LabelColour()
+{
+    COLORREF colour = GetSysColor(COLOR_BTNTEXT);
+    if (CStrColorLoader* loader = CCommonModuleState::Get().m_pColorLoader)
+        loader->LoadColor(ZCMOD_GetCommonZGR(), ZGR_COLOR_TEXT, &colour);
+    return colour;
 }
 
 void WriteText(WORD*& at, const wchar_t* text)
@@ -364,6 +376,16 @@ LRESULT CALLBACK CVuikFileDlg::WindowProcParent(HWND hwnd, UINT message, WPARAM 
 {
     if (message == WM_ACTIVATE && wParam == 1 && m_pInstance && m_pInstance->m_hWnd)
         m_pInstance->OnActivate(hwnd, message, wParam, lParam);
+    // The toolbar's background is the strip under it, drawn by the strip itself.
+    if (message == WM_NOTIFY && m_pInstance && m_pInstance->m_hWndToolbar) {
+        NMCUSTOMDRAW* draw = reinterpret_cast<NMCUSTOMDRAW*>(lParam);
+        if (draw && draw->hdr.hwndFrom == m_pInstance->m_hWndToolbar && draw->hdr.code == static_cast<UINT>(NM_CUSTOMDRAW) &&
+            draw->dwDrawStage == CDDS_PREERASE) {
+            PaintUnder(m_pInstance->m_Strip.m_hWnd, draw->hdr.hwndFrom, draw->hdc);
+            PaintUnder(m_pInstance->m_StripTitle.m_hWnd, draw->hdr.hwndFrom, draw->hdc);
+            return CDRF_SKIPDEFAULT;
+        }
+    }
     if (message == WM_CTLCOLORSTATIC && GetDlgCtrlID(reinterpret_cast<HWND>(lParam)) == stc4) {
         // The label shows the strip (and its title) through: nothing of the dialog is painted under it.
         if (m_pInstance) {
@@ -371,6 +393,7 @@ LRESULT CALLBACK CVuikFileDlg::WindowProcParent(HWND hwnd, UINT message, WPARAM 
             PaintUnder(m_pInstance->m_StripTitle.m_hWnd, reinterpret_cast<HWND>(lParam), reinterpret_cast<HDC>(wParam));
         }
         SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
+        SetTextColor(reinterpret_cast<HDC>(wParam), LabelColour());
         return reinterpret_cast<LRESULT>(GetStockObject(NULL_BRUSH));
     }
     return m_pfnSuperWndProcParent ? CallWindowProcW(m_pfnSuperWndProcParent, hwnd, message, wParam, lParam)
@@ -487,7 +510,8 @@ LRESULT CVuikFileDlg::OnInitDialog(HWND hwnd, UINT, WPARAM, LPARAM)
     }
     if (m_hWndToolbar) {
         SetWindowLongW(m_hWndToolbar, GWL_STYLE, GetWindowLongW(m_hWndToolbar, GWL_STYLE) & ~0x800);
-        SetWindowLongW(m_hWndToolbar, GWL_EXSTYLE, GetWindowLongW(m_hWndToolbar, GWL_EXSTYLE) | WS_EX_TRANSPARENT);
+        // Not WS_EX_TRANSPARENT: a window that lets its lower siblings paint through is painted over by our
+        // bars whenever they repaint after it. It draws the strip under its buttons instead (WindowProcParent).
     }
     PlaceInStrip();
     return 0;
