@@ -509,7 +509,8 @@ LRESULT CVuikFileDlg::OnInitDialog(HWND hwnd, UINT, WPARAM, LPARAM)
         }
     }
     if (m_hWndToolbar) {
-        SetWindowLongW(m_hWndToolbar, GWL_STYLE, GetWindowLongW(m_hWndToolbar, GWL_STYLE) & ~0x800);
+        SetWindowLongW(m_hWndToolbar, GWL_STYLE,
+                       (GetWindowLongW(m_hWndToolbar, GWL_STYLE) & ~TBSTYLE_FLAT) | TBSTYLE_CUSTOMERASE);
         // Not WS_EX_TRANSPARENT: a window that lets its lower siblings paint through is painted over by our
         // bars whenever they repaint after it. It draws the strip under its buttons instead (WindowProcParent).
     }
