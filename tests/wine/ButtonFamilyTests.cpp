@@ -192,7 +192,7 @@ TEST_F(ButtonFamily, SkinValidity)
 {
     CVuikButtonStateSkinDef frames = Def(0, 0, 0, IDB_BUTTON_GLYPH, 2);
     frames.m_nFirstFrameId = IDB_BUTTON_FRAME_FIRST;
-    frames.m_nLastFrameId = IDB_BUTTON_MISSING;  // the ids past the last frame don't exist: skipped
+    frames.m_nLastFrameId = IDB_BUTTON_FRAME_LAST + 20;  // the ids past the last frame don't exist: skipped
     frames.m_nFrameTime = 50;
     CVuikButtonStateSkinDef noTime = frames;
     noTime.m_nFrameTime = 0;
@@ -493,9 +493,8 @@ TEST_F(ButtonFamily, Golden)
         skin.SetSkinDef(FourLooks());
         skin.Load();
         CVuikButtonCtrl buttons[4];
-        std::vector<uint32_t> sheet;
         const int w = 41, h = 20;
-        sheet.assign(static_cast<size_t>(w) * 4 * h, 0);
+        Sheet sheet(w * 4, h);
         for (int i = 0; i < 4; ++i) {
             HWND hwnd = Add(buttons[i], 10 + i, i == 1 ? BS_AUTOCHECKBOX : BS_PUSHBUTTON,
                             RECT{10 + i * 50, 20, 10 + i * 50 + w, 20 + h});
@@ -511,13 +510,11 @@ TEST_F(ButtonFamily, Golden)
         for (int i = 0; i < 4; ++i) {
             const Capture c = Shown(buttons[i].m_hWnd);
             ASSERT_EQ(c.width, w);
-            for (int y = 0; y < h; ++y)
-                for (int x = 0; x < w; ++x)
-                    sheet[static_cast<size_t>(y) * w * 4 + i * w + x] = c.At(x, y);
+            sheet.Paste(c, i * w, 0);
         }
         MoveTo(ScreenAt(m_panel.m_hWnd, 250, 120));
         EXPECT_TRUE(zcmod_test::MatchesGolden(layout ? "button_family_rtl" : "button_family_ltr", w * 4, h,
-                                              sheet.data(), 8));
+                                              sheet.pixels.data(), 8));
     }
 }
 

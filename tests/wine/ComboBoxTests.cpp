@@ -21,6 +21,8 @@
 namespace {
 
 using testskin::Capture;
+using msgseq::input;
+using msgseq::Recorder;
 
 uint32_t Rgb(COLORREF c)
 {
@@ -68,20 +70,6 @@ LRESULT CALLBACK LoggingParent(HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
     if (message == WM_DRAWITEM)
         return TRUE;
     return CallWindowProcW(g_log.previous, hwnd, message, wParam, lParam);
-}
-
-// Pumps until `done` or `ms` have passed; false on time-out. The drop-down is a capture state, not a loop
-// of its own, so this is the watchdog: a test that waits for the list never hangs.
-template <class Done>
-bool PumpUntil(Done done, DWORD ms = 2000)
-{
-    const DWORD start = GetTickCount();
-    while (!done()) {
-        if (GetTickCount() - start > ms)
-            return false;
-        msgseq::Recorder::Pump(10);
-    }
-    return true;
 }
 
 class ComboBox : public ::testing::Test {
@@ -180,17 +168,7 @@ protected:
         m_combo.m_hWnd = nullptr;
     }
 
-    static Capture Grab(HWND hwnd)
-    {
-        RECT r;
-        GetWindowRect(hwnd, &r);
-        testskin::Canvas canvas(r.right - r.left, r.bottom - r.top);
-        HDC screen = GetDC(nullptr);
-        BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
-        ReleaseDC(nullptr, screen);
-        return canvas.Read();
-    }
-    Capture Closed() const { return Grab(m_combo.m_hWnd); }
+    Capture Closed() const { return testskin::CaptureOnScreen(m_combo.m_hWnd); }
     bool Dropped() const { return SendMessageW(m_combo.m_hWnd, CB_GETDROPPEDSTATE, 0, 0) != 0; }
     POINT ScreenOf(HWND hwnd, int x, int y) const
     {
@@ -202,15 +180,10 @@ protected:
     void Click(POINT screen, HWND target)
     {
         msgseq::input::MoveTo(screen);
-        EXPECT_TRUE(PumpUntil([&] { return WindowFromPoint(screen) == target; })) << "the window isn't there";
+        EXPECT_TRUE(Recorder::PumpUntil([&] { return WindowFromPoint(screen) == target; })) << "the window isn't there";
         msgseq::input::LeftDown();
         msgseq::Recorder::Pump(10);
         msgseq::input::LeftUp();
-    }
-    void Press(WORD key)
-    {
-        msgseq::input::Key(key, false);
-        msgseq::input::Key(key, true);
     }
     uint32_t Piece(int state, int which, int x, int y)
     {
@@ -251,19 +224,19 @@ TEST_F(ComboBox, ChoosesWithMouseAndKeyboard)
         RECT r;
         GetClientRect(m_combo.m_hWnd, &r);
         Click(ScreenOf(m_combo.m_hWnd, r.right - 8, r.bottom / 2), m_combo.m_hWnd);
-        ASSERT_TRUE(PumpUntil([&] { return Dropped(); })) << "the list didn't open";
+        ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); })) << "the list didn't open";
         HWND list = m_combo.GetList();
         RECT item;
         SendMessageW(list, LB_GETITEMRECT, 2, reinterpret_cast<LPARAM>(&item));
         msgseq::input::MoveTo(ScreenOf(list, item.left + 40, (item.top + item.bottom) / 2));
-        ASSERT_TRUE(PumpUntil([&] { return SendMessageW(list, LB_GETCURSEL, 0, 0) == 2; }));
+        ASSERT_TRUE(Recorder::PumpUntil([&] { return SendMessageW(list, LB_GETCURSEL, 0, 0) == 2; }));
         msgseq::Recorder::Pump(30);
-        const Capture open = Grab(list);
+        const Capture open = testskin::CaptureOnScreen(list);
         EXPECT_EQ(open.At(2, (item.top + item.bottom) / 2), kListSelected) << "the hovered item isn't highlighted";
         EXPECT_EQ(open.At(2, item.top - 4), kListNormal);
         msgseq::input::LeftDown();
         msgseq::input::LeftUp();
-        ASSERT_TRUE(PumpUntil([&] { return !Dropped(); })) << "the list didn't close";
+        ASSERT_TRUE(Recorder::PumpUntil([&] { return !Dropped(); })) << "the list didn't close";
         msgseq::Recorder::Pump(30);
         EXPECT_EQ(m_combo.GetCurSel(), 2);
         EXPECT_EQ(g_log.selChanges, 1);
@@ -272,20 +245,20 @@ TEST_F(ComboBox, ChoosesWithMouseAndKeyboard)
 
         // Keyboard: F4 opens, two steps down, Enter chooses and closes.
         SetFocus(m_combo.m_hWnd);
-        Press(VK_F4);
-        ASSERT_TRUE(PumpUntil([&] { return Dropped(); }));
-        Press(VK_DOWN);
-        Press(VK_DOWN);
-        Press(VK_RETURN);
-        ASSERT_TRUE(PumpUntil([&] { return !Dropped(); }));
+        input::Press(VK_F4);
+        ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); }));
+        input::Press(VK_DOWN);
+        input::Press(VK_DOWN);
+        input::Press(VK_RETURN);
+        ASSERT_TRUE(Recorder::PumpUntil([&] { return !Dropped(); }));
         msgseq::Recorder::Pump(30);
         EXPECT_EQ(m_combo.GetCurSel(), 4);
         const Capture last = Closed();
         EXPECT_FALSE(last.pixels == chosen.pixels);
 
         // Keyboard on the closed control: an arrow key chooses without opening, and the picture follows.
-        Press(VK_UP);
-        EXPECT_TRUE(PumpUntil([&] { return m_combo.GetCurSel() == 3; }));
+        input::Press(VK_UP);
+        EXPECT_TRUE(Recorder::PumpUntil([&] { return m_combo.GetCurSel() == 3; }));
         msgseq::Recorder::Pump(30);
         EXPECT_FALSE(Dropped());
         EXPECT_FALSE(Closed().pixels == last.pixels) << "the closed control didn't repaint the new choice";
@@ -306,11 +279,11 @@ TEST_F(ComboBox, HoverAndFocusLookAlike)
     msgseq::Recorder::Pump(20);
     EXPECT_EQ(Closed().At(arrowX, y), normal);
     msgseq::input::MoveTo(ScreenOf(m_combo.m_hWnd, 40, 12));
-    ASSERT_TRUE(PumpUntil([&] { return m_combo.GetState() == COMBOBOX_STATE_HOVER; }));
+    ASSERT_TRUE(Recorder::PumpUntil([&] { return m_combo.GetState() == COMBOBOX_STATE_HOVER; }));
     msgseq::Recorder::Pump(20);
     EXPECT_EQ(Closed().At(arrowX, y), hover);
     msgseq::input::MoveTo(ScreenOf(m_panel.m_hWnd, 5, 180));
-    ASSERT_TRUE(PumpUntil([&] { return m_combo.GetState() == COMBOBOX_STATE_NORMAL; }));
+    ASSERT_TRUE(Recorder::PumpUntil([&] { return m_combo.GetState() == COMBOBOX_STATE_NORMAL; }));
     msgseq::Recorder::Pump(20);
     EXPECT_EQ(Closed().At(arrowX, y), normal);
     SetFocus(m_combo.m_hWnd);
@@ -334,10 +307,10 @@ TEST_F(ComboBox, ExIconClosedWithoutIndentListWithIt)
         EXPECT_NE(closed.At(left + 20 + 8, r.bottom / 2), Rgb(kIconColours[select % 3]));
 
         SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, TRUE, 0);
-        ASSERT_TRUE(PumpUntil([&] { return Dropped(); }));
+        ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); }));
         msgseq::Recorder::Pump(30);
         HWND list = m_combo.GetList();
-        const Capture open = Grab(list);
+        const Capture open = testskin::CaptureOnScreen(list);
         for (int i = 0; i < 3; ++i) {
             RECT item;
             SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
@@ -348,7 +321,7 @@ TEST_F(ComboBox, ExIconClosedWithoutIndentListWithIt)
             }
         }
         SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, FALSE, 0);
-        PumpUntil([&] { return !Dropped(); });
+        Recorder::PumpUntil([&] { return !Dropped(); });
     }
 }
 
@@ -360,7 +333,7 @@ TEST_F(ComboBox, LongItemShowsTipBesideIt)
         L"Short", L"Tom &&&& Jerry: a name much too long for the list to show it whole", L"A&&B", L"Fits"};
     Make(items);
     SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, TRUE, 0);
-    ASSERT_TRUE(PumpUntil([&] { return Dropped(); }));
+    ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); }));
     HWND list = m_combo.GetList();
     HWND tip = m_combo.GetListCtrl().GetToolTip();
     ASSERT_TRUE(tip);
@@ -374,7 +347,7 @@ TEST_F(ComboBox, LongItemShowsTipBesideIt)
     hover(0);
     EXPECT_FALSE(IsWindowVisible(tip)) << "a short item got a tip";
     const RECT item = hover(1);
-    ASSERT_TRUE(PumpUntil([&] { return IsWindowVisible(tip) != FALSE; })) << "no tip for the long item";
+    ASSERT_TRUE(Recorder::PumpUntil([&] { return IsWindowVisible(tip) != FALSE; })) << "no tip for the long item";
     EXPECT_EQ(m_combo.GetListCtrl().GetTipText(), L"Tom & Jerry: a name much too long for the list to show it whole");
     RECT shown;
     GetWindowRect(tip, &shown);
@@ -385,9 +358,9 @@ TEST_F(ComboBox, LongItemShowsTipBesideIt)
     EXPECT_FALSE(IsWindowVisible(tip)) << "the tip stayed on an item that fits";
     // The tip goes when the mouse leaves the list.
     hover(1);
-    ASSERT_TRUE(PumpUntil([&] { return IsWindowVisible(tip) != FALSE; }));
+    ASSERT_TRUE(Recorder::PumpUntil([&] { return IsWindowVisible(tip) != FALSE; }));
     msgseq::input::MoveTo(ScreenOf(m_panel.m_hWnd, 5, 5));
-    EXPECT_TRUE(PumpUntil([&] { return !IsWindowVisible(tip); }, 1000)) << "the tip outlived the mouse";
+    EXPECT_TRUE(Recorder::PumpUntil([&] { return !IsWindowVisible(tip); }, 1000)) << "the tip outlived the mouse";
 }
 
 // The closed control in its states, in both themes and both layouts: one golden each, the states stacked.

@@ -343,13 +343,8 @@ TEST_F(CommonCheckButtons, Golden)
             m_parent = panel.m_hWnd;
             UpdateWindow(m_parent);
             const int width = 7 * 44 + 4, height = 3 * 44 + 2 * 22 + 4;
-            std::vector<uint32_t> sheet(static_cast<size_t>(width) * height, 0x808080);
-            const auto paste = [&](HWND hwnd, int x0, int y0) {
-                const Capture c = Shown(hwnd);
-                for (int y = 0; y < c.height && y0 + y < height; ++y)
-                    for (int x = 0; x < c.width && x0 + x < width; ++x)
-                        sheet[static_cast<size_t>(y0 + y) * width + x0 + x] = c.At(x, y);
-            };
+            Sheet sheet(width, height, 0x808080);
+            const auto paste = [&](HWND hwnd, int x0, int y0) { sheet.Paste(Shown(hwnd), x0, y0); };
             const ECommonButtonSize sizes[] = {CommonButtonSmall, CommonButtonMedium, CommonButtonLarge};
             for (int row = 0; row < 3; ++row)
                 for (int state = 0; state < CommonStateCount; ++state) {
@@ -372,7 +367,7 @@ TEST_F(CommonCheckButtons, Golden)
                 }
             const std::string name = std::string("common_check_") + (theme[0] == L'D' ? "Default" : "Graphite") +
                                      (layout ? "_rtl" : "_ltr");
-            EXPECT_TRUE(zcmod_test::MatchesGolden(name, width, height, sheet.data(), 8));
+            EXPECT_TRUE(zcmod_test::MatchesGolden(name, width, height, sheet.pixels.data(), 8));
             CVuikLib::SetLayout(0);
             DestroyWindow(m_parent);
             m_parent = nullptr;

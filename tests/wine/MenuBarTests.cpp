@@ -82,11 +82,6 @@ RECT ScreenRect(HWND hwnd)
     return r;
 }
 
-POINT Centre(HWND hwnd)
-{
-    const RECT r = ScreenRect(hwnd);
-    return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
-}
 
 // Runs steps on a thread timer, inside whatever modal loop is running, until each has said it is done; a
 // watchdog fails the script and ends any menu. Once finished, the timer keeps ending menus that open.
@@ -200,18 +195,11 @@ Step Pause(DWORD milliseconds)
 }
 Step Press(WORD vk)
 {
-    return Do([vk] {
-        input::Key(vk, false);
-        input::Key(vk, true);
-    });
+    return Do([vk] { input::Press(vk); });
 }
 Step ClickAt(std::function<POINT()> where)
 {
-    return Do([where] {
-        input::MoveTo(where());
-        input::LeftDown();
-        input::LeftUp();
-    });
+    return Do([where] { input::Click(where()); });
 }
 
 // The suite's window: a frame with a dark strip (a panel of its own buffer), the bar on it at y 30, and a
@@ -295,7 +283,7 @@ public:
     HWND Button(int i) const { return bar->GetButton(i)->m_hWnd; }
     std::function<POINT()> ButtonCentre(int i) const
     {
-        return [this, i] { return Centre(Button(i)); };
+        return [this, i] { return input::Centre(Button(i)); };
     }
     Step OpenIs(int index) const
     {
@@ -414,8 +402,7 @@ TEST_F(MenuBar, KeyboardMovesAcrossTheBar)
     } cases[] = {
         {"left from the first wraps to the last", 0, {VK_LEFT}, 3, 1},
         {"right from the last wraps to the first", 3, {VK_RIGHT}, 0, 1},
-        {"right from the second", 1, {VK_RIGHT}, 2, 1},
-        {"twice left", 2, {VK_LEFT, VK_LEFT}, 0, 1},
+        {"right from the second, then twice left", 1, {VK_RIGHT, VK_LEFT, VK_LEFT}, 0, 1},
         {"right on an item with a submenu opens it", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT}, 0, 2},
         {"left in the submenu closes it", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT}, 0, 1},
         {"then left moves on", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT, VK_LEFT}, 3, 1},
@@ -460,8 +447,7 @@ TEST_F(MenuBar, AltMnemonicOpensThatMenu)
         input::MoveTo(kAway);  // the cursor far from the bar: the click is the accelerator's
         ASSERT_TRUE(script.Run({Do([&] {
                                     input::Key(VK_MENU, false);
-                                    input::Key(c.letter, false);
-                                    input::Key(c.letter, true);
+                                    input::Press(c.letter);
                                     input::Key(VK_MENU, true);
                                 }),
                                 OpenIs(c.index), Do([&] { checked = SendMessageW(Button(c.index), BM_GETCHECK, 0, 0); }),
@@ -483,12 +469,12 @@ TEST_F(MenuBar, MouseSlidesClicksAndNudges)
         int active;  // after the middle steps, once things have settled (-1: closed)
     } cases[] = {
         {"sliding to the third button", [](MenuBar& t) -> std::vector<Step> {
-             return {Do([&t] { input::MoveTo(Centre(t.Button(2))); })};
+             return {Do([&t] { input::MoveTo(input::Centre(t.Button(2))); })};
          }, 2},
         // Five pixels aside, so that the two clicks make no double click.
         {"a click on the open button closes it and leaves it closed", [](MenuBar& t) -> std::vector<Step> {
              return {ClickAt([&t] {
-                 const POINT p = Centre(t.Button(0));
+                 const POINT p = input::Centre(t.Button(0));
                  return POINT{p.x + 5, p.y};
              })};
          }, -1},
@@ -497,13 +483,13 @@ TEST_F(MenuBar, MouseSlidesClicksAndNudges)
          -1},
         {"a two-pixel nudge after a key keeps the keyboard's menu", [](MenuBar& t) -> std::vector<Step> {
              return {Press(VK_RIGHT), t.OpenIs(1), Pause(60), Do([&t] {
-                         const POINT p = Centre(t.Button(0));
+                         const POINT p = input::Centre(t.Button(0));
                          input::MoveTo(POINT{p.x + 2, p.y});
                      })};
          }, 1},
         {"a six-pixel move after a key takes the menu back", [](MenuBar& t) -> std::vector<Step> {
              return {Press(VK_RIGHT), t.OpenIs(1), Pause(60), Do([&t] {
-                         const POINT p = Centre(t.Button(0));
+                         const POINT p = input::Centre(t.Button(0));
                          input::MoveTo(POINT{p.x + 6, p.y});
                      })};
          }, 0},
@@ -747,7 +733,7 @@ TEST_F(MenuBar, Goldens)
                                                   popupPicture.height, popupPicture.pixels.data()));
         } else {
             if (c.hover >= 0) {
-                input::MoveTo(Centre(Button(c.hover)));
+                input::MoveTo(input::Centre(Button(c.hover)));
                 Recorder::Pump(60);
                 UpdateWindow(bar->m_hWnd);
             }

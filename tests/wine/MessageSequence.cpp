@@ -164,6 +164,17 @@ void Recorder::Pump(DWORD milliseconds)
     } while (static_cast<LONG>(end - GetTickCount()) > 0);
 }
 
+bool Recorder::PumpUntil(const std::function<bool()>& done, DWORD milliseconds)
+{
+    const DWORD start = GetTickCount();
+    while (!done()) {
+        if (GetTickCount() - start > milliseconds)
+            return false;
+        Pump(10);
+    }
+    return true;
+}
+
 std::string Recorder::Describe(const Expected& e, bool recorded) const
 {
     std::ostringstream text;
@@ -226,6 +237,38 @@ void input::Key(WORD vk, bool up)
     in.type = INPUT_KEYBOARD;
     in.ki = {vk, 0, static_cast<DWORD>(up ? KEYEVENTF_KEYUP : 0), 0, 0};
     SendInput(1, &in, sizeof(in));
+}
+
+void input::Press(WORD vk, bool shift)
+{
+    if (shift)
+        Key(VK_SHIFT, false);
+    Key(vk, false);
+    Key(vk, true);
+    if (shift)
+        Key(VK_SHIFT, true);
+}
+
+void input::Type(const std::wstring& text)
+{
+    for (wchar_t c : text) {
+        const SHORT scan = VkKeyScanW(c);
+        Press(LOBYTE(scan), (scan & 0x100) != 0);
+    }
+}
+
+POINT input::Centre(HWND hwnd)
+{
+    RECT r = {};
+    GetWindowRect(hwnd, &r);
+    return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+}
+
+void input::Click(POINT screen)
+{
+    MoveTo(screen);
+    LeftDown();
+    LeftUp();
 }
 
 }  // namespace msgseq

@@ -74,6 +74,8 @@ public:
 
     // Dispatches what is in the queue, for at least `milliseconds`.
     static void Pump(DWORD milliseconds = 0);
+    // Dispatches until `done` holds or `milliseconds` have passed; false on time-out. The watchdog of a wait.
+    static bool PumpUntil(const std::function<bool()>& done, DWORD milliseconds = 3000);
 
 private:
     struct Watched {
@@ -106,6 +108,14 @@ struct input {
     static void LeftDown() { Mouse(MOUSEEVENTF_LEFTDOWN); }
     static void LeftUp() { Mouse(MOUSEEVENTF_LEFTUP); }
     static void Key(WORD vk, bool up);
+    // A key pressed and let go, with Shift held around it when `shift` says so.
+    static void Press(WORD vk, bool shift = false);
+    // Each character typed as the key (and Shift) that makes it.
+    static void Type(const std::wstring& text);
+    // A left click at a point of the screen.
+    static void Click(POINT screen);
+    // The centre of a window on the screen.
+    static POINT Centre(HWND hwnd);
     static void Mouse(DWORD flags, LONG dx = 0, LONG dy = 0);
 };
 

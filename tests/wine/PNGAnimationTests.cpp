@@ -136,22 +136,9 @@ protected:
                     order.push_back(i);
         return order;
     }
-    // Pumps this thread's messages until `done`, with a watchdog of five seconds.
-    template <class F>
-    bool PumpUntil(F done)
-    {
-        for (const DWORD start = GetTickCount(); !done(); Sleep(5)) {
-            if (GetTickCount() - start > 5000)
-                return false;
-            MSG msg;
-            while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-                DispatchMessageW(&msg);
-        }
-        return true;
-    }
     bool PumpUntilDrawn(size_t count)
     {
-        return PumpUntil([&] { return Drawn().size() >= count; });
+        return msgseq::Recorder::PumpUntil([&] { return Drawn().size() >= count; }, 5000);
     }
 
     zcmod_test::ImportPatches m_patches;

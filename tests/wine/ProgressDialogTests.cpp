@@ -320,6 +320,7 @@ TEST_F(ProgressDialog, AThousandRunsOfRandomLengthLeaveNoThreadOrHandleBehind)
     {
         Progress warmUp(L"Working", L"Please wait...");  // fonts, resource modules and colours load once
         ASSERT_TRUE(run(warmUp));
+        ASSERT_TRUE(run(warmUp));  // and what a second run on the same object makes once
     }
     const HandleCounter::Counts objects = counter.Live();
     const int threads = ThreadCount();
@@ -344,7 +345,8 @@ TEST_F(ProgressDialog, AThousandRunsOfRandomLengthLeaveNoThreadOrHandleBehind)
     // The animation's worker signals its end a moment before its thread is gone.
     WaitFor([&] { return ThreadCount() <= threads; }, 1000);
     EXPECT_EQ(ThreadCount(), threads);
-    EXPECT_EQ(HandleCount(), handles);
+    // A handle a run would show as a thousand; the platform may still open one or two of its own on the way.
+    EXPECT_LE(HandleCount(), handles + 2);
 }
 
 // ---- The window while the work runs --------------------------------------------------------------------------

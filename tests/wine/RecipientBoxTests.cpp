@@ -20,7 +20,7 @@
 #include "Golden.h"
 #include "HandleCounter.h"
 #include "MessageSequence.h"
-#include "ServiceTestSupport.h"
+#include "DeviceTestSupport.h"
 #include "TestSkins.h"
 #include "zcmod/CommonModuleState.h"
 #include "zcmod/ResHandler.h"
@@ -39,34 +39,10 @@ std::string Card(const std::string& family, const std::string& given, const std:
            line + "\r\nEND:VCARD\r\n";
 }
 
-void Key(WORD vk, bool shift = false)
-{
-    if (shift)
-        input::Key(VK_SHIFT, false);
-    input::Key(vk, false);
-    input::Key(vk, true);
-    if (shift)
-        input::Key(VK_SHIFT, true);
-}
-
 void Type(const std::wstring& text)
 {
-    for (wchar_t c : text) {
-        const SHORT scan = VkKeyScanW(c);
-        Key(LOBYTE(scan), (scan & 0x100) != 0);
-    }
+    input::Type(text);
     Recorder::Pump(30);
-}
-
-bool PumpUntil(const std::function<bool()>& done, DWORD timeoutMs = 3000)
-{
-    const DWORD end = GetTickCount() + timeoutMs;
-    while (!done()) {
-        if (static_cast<LONG>(end - GetTickCount()) < 0)
-            return false;
-        Recorder::Pump(10);
-    }
-    return true;
 }
 
 // Answers every message box of this thread with OK from a second thread, counting them; it is also the
@@ -127,11 +103,7 @@ protected:
     {
         // The installed suite's language and theme, read by a resource handler of the test's own.
         suite.SetMachineTheme(L"Default");
-        suite.SetUserTheme(L"Default");
-        suite.SetLanguage(L"eng");
-        handler = std::make_unique<CResHandler>();
-        savedHandler = CCommonModuleState::Get().m_pResHandler;
-        CCommonModuleState::Get().m_pResHandler = handler.get();
+        resources = std::make_unique<FreshResources>(suite, L"eng");
         service.UseStandIns();
         CSearchEngineControl::SetSearchLimit(1);
         CSearchEngineControl::SetResultLimit(0);
@@ -163,8 +135,7 @@ protected:
         TerminateAllInterfaces();
         // This test's phones are gone: the next search must not ask the cache about them.
         CSearchEngineControl::m_vecDeviceSerials.clear();
-        CCommonModuleState::Get().m_pResHandler = savedHandler;
-        handler.reset();
+        resources.reset();
     }
 
     // The box in a parent of its own; `mirrored` gives the parent a right-to-left layout, as a right-to-left
@@ -218,8 +189,7 @@ protected:
     void WaitForSearch() { Recorder::Pump(CSearchEngineControl::GetSearchDelay() + 150); }
 
     SuiteRegistry suite;
-    std::unique_ptr<CResHandler> handler;
-    CResHandler* savedHandler = nullptr;
+    std::unique_ptr<FreshResources> resources;
     ServiceRegistry service;
     Phones phones;
     std::string cards = Card("Smith", "John", "TEL:555") + Card("Lee", "Ann", "TEL:040123") +
@@ -305,15 +275,15 @@ TEST_F(RecipientBox, FinishingMarksKnownUnknownAndMalformedRecipients)
         SetWindowTextW(edit, L"");
         MessageBoxCloser closer;
         for (wchar_t ch : std::wstring(c.typed))
-            ch == L'\r' ? Key(VK_RETURN) : Type(std::wstring(1, ch));
+            ch == L'\r' ? input::Press(VK_RETURN) : Type(std::wstring(1, ch));
         Recorder::Pump(60);
-        EXPECT_TRUE(PumpUntil([&] { return closer.Closed() >= c.messages; }));
+        EXPECT_TRUE(Recorder::PumpUntil([&] { return closer.Closed() >= c.messages; }));
         EXPECT_EQ(Text(), c.text);
         const LONG length = static_cast<LONG>(Text().find(L';'));
         EXPECT_EQ(Effects(0, length), c.effects);
         EXPECT_EQ(closer.Closed(), c.messages);
         // The message gives the focus back (the window system may take a moment to reactivate the parent).
-        EXPECT_TRUE(PumpUntil([&] { return GetFocus() == edit; }, 2000));
+        EXPECT_TRUE(Recorder::PumpUntil([&] { return GetFocus() == edit; }, 2000));
         SetForegroundWindow(parent);
         SetFocus(edit);
     }
@@ -335,17 +305,17 @@ TEST_F(RecipientBox, TheListComesWithoutRewritingAndStaysOnEscape)
         SetWindowTextW(edit, L"");
         Type(c.typed);
         for (WORD k : c.keys)
-            Key(k);
+            input::Press(k);
         WaitForSearch();
         EXPECT_EQ(Text(), L"ann");
         EXPECT_TRUE(ListShown());
         EXPECT_EQ(ListCount(), 3);
-        Key(VK_ESCAPE);
+        input::Press(VK_ESCAPE);
         Recorder::Pump(50);
         EXPECT_TRUE(ListShown());
         EXPECT_EQ(Text(), L"ann");
         // Down offers the next contact on the recipient's place; a click elsewhere in the text hides the list.
-        Key(VK_DOWN);
+        input::Press(VK_DOWN);
         Recorder::Pump(30);
         EXPECT_EQ(Text(), L"Ann Lee <ann@lee.org>");
         EXPECT_TRUE(ListShown());
@@ -370,7 +340,7 @@ TEST_F(RecipientBox, TabAndShiftTabMoveBetweenRowsAndOut)
         SetFocus(c.from);
         Recorder::Pump(20);
         RemovePropW(parent, L"test.next");
-        Key(VK_TAB, c.shift);
+        input::Press(VK_TAB, c.shift);
         Recorder::Pump(60);
         const int steps = static_cast<int>(reinterpret_cast<INT_PTR>(GetPropW(parent, L"test.next")));
         EXPECT_EQ(GetFocus(), c.to ? c.to : c.from);
@@ -480,13 +450,8 @@ TEST_F(RecipientBox, TheListShowsFiveAtATimeAndKeepsTheRecipientOpenWhileUsed)
 
 TEST_F(RecipientBox, RightToLeftTextWrapsAddressesInDirectionMarks)
 {
-    SuiteRegistry registry;
-    registry.SetLanguage(L"heb");
-    CCommonModuleState& state = CCommonModuleState::Get();
-    CResHandler* const saved = state.m_pResHandler;
     {
-        CResHandler handler;
-        state.m_pResHandler = &handler;
+        FreshResources hebrew(suite, L"heb");
         testskin::LibraryState library;
         Make();
         EXPECT_TRUE(GetWindowLongW(edit, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
@@ -501,7 +466,6 @@ TEST_F(RecipientBox, RightToLeftTextWrapsAddressesInDirectionMarks)
         DestroyWindow(parent);
         parent = nullptr;
     }
-    state.m_pResHandler = saved;
 }
 
 // The picker button opens the list of the phone's contacts; the filter narrows it, a checked contact joins what
@@ -541,7 +505,7 @@ TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
             state.state = INDEXTOSTATEIMAGEMASK(2);
             SendMessageW(contacts, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&state));
             SetForegroundWindow(dialog);
-            Key(c.key);
+            input::Press(c.key);
             for (int i = 0; i < 250 && IsWindow(dialog); ++i)
                 Sleep(20);
             if (IsWindow(dialog))  // the watchdog: end it, the test fails on the text
@@ -553,7 +517,7 @@ TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
         input::MoveTo({(button.left + button.right) / 2, (button.top + button.bottom) / 2});
         input::LeftDown();
         input::LeftUp();
-        PumpUntil([&] { return done.load(); }, 15000);
+        Recorder::PumpUntil([&] { return done.load(); }, 15000);
         driver.join();
         Recorder::Pump(50);
         EXPECT_EQ(listed, 4);  // every contact of the phone, one line per number and address, in the user's order
@@ -575,18 +539,12 @@ TEST_F(RecipientBox, GoldensOfBothThemesAndLayouts)
                  {L"Default", L"heb", "recipients_Default_rtl"},
                  {L"Graphite", L"eng", "recipients_Graphite_ltr"},
                  {L"Graphite", L"heb", "recipients_Graphite_rtl"}};
-    CCommonModuleState& state = CCommonModuleState::Get();
-    CResHandler* const saved = state.m_pResHandler;
     for (const auto& look : looks) {
         SCOPED_TRACE(look.name);
         SuiteRegistry registry;
         registry.SetMachineTheme(look.theme);
-        registry.SetUserTheme(look.theme);
-        registry.SetLanguage(look.language);
         {
-            CResHandler handler;
-            state.m_pResHandler = &handler;
-            state.ResetColorLoader();
+            FreshResources resources(registry, look.language, look.theme);
             testskin::LibraryState library;
             // A phone of its own: the contact strings the cache keeps are made in the language of their search.
             CSearchEngineControl::m_vecDeviceSerials.clear();
@@ -604,18 +562,12 @@ TEST_F(RecipientBox, GoldensOfBothThemesAndLayouts)
             Recorder::Pump(100);
             RECT r;
             GetWindowRect(box->GetHostWindow(), &r);
-            testskin::Canvas canvas(r.right - r.left, r.bottom - r.top);
-            HDC screen = GetDC(nullptr);
-            BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
-            ReleaseDC(nullptr, screen);
-            const testskin::Capture c = canvas.Read();
+            const testskin::Capture c = testskin::CaptureScreen(r);
             EXPECT_TRUE(MatchesGolden(look.name, c.width, c.height, c.pixels.data()));
             box.reset();
             DestroyWindow(parent);
             parent = nullptr;
         }
-        state.m_pResHandler = saved;
-        state.ResetColorLoader();
     }
 }
 
@@ -627,7 +579,7 @@ TEST_F(RecipientBox, ManyLivesLeaveNothingBehind)
         Make(3);
         Type(L"smi;ann");
         WaitForSearch();
-        Key(VK_RETURN);
+        input::Press(VK_RETURN);
         Recorder::Pump(50);
         // A malformed recipient still being typed when the box goes: destroying it shows no message.
         CSearchEngineControl::SetAddressFilter(1);

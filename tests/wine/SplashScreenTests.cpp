@@ -133,25 +133,8 @@ LRESULT CALLBACK BackdropProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPa
     return DefWindowProcW(hwnd, message, wParam, lParam);
 }
 
-void Pump(DWORD ms)
-{
-    const DWORD end = GetTickCount() + ms;
-    do {
-        MSG msg;
-        while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-            DispatchMessageW(&msg);
-        Sleep(5);
-    } while (static_cast<LONG>(end - GetTickCount()) > 0);
-}
-
-Capture CaptureScreen(const RECT& r)
-{
-    Canvas canvas(r.right - r.left, r.bottom - r.top);
-    HDC screen = GetDC(nullptr);
-    BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
-    ReleaseDC(nullptr, screen);
-    return canvas.Read();
-}
+using testskin::CaptureScreen;
+using msgseq::Recorder;
 
 class SplashFixture : public ::testing::Test {
 protected:
@@ -165,7 +148,7 @@ protected:
         m_screen = {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
         m_backdrop = CreateWindowExW(0, wc.lpszClassName, L"", WS_POPUP | WS_VISIBLE, 0, 0, m_screen.right,
                                      m_screen.bottom, nullptr, nullptr, wc.hInstance, nullptr);
-        Pump(150);
+        Recorder::Pump(150);
         m_theme = LoadLibraryExW((zcmod_test::BinDir() + L"\\Resource\\ZCMOD_Default.zgr").c_str(), nullptr,
                                  LOAD_LIBRARY_AS_DATAFILE);
         m_tests = LoadLibraryExW((zcmod_test::BinDir() + L"\\Resource\\ZCMOD_Test.zgr").c_str(), nullptr,
@@ -214,7 +197,7 @@ TEST_F(SplashFixture, SplashBlendsOverTheDesktopAndIsCutToItsShape)
     SplashObject splash(m_theme, ZGR_PNG_SPLASH);
     ASSERT_EQ(splash.Show(300), 1);
     EXPECT_EQ(splash.Show(300), 0) << "a splash shows once";
-    Pump(100);
+    Recorder::Pump(100);
 
     // Centred, owned by the invisible window, which never shows; the object on its property.
     RECT placed;
@@ -238,7 +221,7 @@ TEST_F(SplashFixture, SplashBlendsOverTheDesktopAndIsCutToItsShape)
     const int blueAtShow = g_backdropBlue;
     g_backdropBlue = 0xE0;
     RedrawWindow(m_backdrop, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-    Pump(100);
+    Recorder::Pump(100);
     const Capture shown = CaptureScreen(expected);
     int cut = 0, blended = 0, partial = 0, wrong = 0;
     for (int y = 0; y < image.height; ++y)
@@ -263,7 +246,7 @@ TEST_F(SplashFixture, SplashBlendsOverTheDesktopAndIsCutToItsShape)
     EXPECT_GT(blended, partial);
 
     splash.Hide(120);
-    Pump(100);
+    Recorder::Pump(100);
     EXPECT_FALSE(IsWindowVisible(splash.m_hWnd));
     EXPECT_TRUE(IsWindow(splash.m_hWnd)) << "the windows stay until the object goes";
     const Capture after = CaptureScreen(expected);
@@ -308,7 +291,7 @@ TEST_F(SplashFixture, SplashEdgeCases)
         const zcmod_test::Pixels image = zcmod_test::ReadFrame(picture, BT_IMAGE, 0);
         SplashObject splash(m_tests, 800);
         ASSERT_EQ(splash.Show(0), 1);
-        Pump(100);
+        Recorder::Pump(100);
         HRGN region = CreateRectRgn(0, 0, 0, 0);
         EXPECT_EQ(GetWindowRgn(splash.m_hWnd, region), ERROR);
         DeleteObject(region);
@@ -379,7 +362,7 @@ protected:
             DestroyWindow(m_window);
         m_window = CreateWindowExW(exStyle, L"STATIC", L"", WS_POPUP | (visible ? WS_VISIBLE : 0), 200, 150, 240,
                                    160, nullptr, nullptr, nullptr, nullptr);
-        Pump(50);
+        Recorder::Pump(50);
         g_calls.alphas.clear();
         g_calls.screenAtAlpha.clear();
         g_calls.sleeps.clear();

@@ -33,6 +33,10 @@ const uint32_t kPanel = 0xF0F0F0;  // the panel as it shows
 const uint32_t kBlack = 0x000000;
 const uint32_t kDisabledText = 0xCECECE;
 
+const CVuikStaticChromeSkinDef kChrome = {IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
+                                         IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R};
+const CVuikBarStaticSkinDef kBar = {1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END};
+
 struct Point {
     int x, y;
     uint32_t colour;
@@ -175,7 +179,7 @@ TEST_F(StaticFamily, LabelLaysOutItsTextByStyleAndVerticalAlignment)
     }
 }
 
-TEST_F(StaticFamily, AlignmentAndMeasuringChangeNothingOnTheScreen)
+TEST_F(StaticFamily, AlignmentMeasuringAndColourMessages)
 {
     Open();
     CVuikStaticCtrl label;
@@ -190,14 +194,9 @@ TEST_F(StaticFamily, AlignmentAndMeasuringChangeNothingOnTheScreen)
     InvalidateRect(label.m_hWnd, nullptr, TRUE);
     EXPECT_GT(label.GetTextHeight(), 0);
     EXPECT_TRUE(GetUpdateRect(label.m_hWnd, &pending, FALSE));
-}
 
-TEST_F(StaticFamily, CtlColorGivesTransparencyTheColourAndOneHollowBrush)
-{
-    Open();
-    CVuikStaticCtrl label;
+    // The colour messages give transparency, the text colour and one hollow brush, made once.
     label.SetTextColor(RGB(1, 2, 3));
-    ASSERT_TRUE(label.Create(m_panel.m_hWnd, RECT{10, 10, 110, 40}, 1, WS_CHILD | WS_VISIBLE, 0));
     for (UINT message : {UINT(WM_CTLCOLORSTATIC), UINT(0x2138)}) {
         Canvas dc(4, 4);
         SetBkMode(dc, OPAQUE);
@@ -216,7 +215,8 @@ TEST_F(StaticFamily, CtlColorGivesTransparencyTheColourAndOneHollowBrush)
 
 // ---- Skins ----------------------------------------------------------------------------------------------------
 
-// Gradient columns drawn straight onto a canvas prefilled with white: their exact colours, full height.
+// Gradient columns drawn straight onto a canvas prefilled with white: their exact colours, full height. The
+// column arithmetic itself is the portable core's, checked natively; here the skin's use of it.
 TEST_F(StaticFamily, GradientColumns)
 {
     struct Case {
@@ -226,13 +226,6 @@ TEST_F(StaticFamily, GradientColumns)
         std::vector<Point> points;
     } cases[] = {
         {"width 0 paints nothing", RGB(0, 0, 0), RGB(255, 255, 255), 0, {{0, 0, 0xFFFFFF}, {15, 3, 0xFFFFFF}}},
-        {"equal colours fill", RGB(10, 20, 30), RGB(10, 20, 30), 16, {{0, 0, 0x0A141E}, {15, 3, 0x0A141E}}},
-        // R 0x30 -> 0xF0, G 0x20 -> 0x60, B 0x10 -> 0x50 over 16 columns: steps 12, 4, 4.
-        {"left below right runs left to right",
-         RGB(0x30, 0x20, 0x10),
-         RGB(0xF0, 0x60, 0x50),
-         16,
-         {{0, 0, 0x302010}, {1, 3, 0x3C2414}, {15, 2, 0xE45C4C}}},
         // The default pair starts at the right colour (0, 0x14, 0x23) and moves away from the left one by
         // -14.375, -13.75, -13.75 per column, wrapping: truncated -14 is 0xF2, -7.5 gives 0xF9.
         {"default pair wraps round",
@@ -263,8 +256,7 @@ TEST_P(StaticFamily, ChromePiecesAndPictures)
 {
     Open(GetParam());
     CVuikStaticChromeSkin chrome;
-    chrome.SetSkinDef(CVuikStaticChromeSkinDef{IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
-                                               IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R});
+    chrome.SetSkinDef(kChrome);
     EXPECT_FALSE(CVuikStaticChromeSkin().IsValid()) << "the default frame names no piece";
     chrome.Load();
     ASSERT_TRUE(chrome.IsValid());
@@ -427,11 +419,10 @@ TEST_F(StaticFamily, ControlsAnswerTheirChildrenAndTheBarForwardsCommands)
 {
     Open();
     CVuikStaticChromeSkin chrome;
-    chrome.SetSkinDef(CVuikStaticChromeSkinDef{IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
-                                               IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R});
+    chrome.SetSkinDef(kChrome);
     chrome.Load();
     CVuikBarStaticSkin bar, brokenBar;
-    bar.SetSkinDef(CVuikBarStaticSkinDef{1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END});
+    bar.SetSkinDef(kBar);
     brokenBar.SetSkinDef(CVuikBarStaticSkinDef{1, IDB_TEST_MISSING, 0, 0});
     bar.Load();
     brokenBar.Load();
@@ -560,9 +551,8 @@ TEST_P(StaticFamily, Goldens)
     CVuikStaticGradientSkin gradientSkin;  // the default pair
     CVuikStaticChromeSkin chrome;
     CVuikBarStaticSkin barSkin;
-    chrome.SetSkinDef(CVuikStaticChromeSkinDef{IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
-                                               IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R});
-    barSkin.SetSkinDef(CVuikBarStaticSkinDef{1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END});
+    chrome.SetSkinDef(kChrome);
+    barSkin.SetSkinDef(kBar);
     for (CVuikBaseSkin* s : std::initializer_list<CVuikBaseSkin*>{&gradientSkin, &chrome, &barSkin})
         s->Load();
     label.SetTextColor(RGB(0x20, 0x40, 0x90));
@@ -594,10 +584,9 @@ TEST_F(StaticFamily, ChangesAndCyclesLeaveNoHandleBehind)
     CVuikStaticIconSkin icon;
     CVuikBarStaticSkin barSkin;
     CVuikAniStaticSkin aniSkin;
-    chrome.SetSkinDef(CVuikStaticChromeSkinDef{IDB_CHROME_TL, IDB_CHROME_T, IDB_CHROME_TR, IDB_CHROME_BL, IDB_CHROME_B,
-                                               IDB_CHROME_BR, IDB_CHROME_L, IDB_CHROME_C, IDB_CHROME_R});
+    chrome.SetSkinDef(kChrome);
     icon.SetSkinDef(CVuikStaticIconSkinDef{nullptr, IDI_APPLICATION, nullptr});
-    barSkin.SetSkinDef(CVuikBarStaticSkinDef{1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END});
+    barSkin.SetSkinDef(kBar);
     aniSkin.SetSkinDef(CVuikAniStaticSkinDef{IDB_FRAME_1, IDB_FRAME_3, 10, 1});
     for (CVuikBaseSkin* s : std::initializer_list<CVuikBaseSkin*>{&gradient, &chrome, &barSkin, &aniSkin})
         s->Load();

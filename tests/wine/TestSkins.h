@@ -228,6 +228,38 @@ inline Capture CaptureWindow(HWND hwnd)
     return canvas.Read();
 }
 
+// A rectangle of the screen as it shows.
+inline Capture CaptureScreen(const RECT& r)
+{
+    Canvas canvas(r.right - r.left, r.bottom - r.top);
+    HDC screen = GetDC(nullptr);
+    BitBlt(canvas, 0, 0, r.right - r.left, r.bottom - r.top, screen, r.left, r.top, SRCCOPY);
+    ReleaseDC(nullptr, screen);
+    return canvas.Read();
+}
+
+// A whole window, frame and all, as the screen shows it.
+inline Capture CaptureOnScreen(HWND hwnd)
+{
+    RECT r = {};
+    GetWindowRect(hwnd, &r);
+    return CaptureScreen(r);
+}
+
+// A picture put together from captures, over a background colour: one golden for many controls.
+struct Sheet {
+    Sheet(int w, int h, uint32_t background = 0) : width(w), height(h), pixels(static_cast<size_t>(w) * h, background) {}
+    // `c` with its top left at (x0, y0), cut at the sheet's edges.
+    void Paste(const Capture& c, int x0, int y0)
+    {
+        for (int y = 0; y < c.height && y0 + y < height; ++y)
+            for (int x = 0; x < c.width && x0 + x < width; ++x)
+                pixels[static_cast<size_t>(y0 + y) * width + x0 + x] = c.At(x, y);
+    }
+    int width, height;
+    std::vector<uint32_t> pixels;
+};
+
 // CVuikLib's protected parts.
 struct Lib : CVuikLib {
     using CVuikLib::BlenderFunc;

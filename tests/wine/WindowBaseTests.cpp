@@ -40,12 +40,6 @@ protected:
             m_rec.Watch(hwnd, name);
         return hwnd;
     }
-    static POINT Centre(HWND hwnd)
-    {
-        RECT r;
-        GetWindowRect(hwnd, &r);
-        return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
-    }
     static POINT Outside() { return POINT{kParentRect.right - 10, kParentRect.bottom - 10}; }
     static void Step(POINT p)
     {
@@ -71,7 +65,7 @@ TEST_F(ButtonTest, PressDragOffAndBack)
     CTestButton button;
     HWND hwnd = Add(button, 0x12345, BS_PUSHBUTTON);
     ASSERT_TRUE(hwnd);
-    Step(Centre(hwnd));
+    Step(input::Centre(hwnd));
     m_rec.Only({WM_LBUTTONDOWN, WM_LBUTTONUP, BM_SETSTATE, BM_SETCHECK, WM_COMMAND});
     Press(true);
     EXPECT_EQ(GetCapture(), hwnd);
@@ -88,11 +82,11 @@ TEST_F(ButtonTest, PressDragOffAndBack)
     EXPECT_FALSE(GetCapture());
 
     Recorder::Pump(GetDoubleClickTime());  // the next press is no double click
-    Step(Centre(hwnd));
+    Step(input::Centre(hwnd));
     m_rec.Only({WM_LBUTTONUP, BM_SETSTATE, WM_COMMAND});
     Press(true);
     Step(Outside());
-    Step(Centre(hwnd));
+    Step(input::Centre(hwnd));
     EXPECT_EQ(button.State() & 4, 4) << "sliding back pushes it again";
     Press(false);
     EXPECT_TRUE(m_rec.Matches({{1, BM_SETSTATE, sent | wparam, 1},
@@ -146,7 +140,7 @@ TEST_F(ButtonTest, ClickChecksByStyleBits)
 {
     CTestButton twice;
     HWND twiceHwnd = Add(twice, 3, BS_AUTOCHECKBOX);
-    Step(Centre(twiceHwnd));
+    Step(input::Centre(twiceHwnd));
     m_rec.Only({WM_LBUTTONDOWN, WM_LBUTTONUP, WM_COMMAND});
     SendMessageW(twiceHwnd, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(40, 20));
     Recorder::Pump(20);
@@ -170,7 +164,7 @@ TEST_F(ButtonTest, ClickChecksByStyleBits)
         HWND hwnd = Add(button, 5, c.style);
         SendMessageW(hwnd, BM_SETCHECK, c.before, 0);
         m_rec.Clear();
-        Step(Centre(hwnd));
+        Step(input::Centre(hwnd));
         Press(true);
         Press(false);
         EXPECT_EQ(SendMessageW(hwnd, BM_GETCHECK, 0, 0), c.after) << "style " << c.style << " from " << c.before;
@@ -235,7 +229,7 @@ TEST_F(ButtonTest, FocusAndHover)
     DestroyWindow(hother);
 
     m_rec.Only({WM_MOUSELEAVE});
-    Step(Centre(hwnd));
+    Step(input::Centre(hwnd));
     EXPECT_TRUE(button.Hover());
     EXPECT_TRUE(button.Tracking());
     Step(Outside());
