@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "FileDlgTestIds.h"
+#include "HandleCounter.h"
 #include "TestSkins.h"
 #include "TestSupport.h"
 #include "static_pieces.h"
@@ -260,6 +261,25 @@ TEST_F(VuikFileDlg, ResizingKeepsTheBarsThickness)
         EXPECT_EQ(s.side.bottom, s.hook.bottom - kTop - kStrip);
     }
     EXPECT_NE(seen[0].hook.right, seen[1].hook.right) << "the dialog did not resize";
+}
+
+// Bars, back buffers, the repaint timer and the parent's procedure all go with the dialog.
+TEST_F(VuikFileDlg, DialogsLeaveNothingBehind)
+{
+    zcmod_test::HandleCounter counter;
+    ASSERT_GT(counter.Patched(), 0);
+    auto cycle = [&] {
+        EXPECT_FALSE(RunDriven([&] { return CVuikFileDlg::GetOpenFileNameW(&m_ofn); }, [](HWND dialog) {
+            SetWindowPos(dialog, nullptr, 0, 0, 640, 480, SWP_NOMOVE | SWP_NOZORDER);  // sets the timer
+            Cancel(dialog);
+        }));
+    };
+    cycle();
+    const auto before = counter.Live();
+    for (int i = 0; i < 3; ++i)
+        cycle();
+    EXPECT_EQ(counter.Live(), before) << counter.Live().ToString();
+    EXPECT_EQ(CVuikFileDlg::m_pfnSuperWndProcParent, nullptr);
 }
 
 // Both themes carry the default skin's twelve pieces, and the strip is deep enough for its title.
