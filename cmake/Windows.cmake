@@ -40,7 +40,7 @@ target_link_libraries(zcmod
   PRIVATE zcmod_png
   PUBLIC user32 gdi32)
 target_link_libraries(zcmod PRIVATE
-  msimg32 comctl32 ole32 oleaut32 uuid shell32 shlwapi version advapi32 gdiplus windowscodecs)
+  msimg32 comctl32 comdlg32 ole32 oleaut32 uuid shell32 shlwapi version advapi32 gdiplus windowscodecs)
 # -static takes libgcc, libstdc++ and winpthread into the DLL: it imports only system DLLs.
 target_link_options(zcmod PRIVATE -static -static-libgcc -static-libstdc++)
 set_target_properties(zcmod PROPERTIES PREFIX "" IMPORT_PREFIX "" IMPORT_SUFFIX ".lib")

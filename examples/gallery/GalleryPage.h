@@ -50,6 +50,7 @@ std::unique_ptr<GalleryPage> MakeMessageEditorPage();
 std::unique_ptr<GalleryPage> MakeAboutPage();
 std::unique_ptr<GalleryPage> MakeProgressPage();
 std::unique_ptr<GalleryPage> MakePhoneFilesPage();
+std::unique_ptr<GalleryPage> MakeFileDlgPage();
 
 // Every page, in the order of the list.
 std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages();

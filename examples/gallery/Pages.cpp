@@ -22,5 +22,6 @@ std::vector<std::unique_ptr<GalleryPage>> MakeGalleryPages()
     pages.push_back(MakeAboutPage());
     pages.push_back(MakeProgressPage());
     pages.push_back(MakePhoneFilesPage());
+    pages.push_back(MakeFileDlgPage());
     return pages;
 }

@@ -187,4 +187,19 @@
 #define ZLR_STR_PROGRESS_WAIT 35210
 #define ZLR_STR_PROGRESS_STEP 35211
 
+/* The skinned file dialog (CVuikFileDlg). Graphics module: its four bars, three pieces each (start, middle,
+   end): the top bar and the strip with its title run across, the side bar down. */
+#define ZGR_BMP_FILEDLG_TOP_LEFT 35300
+#define ZGR_BMP_FILEDLG_TOP_MIDDLE 35301
+#define ZGR_BMP_FILEDLG_TOP_RIGHT 35302
+#define ZGR_BMP_FILEDLG_STRIP_LEFT 35303
+#define ZGR_BMP_FILEDLG_STRIP_MIDDLE 35304
+#define ZGR_BMP_FILEDLG_STRIP_RIGHT 35305
+#define ZGR_BMP_FILEDLG_TITLE_LEFT 35306
+#define ZGR_BMP_FILEDLG_TITLE_MIDDLE 35307
+#define ZGR_BMP_FILEDLG_TITLE_RIGHT 35308
+#define ZGR_BMP_FILEDLG_SIDE_TOP 35309
+#define ZGR_BMP_FILEDLG_SIDE_MIDDLE 35310
+#define ZGR_BMP_FILEDLG_SIDE_BOTTOM 35311
+
 #endif

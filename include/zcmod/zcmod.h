@@ -30,6 +30,7 @@
 #include "zcmod/VuikComboBoxCtrl.h"
 #include "zcmod/VuikCommonButtonCtrl.h"
 #include "zcmod/VuikEditCtrl.h"
+#include "zcmod/VuikFileDlg.h"
 #include "zcmod/VuikGraphics.h"
 #include "zcmod/VuikLib.h"
 #include "zcmod/VuikListViewCtrl.h"

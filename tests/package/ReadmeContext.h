@@ -24,5 +24,6 @@ extern CVuikButtonSkin buttonSkin;       // skins of the application's, loaded
 extern CVuikStaticBitmapSkin backgroundSkin;
 INT_PTR CALLBACK MyDialogProc(HWND, UINT, WPARAM, LPARAM);
 void DeleteMessage();
+void OpenPicture(const wchar_t* file);
 int CopyToPhone(const std::wstring& file);
 void LoadTheApplication();
