@@ -185,7 +185,8 @@ TEST_F(VuikFileDlg, RefusedSizeIsRetriedSmaller)
     ASSERT_FALSE(g_sizes.empty());
     EXPECT_EQ(g_sizes.front(), 168u);
     EXPECT_EQ(g_sizes.back(), 152u);
-    OPENFILENAMEW out = {sizeof(out)};
+    OPENFILENAMEW out = {};
+    out.lStructSize = sizeof(out);
     dlg.GetData(&out);
     EXPECT_EQ(out.lpstrFile, m_file);
 }
