@@ -9,29 +9,13 @@
 #include <vector>
 
 #include "Bench.h"
+#include "BenchPhone.h"
 #include "device/ServiceTypes.h"
 #include "zcmod/SearchEngineControl.h"
 
 using namespace bench;
 
 namespace {
-
-std::wstring BinDir()
-{
-    wchar_t path[MAX_PATH];
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring dir(path);
-    return dir.substr(0, dir.find_last_of(L'\\'));
-}
-
-void SetString(HKEY hive, const wchar_t* key, const wchar_t* name, const std::wstring& value)
-{
-    HKEY h = nullptr;
-    RegCreateKeyExW(hive, key, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &h, nullptr);
-    RegSetValueExW(h, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                   static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
-    RegCloseKey(h);
-}
 
 // Seconds of one call.
 double Once(const std::function<void()>& body)
@@ -44,49 +28,9 @@ double Once(const std::function<void()>& body)
     return static_cast<double>(end.QuadPart - start.QuadPart) / static_cast<double>(frequency.QuadPart);
 }
 
-bool Run(const std::wstring& commandLine)
-{
-    STARTUPINFOW startup = {};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process = {};
-    std::wstring line = commandLine;
-    if (!CreateProcessW(nullptr, &line[0], nullptr, nullptr, FALSE, CREATE_NO_WINDOW, nullptr, nullptr, &startup,
-                        &process))
-        return false;
-    WaitForSingleObject(process.hProcess, 120000);
-    DWORD code = 1;
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return code == 0;
-}
-
-// Points the library at the stand-in service beside the program and makes a phone of 10,000 contacts in a
-// phones folder of its own; gives the phone's serial, empty on failure.
-std::wstring MakePhone()
-{
-    const std::wstring service = BinDir() + L"\\standins\\service\\";
-    const wchar_t* api = L"SOFTWARE\\Desk Link Service\\API";
-    SetString(HKEY_LOCAL_MACHINE, api, L"DMAPI64", service + L"LinkAPI64.dll");
-    SetString(HKEY_LOCAL_MACHINE, api, L"FSAPI64", service + L"LinkAPI64.dll");
-    SetString(HKEY_LOCAL_MACHINE, api, L"VCAPI64", service + L"VersitConverter64.dll");
-    SetString(HKEY_LOCAL_MACHINE, api, L"CAAPI64", service + L"DAAPI64.dll");
-    // An installed suite: the language and theme the library reads (the direction of the text comes from them).
-    SetString(HKEY_LOCAL_MACHINE, L"Software\\Wow6432Node\\Zelvo\\DeskHub", L"Current Language", L"eng");
-    SetString(HKEY_LOCAL_MACHINE, L"Software\\Wow6432Node\\Zelvo\\DeskHub", L"Current Resource", L"Default");
-    const std::wstring root = TempFile(L"zcmod-bench-phones");
-    CreateDirectoryW(root.c_str(), nullptr);
-    SetString(HKEY_CURRENT_USER, L"Software\\ZCMOD Stand-ins\\Service", L"PhonesRoot", root);
-    const std::wstring ctl = L"\"" + BinDir() + L"\\phonectl.exe\" --root \"" + root + L"\" ";
-    Run(ctl + L"remove big");
-    if (!Run(ctl + L"new big --contacts 10000 --serial 3580000000010000"))
-        return L"";
-    return L"3580000000010000";
-}
-
 void SearchCases(std::vector<Row>& rows)
 {
-    const std::wstring serial = MakePhone();
+    const std::wstring serial = MakeBenchPhone(L"big", L"3580000000010000");
     if (serial.empty()) {
         rows.push_back({"recipient search", "10,000 contacts", "no phone", "-", "-"});
         return;
