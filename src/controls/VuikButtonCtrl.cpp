@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "controls/CompositeSkin.h"
 #include "frame/Handles.h"
 #include "zcmod/VuikBitmap.h"
 #include "zcmod/VuikGraphics.h"
@@ -343,27 +344,14 @@ CVuikButtonSkinDef CVuikButtonSkin::GetDefaultSkinDef() { return m_DefaultSkinDe
 void CVuikButtonSkin::SetSkinDef(CVuikButtonSkinDef def)
 {
     m_SkinDef = def;
-    for (int i = 0; i < 4; ++i)
-        m_StateSkins[i].SetSkinDef(def.m_States[i]);
+    zcmod::SetEachDef(m_StateSkins, def.m_States);
 }
 
-void CVuikButtonSkin::Load()
-{
-    for (CVuikButtonStateSkin& s : m_StateSkins)
-        s.Load();
-}
+void CVuikButtonSkin::Load() { zcmod::LoadEach(m_StateSkins); }
 
-void CVuikButtonSkin::Unload()
-{
-    for (CVuikButtonStateSkin& s : m_StateSkins)
-        s.Unload();
-}
+void CVuikButtonSkin::Unload() { zcmod::UnloadEach(m_StateSkins); }
 
-void CVuikButtonSkin::Validate()
-{
-    for (CVuikButtonStateSkin& s : m_StateSkins)
-        s.Validate();
-}
+void CVuikButtonSkin::Validate() { zcmod::ValidateEach(m_StateSkins); }
 
 bool CVuikButtonSkin::IsValid()
 {

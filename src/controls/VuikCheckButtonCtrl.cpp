@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "controls/CommonSkinSetup.h"
+#include "controls/CompositeSkin.h"
 #include "frame/Handles.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
@@ -145,35 +146,16 @@ CVuikCheckButtonSkin::~CVuikCheckButtonSkin() {}
 void CVuikCheckButtonSkin::SetSkinDef(CVuikCheckButtonSkinDef def)
 {
     m_SkinDef = def;
-    for (int i = 0; i < CheckStateCount; ++i)
-        m_StateSkins[i].SetSkinDef(def.m_States[i]);
+    zcmod::SetEachDef(m_StateSkins, def.m_States);
 }
 
-void CVuikCheckButtonSkin::Load()
-{
-    for (CVuikCheckButtonStateSkin& s : m_StateSkins)
-        s.Load();
-}
+void CVuikCheckButtonSkin::Load() { zcmod::LoadEach(m_StateSkins); }
 
-void CVuikCheckButtonSkin::Unload()
-{
-    for (CVuikCheckButtonStateSkin& s : m_StateSkins)
-        s.Unload();
-}
+void CVuikCheckButtonSkin::Unload() { zcmod::UnloadEach(m_StateSkins); }
 
-void CVuikCheckButtonSkin::Validate()
-{
-    for (CVuikCheckButtonStateSkin& s : m_StateSkins)
-        s.Validate();
-}
+void CVuikCheckButtonSkin::Validate() { zcmod::ValidateEach(m_StateSkins); }
 
-bool CVuikCheckButtonSkin::IsValid()
-{
-    for (CVuikCheckButtonStateSkin& s : m_StateSkins)
-        if (!s.IsValid())
-            return false;
-    return true;
-}
+bool CVuikCheckButtonSkin::IsValid() { return zcmod::AllValid(m_StateSkins); }
 
 void CVuikCheckButtonSkin::Draw(CVuikWindow* window, CVuikGraphics* graphics, int width, int height)
 {

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "controls/CommonSkinSetup.h"
+#include "controls/CompositeSkin.h"
 #include "zcmod/ResourceIds.h"
 #include "zcmod/VuikBitmap.h"
 #include "zcmod/VuikGraphics.h"
@@ -145,35 +146,16 @@ CVuikCommonButtonSkinDef CVuikCommonButtonSkin::GetDefaultSkinDef(ECommonButtonS
 void CVuikCommonButtonSkin::SetSkinDef(CVuikCommonButtonSkinDef def)
 {
     m_SkinDef = def;
-    for (int i = 0; i < CommonStateCount; ++i)
-        m_StateSkins[i].SetSkinDef(def.m_States[i]);
+    zcmod::SetEachDef(m_StateSkins, def.m_States);
 }
 
-void CVuikCommonButtonSkin::Load()
-{
-    for (CVuikCommonButtonStateSkin& s : m_StateSkins)
-        s.Load();
-}
+void CVuikCommonButtonSkin::Load() { zcmod::LoadEach(m_StateSkins); }
 
-void CVuikCommonButtonSkin::Unload()
-{
-    for (CVuikCommonButtonStateSkin& s : m_StateSkins)
-        s.Unload();
-}
+void CVuikCommonButtonSkin::Unload() { zcmod::UnloadEach(m_StateSkins); }
 
-void CVuikCommonButtonSkin::Validate()
-{
-    for (CVuikCommonButtonStateSkin& s : m_StateSkins)
-        s.Validate();
-}
+void CVuikCommonButtonSkin::Validate() { zcmod::ValidateEach(m_StateSkins); }
 
-bool CVuikCommonButtonSkin::IsValid()
-{
-    for (CVuikCommonButtonStateSkin& s : m_StateSkins)
-        if (!s.IsValid())
-            return false;
-    return true;
-}
+bool CVuikCommonButtonSkin::IsValid() { return zcmod::AllValid(m_StateSkins); }
 
 void CVuikCommonButtonSkin::Draw(CVuikWindow* window, CVuikGraphics* graphics, int width, int height)
 {
