@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "controls/ControlOfWindow.h"
 #include "controls/core/ControlText.h"
 #include "frame/Handles.h"
 #include "zcmod/ResHandler.h"
@@ -121,23 +122,10 @@ int DrawExIcon(HWND comboEx, HDC dc, int image, int x, int top, int bottom, bool
     return cx;
 }
 
-// The control whose buffer is being drawn, so that its skin knows it without a cast across module borders
-// (an application's class derived from the control has type information of its own).
+// The control whose buffer is being drawn (see ControlOfWindow).
 CVuikComboBoxCtrl* g_pDrawing = nullptr;
 
-CVuikComboBoxCtrl* AsCombo(CVuikWindow* window)
-{
-    if (!window)
-        return nullptr;
-    if (window == static_cast<CVuikWindow*>(g_pDrawing))
-        return g_pDrawing;
-    HWND hwnd = window->m_hWnd;
-    if (hwnd && IsWindow(hwnd) &&
-        reinterpret_cast<WNDPROC>(GetWindowLongPtrW(hwnd, GWLP_WNDPROC)) == CVuikComboBoxCtrl::WindowProc &&
-        GetWindowLongPtrW(hwnd, GWLP_USERDATA) == reinterpret_cast<LONG_PTR>(static_cast<CVuikComboBoxCtrl*>(window)))
-        return static_cast<CVuikComboBoxCtrl*>(window);
-    return nullptr;
-}
+CVuikComboBoxCtrl* AsCombo(CVuikWindow* window) { return zcmod::ControlOfWindow(window, g_pDrawing); }
 
 }  // namespace
 

@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include "controls/ControlOfWindow.h"
 #include "controls/core/ControlText.h"
 #include "frame/Handles.h"
 #include "zcmod/ResHandler.h"
@@ -24,22 +25,10 @@ int Width(const CVuikBitmap* b)
     return b ? b->GetWidth() : 0;
 }
 
-// The bar whose buffer is being drawn, so that its skin knows it without a cast across module borders.
+// The control whose buffer is being drawn (see ControlOfWindow).
 CVuikStepBarCtrl* g_pDrawing = nullptr;
 
-CVuikStepBarCtrl* AsStepBar(CVuikWindow* window)
-{
-    if (!window)
-        return nullptr;
-    if (window == static_cast<CVuikWindow*>(g_pDrawing))
-        return g_pDrawing;
-    HWND hwnd = window->m_hWnd;
-    if (hwnd && IsWindow(hwnd) &&
-        reinterpret_cast<WNDPROC>(GetWindowLongPtrW(hwnd, GWLP_WNDPROC)) == CVuikStepBarCtrl::WindowProc &&
-        GetWindowLongPtrW(hwnd, GWLP_USERDATA) == reinterpret_cast<LONG_PTR>(static_cast<CVuikStepBarCtrl*>(window)))
-        return static_cast<CVuikStepBarCtrl*>(window);
-    return nullptr;
-}
+CVuikStepBarCtrl* AsStepBar(CVuikWindow* window) { return zcmod::ControlOfWindow(window, g_pDrawing); }
 
 }  // namespace
 
