@@ -14,10 +14,25 @@ namespace {
 
 using Kind = HandleCounter::Kind;
 
-// Live objects by handle; timers by (window, id). One table for the process: only one counter is live.
+// GDI objects, USER objects and image lists are numbered in separate tables, so the same value can name a
+// bitmap and a window at once: objects are keyed by their table as well as their handle.
+enum Space { GdiSpace, UserSpace, ImageListSpace };
+
+Space SpaceOf(Kind kind)
+{
+    switch (kind) {
+        case HandleCounter::Icon:
+        case HandleCounter::Window:
+        case HandleCounter::Hook: return UserSpace;
+        case HandleCounter::ImageList: return ImageListSpace;
+        default: return GdiSpace;
+    }
+}
+
+// Live objects by table and handle; timers by (window, id). One table for the process: only one counter is live.
 struct Table {
     std::mutex lock;
-    std::map<void*, Kind> objects;
+    std::map<std::pair<Space, void*>, Kind> objects;
     std::set<std::pair<HWND, UINT_PTR>> timers;
     bool active = false;
 
@@ -27,12 +42,12 @@ struct Table {
             return;
         std::lock_guard<std::mutex> guard(lock);
         if (active)
-            objects[handle] = kind;
+            objects[{SpaceOf(kind), handle}] = kind;
     }
-    void Remove(void* handle)
+    void Remove(void* handle, Space space)
     {
         std::lock_guard<std::mutex> guard(lock);
-        objects.erase(handle);
+        objects.erase({space, handle});
     }
 };
 Table g_table;
@@ -62,13 +77,13 @@ F Real(void* original)
         return result;                                                                                        \
     }
 // Freeing functions that take the object as their first argument.
-#define ZCMOD_FREER(name, ret, params, args, handle)                                                         \
+#define ZCMOD_FREER(name, space, ret, params, args, handle)                                                  \
     ZCMOD_ORIGINAL(name);                                                                                     \
     ret WINAPI My##name params                                                                                \
     {                                                                                                         \
         ret result = Real<ret(WINAPI*) params>(g_##name) args;                                               \
         if (result)                                                                                           \
-            g_table.Remove(reinterpret_cast<void*>(handle));                                                 \
+            g_table.Remove(reinterpret_cast<void*>(handle), space);                                          \
         return result;                                                                                        \
     }
 
@@ -128,13 +143,13 @@ ZCMOD_CREATOR(ImageList_Create, ImageList, HIMAGELIST, (int w, int h, UINT flags
               (w, h, flags, initial, grow))
 ZCMOD_CREATOR(ImageList_Duplicate, ImageList, HIMAGELIST, (HIMAGELIST list), (list))
 
-ZCMOD_FREER(DeleteObject, BOOL, (HGDIOBJ object), (object), object)
-ZCMOD_FREER(DeleteDC, BOOL, (HDC dc), (dc), dc)
-ZCMOD_FREER(ReleaseDC, int, (HWND hwnd, HDC dc), (hwnd, dc), dc)
-ZCMOD_FREER(DestroyIcon, BOOL, (HICON icon), (icon), icon)
-ZCMOD_FREER(DestroyWindow, BOOL, (HWND hwnd), (hwnd), hwnd)
-ZCMOD_FREER(UnhookWindowsHookEx, BOOL, (HHOOK hook), (hook), hook)
-ZCMOD_FREER(ImageList_Destroy, BOOL, (HIMAGELIST list), (list), list)
+ZCMOD_FREER(DeleteObject, GdiSpace, BOOL, (HGDIOBJ object), (object), object)
+ZCMOD_FREER(DeleteDC, GdiSpace, BOOL, (HDC dc), (dc), dc)
+ZCMOD_FREER(ReleaseDC, GdiSpace, int, (HWND hwnd, HDC dc), (hwnd, dc), dc)
+ZCMOD_FREER(DestroyIcon, UserSpace, BOOL, (HICON icon), (icon), icon)
+ZCMOD_FREER(DestroyWindow, UserSpace, BOOL, (HWND hwnd), (hwnd), hwnd)
+ZCMOD_FREER(UnhookWindowsHookEx, UserSpace, BOOL, (HHOOK hook), (hook), hook)
+ZCMOD_FREER(ImageList_Destroy, ImageListSpace, BOOL, (HIMAGELIST list), (list), list)
 
 // LoadImageW and CopyImage make bitmaps or icons, as their type says.
 ZCMOD_ORIGINAL(LoadImageW);
@@ -153,7 +168,7 @@ HANDLE WINAPI MyCopyImage(HANDLE image, UINT type, int w, int h, UINT flags)
     if (result && result != image)
         g_table.Add(result, type == IMAGE_BITMAP ? HandleCounter::Bitmap : HandleCounter::Icon);
     if (result && result != image && (flags & LR_COPYDELETEORG))
-        g_table.Remove(image);
+        g_table.Remove(image, type == IMAGE_BITMAP ? GdiSpace : UserSpace);
     return result;
 }
 
@@ -163,7 +178,7 @@ int WINAPI MySetWindowRgn(HWND hwnd, HRGN region, BOOL redraw)
 {
     const int result = Real<decltype(&MySetWindowRgn)>(g_SetWindowRgn)(hwnd, region, redraw);
     if (result && region)
-        g_table.Remove(region);
+        g_table.Remove(region, GdiSpace);
     return result;
 }
 
@@ -275,7 +290,7 @@ HandleCounter::Counts HandleCounter::Live() const
     std::lock_guard<std::mutex> guard(g_table.lock);
     // A window that is gone took its timers with it, whoever destroyed it.
     for (auto it = g_table.objects.begin(); it != g_table.objects.end();)
-        it = it->second == Window && !IsWindow(static_cast<HWND>(it->first)) ? g_table.objects.erase(it) : ++it;
+        it = it->second == Window && !IsWindow(static_cast<HWND>(it->first.second)) ? g_table.objects.erase(it) : ++it;
     for (auto it = g_table.timers.begin(); it != g_table.timers.end();)
         it = it->first && !IsWindow(it->first) ? g_table.timers.erase(it) : ++it;
     Counts counts;
