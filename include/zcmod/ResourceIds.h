@@ -202,4 +202,10 @@
 #define ZGR_BMP_FILEDLG_SIDE_MIDDLE 35310
 #define ZGR_BMP_FILEDLG_SIDE_BOTTOM 35311
 
+/* The phone file transfer (CFD_DownloadFile, CFD_UploadFile). Graphics module: the clip of its progress
+   window, resource type "AVI", RLE8 frames on the theme's window colour: a document flying from the
+   computer to the phone, and the same clip mirrored for a right-to-left language. */
+#define ZGR_AVI_TRANSFER 0x17DA
+#define ZGR_AVI_TRANSFER_RTL 0x17DB
+
 #endif

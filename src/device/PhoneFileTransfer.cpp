@@ -12,6 +12,7 @@
 #include "zcmod/DKHLInfoReader.h"
 #include "zcmod/PhoneFileDialog.h"
 #include "zcmod/ResHandler.h"
+#include "zcmod/ResourceIds.h"
 
 using namespace zcmod;
 using namespace zcmod::phonefile;
@@ -19,10 +20,10 @@ using namespace zcmod::service;
 
 namespace {
 
-// The animations of the progress window, in the graphics module: files flying to the left or, in a
-// right-to-left language, to the right.
-constexpr UINT kCopyAnimation = 0x17DA;
-constexpr UINT kCopyAnimationRtl = 0x17DB;
+// The clips of the progress window, in the graphics module: a document flying to the right or, in a
+// right-to-left language, to the left.
+constexpr UINT kCopyAnimation = ZGR_AVI_TRANSFER;
+constexpr UINT kCopyAnimationRtl = ZGR_AVI_TRANSFER_RTL;
 
 // Follows a copy's progress on the service's side and shows it; answers "cancelled" when the user closed the
 // progress window or the service says the copy cannot go on.

@@ -4,6 +4,9 @@ so that every family looks like the same product."""
 from collections import namedtuple
 
 Artwork = namedtuple("Artwork", "id name draw")
+# A clip for the animation control: `frames(palette)` returns the SVG text of each frame, shown for
+# `microseconds` each; a mirrored clip is the same film flipped left to right (for right-to-left languages).
+Clip = namedtuple("Clip", "id name frames microseconds mirrored")
 
 # The suite's shapes: one corner radius for every control face, one stroke width, pixel-aligned at 96 dpi
 # (a 1-pixel stroke sits on half-pixel coordinates).

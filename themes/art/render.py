@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """Renders the artwork of one theme: every picture that a module under families/ declares is written as an
 SVG file, turned into a 32-bit PNG (alpha becomes the picture's mask) by rsvg-convert, and listed in a
-resource script fragment `art.rc` that the theme's script includes.
+resource script fragment `art.rc` that the theme's script includes. A module's list CLIPS of Clip entries
+(draw.py) becomes AVI clips for the animation control (avi.py), listed as resources of type AVI.
 
     render.py THEME OUTPUT_DIR [FAMILIES_DIR]
 
@@ -9,6 +10,7 @@ Each module of families/ (or of FAMILIES_DIR: an application such as the gallery
 the same vocabulary and palettes) holds a list ART of Artwork entries: a resource id, a file name and a function that
 takes the theme's Palette and returns the SVG text. The functions are plain drawing code, so one change to a
 shape or a colour rule changes every state and both themes together."""
+import hashlib
 import importlib.util
 import pathlib
 import subprocess
@@ -27,8 +29,34 @@ def load_families(folder):
         found = importlib.util.spec_from_file_location("family_" + path.stem, path)
         module = importlib.util.module_from_spec(found)
         found.loader.exec_module(module)
-        families.append((path.stem, getattr(module, "ART", [])))
+        families.append((path.stem, getattr(module, "ART", []), getattr(module, "CLIPS", [])))
     return families
+
+
+def render_clip(clip, palette, out):
+    """Writes clip.name + ".avi" from its frames; only when a frame, the encoder or the clip's settings changed
+    (a stamp beside the clip keeps the hash of all three)."""
+    texts = clip.frames(palette)
+    encoder = (HERE / "avi.py").read_bytes()
+    digest = hashlib.sha256(encoder + repr((clip.microseconds, clip.mirrored, texts)).encode("utf-8")).hexdigest()
+    avi_path, stamp = out / (clip.name + ".avi"), out / "svg" / (clip.name + ".avi.sha256")
+    if avi_path.exists() and stamp.exists() and stamp.read_text() == digest:
+        return False
+    import avi
+    frames, size = [], None
+    for k, text in enumerate(texts):
+        svg_path = out / "svg" / ("%s_%02d.svg" % (clip.name, k))
+        png_path = svg_path.with_suffix(".png")
+        svg_path.write_text(text, encoding="utf-8")
+        subprocess.run(["rsvg-convert", "-f", "png", "-o", str(png_path), str(svg_path)], check=True)
+        width, height, rows = avi.read_png(png_path.read_bytes())
+        if size not in (None, (width, height)):
+            sys.exit("render.py: the frames of %s differ in size" % clip.name)
+        size = (width, height)
+        frames.append([row[::-1] for row in rows] if clip.mirrored else rows)
+    avi.write_clip(str(avi_path), frames, size[0], size[1], clip.microseconds)
+    stamp.write_text(digest)
+    return True
 
 
 def main():
@@ -41,8 +69,15 @@ def main():
     seen_ids, seen_names = {}, {}
     redrawn = False
     lines = ["/* Made by themes/art/render.py for the theme %s; do not edit. */" % theme]
-    for family, art in load_families(folder):
+    for family, art, clips in load_families(folder):
         lines.append("/* %s */" % family)
+        for clip in clips:
+            for seen, key in ((seen_ids, clip.id), (seen_names, clip.name)):
+                if key in seen:
+                    sys.exit("render.py: %r of %s is also in %s" % (key, family, seen[key]))
+                seen[key] = family
+            redrawn = render_clip(clip, palette, out) or redrawn
+            lines.append('%d AVI "%s.avi"' % (clip.id, clip.name))
         for item in art:
             for seen, key in ((seen_ids, item.id), (seen_names, item.name)):
                 if key in seen:
