@@ -5,6 +5,7 @@
 #include <commctrl.h>
 #include <dlgs.h>
 #include <msxml2.h>
+#include <shlobj.h>
 
 #include <cwchar>
 #include <vector>
@@ -146,6 +147,7 @@ struct DialogState {
     HWND okButton = nullptr;
     WNDPROC okButtonProc = nullptr;
     wchar_t okButtonText[256] = {};
+    std::wstring shellFolder;  // the first folder when it is a shell path ("::{...}"), not a folder of a disk
 };
 DialogState g_dialog;  // one dialog at a time, on the caller's thread
 
@@ -244,12 +246,45 @@ bool SaveChecksPass(HWND frame)
     return true;
 }
 
+// The message that asks an explorer-style file dialog for its shell browser (answered through the dialog's
+// message result).
+constexpr UINT kGetShellBrowser = WM_USER + 7;
+
+// A platform dialog that takes only folders of a disk as its first folder (Wine's checks the path with
+// PathFileExists and drops the rest) opens elsewhere when the first folder is the phones' shell path. Once it
+// is ready it is browsed there through its shell browser; a path that no longer parses (a phone gone) gives
+// the nearest level above it that does. A dialog already there is left as it is.
+void OpenShellFolder(HWND frame)
+{
+    std::wstring path = g_dialog.shellFolder;
+    PIDLIST_ABSOLUTE target = nullptr;
+    while (!path.empty() && FAILED(SHParseDisplayName(path.c_str(), nullptr, &target, 0, nullptr))) {
+        const size_t slash = path.rfind(L'\\');
+        path.erase(slash == std::wstring::npos ? 0 : slash);
+    }
+    if (!target)
+        return;
+    const LRESULT size = SendMessageW(frame, CDM_GETFOLDERIDLIST, 0, 0);
+    std::vector<BYTE> current(size > 0 ? static_cast<size_t>(size) : 0);
+    const bool there = size > 0 &&
+                       SendMessageW(frame, CDM_GETFOLDERIDLIST, static_cast<WPARAM>(size),
+                                    reinterpret_cast<LPARAM>(current.data())) == size &&
+                       ILIsEqual(reinterpret_cast<PCIDLIST_ABSOLUTE>(current.data()), target);
+    // The dialog keeps the browser; it is not counted for the caller.
+    IShellBrowser* browser = there ? nullptr : reinterpret_cast<IShellBrowser*>(SendMessageW(frame, kGetShellBrowser, 0, 0));
+    if (browser)
+        browser->BrowseObject(target, SBSP_ABSOLUTE);
+    CoTaskMemFree(target);
+}
+
 UINT_PTR OnNotify(HWND dialog, OFNOTIFYW* notify)
 {
     HWND frame = GetParent(dialog);
     CFileDialogListener* listener = g_pListener;
     switch (notify->hdr.code) {
     case CDN_INITDONE:
+        if (!g_dialog.shellFolder.empty())
+            OpenShellFolder(frame);
         if (!g_dialog.callerTitle)
             SetWindowTextW(frame, LoadText(g_dialog.saveDialog ? ZLR_STR_FD_SAVE_TITLE : ZLR_STR_FD_OPEN_TITLE).c_str());
         if (listener)
@@ -400,6 +435,8 @@ BOOL RunDialog(OPENFILENAMEW* ofn, bool save)
         if (!initialDir.empty())
             ofn->lpstrInitialDir = initialDir.c_str();
     }
+    if (ofn->lpstrInitialDir && ofn->lpstrInitialDir[0] == L':' && ofn->lpstrInitialDir[1] == L':')
+        g_dialog.shellFolder = ofn->lpstrInitialDir;
     if (ofn->lpstrInitialDir && *ofn->lpstrInitialDir && ofn->lpstrFile) {
         // The folder is the initial directory's business: the name box keeps only the name.
         const std::wstring file = ofn->lpstrFile;

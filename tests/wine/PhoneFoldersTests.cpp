@@ -320,8 +320,8 @@ bool DoubleClick(HWND dialog, const std::wstring& text)
     return true;
 }
 
-// The platform's dialog takes no shell path as its first folder, so the user walks in from the desktop: My
-// Computer, the phones, the phone, its drive and folder, and a double-click on the file.
+// Without a first folder the user walks in from the desktop: My Computer, the phones, the phone, its drive and
+// folder, and a double-click on the file.
 TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
 {
     const std::wstring docs = Mirror() + L"\\" + serial + L"\\C\\Docs";
@@ -378,6 +378,67 @@ TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
     EXPECT_EQ(std::wstring(file), docs + L"\\note.txt");
     EXPECT_EQ(CFD_DownloadFile(file, nullptr), S_OK);
     EXPECT_EQ(ReadBytes(file), "twelve bytes");
+}
+
+}  // namespace
+
+namespace {
+
+// A folder of the mirror as first folder opens the dialog on the phone (or at the phones when opening inside a
+// phone is not enabled), without the user walking in; a folder gone from the phone gives the level above it.
+TEST_F(PhoneFolders, MirrorFolderAsFirstFolderOpensOnThePhone)
+{
+    const std::wstring phone = Mirror() + L"\\" + serial;
+    MakeFolders(phone + L"\\C\\Docs");
+    const struct {
+        unsigned long phoneFolders;
+        std::wstring first, folder;
+        std::vector<std::wstring> shown;
+    } cases[] = {
+        {1, phone + L"\\C\\Docs", phone + L"\\C\\Docs", {L"b.jpg", L"note.txt"}},
+        {0, phone + L"\\C\\Docs", kRoot, {L"Work phone"}},  // no folder of a disk: the shell path
+        {1, phone + L"\\C\\Gone", phone + L"\\C", {L"Docs", L"Documents", L"Music", L"Pictures", L"Sounds"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.first.c_str() << " " << c.phoneFolders);
+        CFD_EnablePhoneFolders(c.phoneFolders);
+        wchar_t file[MAX_PATH] = {};
+        OPENFILENAMEW ofn = {};
+        ofn.lStructSize = sizeof(ofn);
+        ofn.lpstrFile = file;
+        ofn.nMaxFile = MAX_PATH;
+        ofn.lpstrInitialDir = c.first.c_str();
+        const DWORD self = GetCurrentThreadId();
+        std::atomic<bool> done{false};
+        std::vector<std::wstring> shown;
+        wchar_t folder[MAX_PATH] = {};
+        std::thread driver([&] {
+            HWND dialog = FindFileDialog(self);
+            if (!dialog)
+                return;
+            WaitUntil([&] { return ListTexts(dialog) == c.shown; });
+            shown = ListTexts(dialog);
+            SendMessageW(dialog, CDM_GETFOLDERPATH, MAX_PATH, reinterpret_cast<LPARAM>(folder));
+            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        });
+        std::thread watchdog([&] {
+            for (int i = 0; i < 2000 && !done; ++i)
+                Sleep(10);
+            if (!done) {
+                ADD_FAILURE() << "the dialog did not end in 20 s";
+                EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
+                                  0);
+            }
+        });
+        EXPECT_FALSE(CFD_GetOpenFileName(&ofn));
+        done = true;
+        driver.join();
+        watchdog.join();
+        EXPECT_EQ(shown, c.shown);
+        EXPECT_EQ(_wcsicmp(folder, c.folder.c_str()), 0) << folder;
+        EXPECT_EQ(ofn.lpstrInitialDir, c.first.c_str()) << "the caller's first folder did not come back";
+    }
+    CFD_EnablePhoneFolders(0);
 }
 
 }  // namespace
