@@ -15,7 +15,9 @@
 #include <thread>
 #include <vector>
 
+#include "DeviceTestSupport.h"
 #include "FileDlgTestIds.h"
+#include "Golden.h"
 #include "HandleCounter.h"
 #include "TestSkins.h"
 #include "TestSupport.h"
@@ -300,6 +302,46 @@ TEST_F(VuikFileDlg, BothThemesCarryTheBars)
         skin.Unload();
         FreeLibrary(module);
     }
+}
+
+// The open dialog in both themes and layouts against reviewed pictures: the theme's bars around the platform's
+// controls, on a folder of fixed names so that nothing of the machine shows, the focus on OK (no caret).
+TEST_F(VuikFileDlg, Golden)
+{
+    wchar_t temp[MAX_PATH], longer[MAX_PATH];
+    GetTempPathW(MAX_PATH, temp);
+    GetLongPathNameW(temp, longer, MAX_PATH);
+    const std::wstring folder = std::wstring(longer) + L"zcmod-filedlg-golden";
+    CreateDirectoryW(folder.c_str(), nullptr);
+    CreateDirectoryW((folder + L"\\Photos").c_str(), nullptr);
+    for (const wchar_t* name : {L"\\notes.txt", L"\\report.txt"})
+        std::ofstream((folder + name).c_str()) << "x";
+    m_ofn.lpstrInitialDir = folder.c_str();
+    zcmod_test::SuiteRegistry registry;
+    for (const wchar_t* theme : {L"Default", L"Graphite"})
+        for (const wchar_t* language : {L"eng", L"heb"}) {
+            const std::string name = std::string("filedlg_open_") + (theme[0] == L'D' ? "Default" : "Graphite") +
+                                     (language[0] == L'h' ? "_rtl" : "_ltr");
+            SCOPED_TRACE(name);
+            // As an application of the suite: the user's language and theme, the theme's own skin.
+            zcmod_test::FreshResources resources(registry, language, theme);
+            CVuikLib::SetLayout(language[0] == L'h' ? 1 : 0);
+            CVuikFileDlg::SetDefaultSkin(CVuikFileDlg::GetThemeSkin());
+            Capture shown;
+            RunDriven([&] { return CVuikFileDlg::GetOpenFileNameW(&m_ofn); }, [&](HWND dialog) {
+                SetWindowPos(dialog, nullptr, 0, 0, 600, 420, SWP_NOMOVE | SWP_NOZORDER);
+                SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(dialog, IDOK)), TRUE);
+                Sleep(400);  // the repaint timer and the view's list have run
+                shown = CaptureWindow(dialog);
+                Cancel(dialog);
+            });
+            EXPECT_TRUE(zcmod_test::MatchesGolden(name, shown.width, shown.height, shown.pixels.data(), 8));
+            CVuikFileDlg::SetDefaultSkin(nullptr);
+        }
+    for (const wchar_t* name : {L"\\notes.txt", L"\\report.txt"})
+        DeleteFileW((folder + name).c_str());
+    RemoveDirectoryW((folder + L"\\Photos").c_str());
+    RemoveDirectoryW(folder.c_str());
 }
 
 }  // namespace
