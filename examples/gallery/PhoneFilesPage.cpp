@@ -3,7 +3,9 @@
 // phone comes back as a path of the local mirror and is carried with DownloadFile / UploadFile.
 //
 // On entering, a tour driven by a timer opens the open dialog, walks from the desktop into the phone's drive
-// C: and keeps a copy of the dialog, with its "Look in" list open, for the page, then cancels it.
+// C: and keeps a copy of the dialog, with its "Look in" list open, for the page, then cancels it. Beside the
+// buttons plays the clip of the transfer's progress window, from the theme (mirrored for a right-to-left
+// language), in the platform's animation control as the progress window shows it.
 #include <windows.h>
 
 #include <commctrl.h>
@@ -133,6 +135,14 @@ public:
                                  4, 170, 30, m_panel, reinterpret_cast<HMENU>(kOpenId), wc.hInstance, nullptr);
         CreateWindowExW(0, L"BUTTON", PageTexts().save, WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 180, 4, 170,
                         30, m_panel, reinterpret_cast<HMENU>(kSaveId), wc.hInstance, nullptr);
+        INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_ANIMATE_CLASS};
+        InitCommonControlsEx(&controls);
+        m_clip = CreateWindowExW(0, ANIMATE_CLASSW, L"", WS_CHILD | WS_VISIBLE | ACS_AUTOPLAY, 400, 44, 272, 60,
+                                 host, nullptr, wc.hInstance, nullptr);
+        const bool rtl = &PageTexts() == &kHebrew;
+        m_clipOpened = SendMessageW(m_clip, ACM_OPENW, reinterpret_cast<WPARAM>(ZCMOD_GetCommonZGR()),
+                                    reinterpret_cast<LPARAM>(MAKEINTRESOURCEW(rtl ? ZGR_AVI_TRANSFER_RTL
+                                                                                  : ZGR_AVI_TRANSFER))) != 0;
         CFD_EnablePhoneFolders(1);
         m_step = 0;
         m_ticks = 0;
@@ -146,7 +156,9 @@ public:
         m_tour = 0;
         if (m_panel)
             DestroyWindow(m_panel);
-        m_panel = m_open = nullptr;
+        if (m_clip)
+            DestroyWindow(m_clip);
+        m_panel = m_open = m_clip = nullptr;
         if (m_shot)
             DeleteObject(m_shot);
         m_shot = nullptr;
@@ -185,6 +197,8 @@ public:
 
     std::wstring Verify() override
     {
+        if (!m_clipOpened)
+            return L"the theme's transfer clip did not open";
         if (!m_shot)
             return L"the open dialog on the phone was not captured";
         if (m_step <= kWaySteps + 2)
@@ -294,7 +308,8 @@ private:
     }
 
     static PhoneFilesPage* s_page;
-    HWND m_host = nullptr, m_panel = nullptr, m_open = nullptr;
+    HWND m_host = nullptr, m_panel = nullptr, m_open = nullptr, m_clip = nullptr;
+    bool m_clipOpened = false;
     UINT_PTR m_tour = 0;
     int m_step = 0, m_ticks = 0;
     HBITMAP m_shot = nullptr;

@@ -320,6 +320,32 @@ bool DoubleClick(HWND dialog, const std::wstring& text)
     return true;
 }
 
+// Runs the open dialog on this thread while `drive` (which must end it) steps through it from another; a
+// watchdog cancels every window of this thread after 20 s, so that a stuck dialog fails rather than hangs.
+BOOL RunDriven(OPENFILENAMEW& ofn, const std::function<void(HWND)>& drive)
+{
+    const DWORD self = GetCurrentThreadId();
+    std::atomic<bool> done{false};
+    std::thread driver([&] {
+        if (HWND dialog = FindFileDialog(self))
+            drive(dialog);
+    });
+    std::thread watchdog([&] {
+        for (int i = 0; i < 2000 && !done; ++i)
+            Sleep(10);
+        if (!done) {
+            ADD_FAILURE() << "the dialog did not end in 20 s";
+            EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
+                              0);
+        }
+    });
+    const BOOL result = CFD_GetOpenFileName(&ofn);
+    done = true;
+    driver.join();
+    watchdog.join();
+    return result;
+}
+
 // Without a first folder the user walks in from the desktop: My Computer, the phones, the phone, its drive and
 // folder, and a double-click on the file.
 TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
@@ -333,14 +359,9 @@ TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
     ofn.lpstrFilter = L"All files\0*.*\0";
     ofn.Flags = OFN_FILEMUSTEXIST;
 
-    const DWORD self = GetCurrentThreadId();
-    std::atomic<bool> done{false};
     std::vector<std::wstring> shown;
     bool phoneListed = false;
-    std::thread driver([&] {
-        HWND dialog = FindFileDialog(self);
-        if (!dialog)
-            return;
+    const BOOL chosen = RunDriven(ofn, [&](HWND dialog) {
         // The first entry of "Look in" is the desktop; from there the user walks in.
         HWND combo = GetDlgItem(dialog, cmb2);
         SendMessageW(combo, CB_SETCURSEL, 0, 0);
@@ -358,19 +379,6 @@ TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
         if (!DoubleClick(dialog, L"note.txt"))
             PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
     });
-    std::thread watchdog([&] {
-        for (int i = 0; i < 2000 && !done; ++i)
-            Sleep(10);
-        if (!done) {
-            ADD_FAILURE() << "the dialog did not end in 20 s";
-            EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
-                              0);
-        }
-    });
-    const BOOL chosen = CFD_GetOpenFileName(&ofn);
-    done = true;
-    driver.join();
-    watchdog.join();
 
     EXPECT_TRUE(phoneListed) << "no \"Phones\" in the dialog's Look in list";
     EXPECT_EQ(shown, (std::vector<std::wstring>{L"b.jpg", L"note.txt"}));
@@ -379,10 +387,6 @@ TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
     EXPECT_EQ(CFD_DownloadFile(file, nullptr), S_OK);
     EXPECT_EQ(ReadBytes(file), "twelve bytes");
 }
-
-}  // namespace
-
-namespace {
 
 // A folder of the mirror as first folder opens the dialog on the phone (or at the phones when opening inside a
 // phone is not enabled), without the user walking in; a folder gone from the phone gives the level above it.
@@ -402,38 +406,19 @@ TEST_F(PhoneFolders, MirrorFolderAsFirstFolderOpensOnThePhone)
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.first.c_str() << " " << c.phoneFolders);
         CFD_EnablePhoneFolders(c.phoneFolders);
-        wchar_t file[MAX_PATH] = {};
+        wchar_t file[MAX_PATH] = {}, folder[MAX_PATH] = {};
         OPENFILENAMEW ofn = {};
         ofn.lStructSize = sizeof(ofn);
         ofn.lpstrFile = file;
         ofn.nMaxFile = MAX_PATH;
         ofn.lpstrInitialDir = c.first.c_str();
-        const DWORD self = GetCurrentThreadId();
-        std::atomic<bool> done{false};
         std::vector<std::wstring> shown;
-        wchar_t folder[MAX_PATH] = {};
-        std::thread driver([&] {
-            HWND dialog = FindFileDialog(self);
-            if (!dialog)
-                return;
+        EXPECT_FALSE(RunDriven(ofn, [&](HWND dialog) {
             WaitUntil([&] { return ListTexts(dialog) == c.shown; });
             shown = ListTexts(dialog);
             SendMessageW(dialog, CDM_GETFOLDERPATH, MAX_PATH, reinterpret_cast<LPARAM>(folder));
             PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-        });
-        std::thread watchdog([&] {
-            for (int i = 0; i < 2000 && !done; ++i)
-                Sleep(10);
-            if (!done) {
-                ADD_FAILURE() << "the dialog did not end in 20 s";
-                EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
-                                  0);
-            }
-        });
-        EXPECT_FALSE(CFD_GetOpenFileName(&ofn));
-        done = true;
-        driver.join();
-        watchdog.join();
+        }));
         EXPECT_EQ(shown, c.shown);
         EXPECT_EQ(_wcsicmp(folder, c.folder.c_str()), 0) << folder;
         EXPECT_EQ(ofn.lpstrInitialDir, c.first.c_str()) << "the caller's first folder did not come back";

@@ -308,13 +308,12 @@ TEST_F(VuikFileDlg, BothThemesCarryTheBars)
 // controls, on a folder of fixed names so that nothing of the machine shows, the focus on OK (no caret).
 TEST_F(VuikFileDlg, Golden)
 {
-    wchar_t temp[MAX_PATH], longer[MAX_PATH];
+    wchar_t temp[MAX_PATH];
     GetTempPathW(MAX_PATH, temp);
-    GetLongPathNameW(temp, longer, MAX_PATH);
-    const std::wstring folder = std::wstring(longer) + L"zcmod-filedlg-golden";
+    const std::wstring folder = std::wstring(temp) + L"zcmod-filedlg-golden", names[] = {L"\\notes.txt", L"\\report.txt"};
     CreateDirectoryW(folder.c_str(), nullptr);
     CreateDirectoryW((folder + L"\\Photos").c_str(), nullptr);
-    for (const wchar_t* name : {L"\\notes.txt", L"\\report.txt"})
+    for (const std::wstring& name : names)
         std::ofstream((folder + name).c_str()) << "x";
     m_ofn.lpstrInitialDir = folder.c_str();
     zcmod_test::SuiteRegistry registry;
@@ -323,8 +322,7 @@ TEST_F(VuikFileDlg, Golden)
             const std::string name = std::string("filedlg_open_") + (theme[0] == L'D' ? "Default" : "Graphite") +
                                      (language[0] == L'h' ? "_rtl" : "_ltr");
             SCOPED_TRACE(name);
-            // As an application of the suite: the user's language and theme, the theme's own skin.
-            zcmod_test::FreshResources resources(registry, language, theme);
+            zcmod_test::FreshResources resources(registry, language, theme);  // as an application of the suite
             CVuikLib::SetLayout(language[0] == L'h' ? 1 : 0);
             CVuikFileDlg::SetDefaultSkin(CVuikFileDlg::GetThemeSkin());
             Capture shown;
@@ -338,7 +336,7 @@ TEST_F(VuikFileDlg, Golden)
             EXPECT_TRUE(zcmod_test::MatchesGolden(name, shown.width, shown.height, shown.pixels.data(), 8));
             CVuikFileDlg::SetDefaultSkin(nullptr);
         }
-    for (const wchar_t* name : {L"\\notes.txt", L"\\report.txt"})
+    for (const std::wstring& name : names)
         DeleteFileW((folder + name).c_str());
     RemoveDirectoryW((folder + L"\\Photos").c_str());
     RemoveDirectoryW(folder.c_str());
