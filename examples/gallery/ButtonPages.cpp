@@ -29,17 +29,6 @@ namespace {
 const int kLeftColumn = 30;
 const int kRightColumn = 480;
 
-class LayoutScope {
-public:
-    explicit LayoutScope(bool rtl) : m_old(CVuikLib::SetLayout(rtl ? LAYOUT_RTL : 0)) {}
-    ~LayoutScope() { CVuikLib::SetLayout(m_old); }
-    LayoutScope(const LayoutScope&) = delete;
-    LayoutScope& operator=(const LayoutScope&) = delete;
-
-private:
-    DWORD m_old;
-};
-
 // The theme is dark when its window colour is.
 bool DarkTheme()
 {
@@ -97,21 +86,6 @@ public:
     }
 };
 
-const wchar_t* PanelClass()
-{
-    static bool registered = false;
-    if (!registered) {
-        WNDCLASSEXW wc = {};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = DefWindowProcW;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.lpszClassName = L"ZcmodGalleryButtonPanel";
-        registered = RegisterClassExW(&wc) != 0;
-    }
-    return L"ZcmodGalleryButtonPanel";
-}
-
 // What both pages share: the panel, the labels and the check of the shared tooltip window.
 class ButtonPageBase : public GalleryPage {
 public:
@@ -141,7 +115,7 @@ protected:
         m_panelSkin.SetSkinDef(CButtonPanelSkinDef{&m_labels});
         m_panel = std::make_unique<CButtonPanel>();
         m_panel->SetSkin(&m_panelSkin);
-        return m_panel->Create(PanelClass(), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, nullptr);
+        return m_panel->Create(WindowClass(L"ZcmodGalleryButtonPanel"), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, nullptr);
     }
     void Label(int x, int y, const std::wstring& text, bool title = false) { m_labels.push_back({x, y, text, title}); }
     std::wstring CheckTooltips(int expected)
