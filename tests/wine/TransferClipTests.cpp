@@ -7,6 +7,7 @@
 
 #include <commctrl.h>
 
+#include "Golden.h"
 #include "MessageSequence.h"
 #include "TestSkins.h"
 #include "TestSupport.h"
@@ -64,6 +65,12 @@ TEST(TransferClip, BothThemesPlayBothDirections)
         EXPECT_TRUE(Pixels(first[1]) == Pixels(first[0], true));
         EXPECT_TRUE(Pixels(middle[1]) == Pixels(middle[0], true));
         EXPECT_TRUE(Pixels(first[0]) != Pixels(first[0], true)) << "a symmetric picture shows no direction";
+        // Drawn as reviewed: the first and a middle frame of each direction, as the control shows them.
+        Sheet sheet(first[0].width * 2, first[0].height * 2);
+        for (int i = 0; i < 4; ++i)
+            sheet.Paste(i % 2 ? middle[i / 2] : first[i / 2], i % 2 * first[0].width, i / 2 * first[0].height);
+        EXPECT_TRUE(zcmod_test::MatchesGolden(theme[0] == L'D' ? "transfer_clip_Default" : "transfer_clip_Graphite",
+                                              sheet.width, sheet.height, sheet.pixels.data()));
         FreeLibrary(module);
     }
 }
