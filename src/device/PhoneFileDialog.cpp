@@ -271,7 +271,8 @@ void OpenShellFolder(HWND frame)
                                     reinterpret_cast<LPARAM>(current.data())) == size &&
                        ILIsEqual(reinterpret_cast<PCIDLIST_ABSOLUTE>(current.data()), target);
     // The dialog keeps the browser; it is not counted for the caller.
-    IShellBrowser* browser = there ? nullptr : reinterpret_cast<IShellBrowser*>(SendMessageW(frame, kGetShellBrowser, 0, 0));
+    IShellBrowser* browser =
+        there ? nullptr : reinterpret_cast<IShellBrowser*>(SendMessageW(frame, kGetShellBrowser, 0, 0));
     if (browser)
         browser->BrowseObject(target, SBSP_ABSOLUTE);
     CoTaskMemFree(target);

@@ -42,8 +42,9 @@ TEST(TransferClip, BothThemesPlayBothDirections)
             HWND host = rec.CreateParent("host", {40, 40, 440, 160});
             HWND clip = CreateWindowExW(0, ANIMATE_CLASSW, L"", WS_CHILD | WS_VISIBLE, 0, 0, 10, 10, host, nullptr,
                                         nullptr, nullptr);
-            ASSERT_TRUE(SendMessageW(clip, ACM_OPENW, reinterpret_cast<WPARAM>(module),
-                                     reinterpret_cast<LPARAM>(MAKEINTRESOURCEW(rtl ? ZGR_AVI_TRANSFER_RTL : ZGR_AVI_TRANSFER))));
+            ASSERT_TRUE(SendMessageW(
+                clip, ACM_OPENW, reinterpret_cast<WPARAM>(module),
+                reinterpret_cast<LPARAM>(MAKEINTRESOURCEW(rtl ? ZGR_AVI_TRANSFER_RTL : ZGR_AVI_TRANSFER))));
             for (auto [frame, shown] : {std::pair<int, Capture*>{0, &first[rtl]}, {8, &middle[rtl]}}) {
                 SendMessageW(clip, ACM_PLAY, 1, MAKELPARAM(frame, frame));
                 *shown = CaptureWindow(clip);
@@ -51,7 +52,8 @@ TEST(TransferClip, BothThemesPlayBothDirections)
             ASSERT_GT(first[rtl].width, 100);
             // A flat ground, whose top-left pixel the control keys out when it draws transparently.
             const int w = first[rtl].width - 1, h = first[rtl].height - 1;
-            for (uint32_t corner : {first[rtl].At(w, 0), first[rtl].At(0, h), first[rtl].At(w, h), middle[rtl].At(0, 0)})
+            for (uint32_t corner :
+                 {first[rtl].At(w, 0), first[rtl].At(0, h), first[rtl].At(w, h), middle[rtl].At(0, 0)})
                 EXPECT_EQ(corner, first[rtl].At(0, 0));
             EXPECT_TRUE(Pixels(first[rtl]) != Pixels(middle[rtl])) << "the frames do not move";
             // Played once through: the control says it started and, at the clip's end, that it stopped.

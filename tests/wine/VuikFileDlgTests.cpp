@@ -310,7 +310,8 @@ TEST_F(VuikFileDlg, Golden)
 {
     wchar_t temp[MAX_PATH];
     GetTempPathW(MAX_PATH, temp);
-    const std::wstring folder = std::wstring(temp) + L"zcmod-filedlg-golden", names[] = {L"\\notes.txt", L"\\report.txt"};
+    const std::wstring folder = std::wstring(temp) + L"zcmod-filedlg-golden",
+                       names[] = {L"\\notes.txt", L"\\report.txt"};
     CreateDirectoryW(folder.c_str(), nullptr);
     CreateDirectoryW((folder + L"\\Photos").c_str(), nullptr);
     for (const std::wstring& name : names)
