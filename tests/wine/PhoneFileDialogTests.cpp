@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <commctrl.h>
 #include <dlgs.h>
 
 #include <atomic>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "ServiceTestSupport.h"
+#include "TestSkins.h"
 #include "zcmod/PhoneFileDialog.h"
 
 using namespace zcmod_test;
@@ -158,6 +160,38 @@ TEST_F(PhoneFileDialog, PhoneUnpluggedDuringADownloadLeavesNoPartialFile)
     EXPECT_EQ(static_cast<uint32_t>(result) & 0xFFFF0000u, 0x80000000u) << std::hex << result;
     EXPECT_EQ(GetFileAttributesW(target.c_str()), INVALID_FILE_ATTRIBUTES);
     EXPECT_EQ(GetFileAttributesW((target + L".partial").c_str()), INVALID_FILE_ATTRIBUTES);
+}
+
+// While the file travels, the progress window plays the theme's clip: its animation control's picture moves.
+TEST_F(PhoneFileDialog, TransferWindowPlaysTheThemesClip)
+{
+    const std::wstring serial = phones.New(L"slow", L"--copydelay 20");
+    WriteFile(phones.Folder(L"slow") + L"\\files\\C\\big.bin", std::string(6 << 20, 'x'));  // some 90 blocks of 20 ms
+    std::atomic<bool> moved{false}, done{false};
+    std::thread watch([&] {
+        for (; !done && !moved; Sleep(10)) {
+            HWND clip = nullptr;
+            EnumWindows(
+                [](HWND top, LPARAM found) {
+                    DWORD process = 0;
+                    GetWindowThreadProcessId(top, &process);
+                    if (process == GetCurrentProcessId() && !*reinterpret_cast<HWND*>(found))
+                        *reinterpret_cast<HWND*>(found) = FindWindowExW(top, nullptr, ANIMATE_CLASSW, nullptr);
+                    return TRUE;
+                },
+                reinterpret_cast<LPARAM>(&clip));
+            if (!clip)
+                continue;
+            Sleep(300);  // the window has painted: what changes now is the clip
+            const testskin::Capture before = testskin::CaptureWindow(clip);
+            Sleep(250);
+            moved = before.width > 100 && before.pixels != testskin::CaptureWindow(clip).pixels;
+        }
+    });
+    EXPECT_EQ(CFD_DownloadFile((kMirror + L"\\" + serial + L"\\C\\big.bin").c_str(), nullptr), S_OK);
+    done = true;
+    watch.join();
+    EXPECT_TRUE(moved);
 }
 
 // --- the dialogs, driven from a second thread -------------------------------------------------------------------

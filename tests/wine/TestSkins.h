@@ -219,7 +219,7 @@ private:
 // A window's client area as it shows on the screen.
 inline Capture CaptureWindow(HWND hwnd)
 {
-    RECT client;
+    RECT client = {};  // a window gone meanwhile gives an empty capture
     GetClientRect(hwnd, &client);
     Canvas canvas(client.right, client.bottom);
     HDC dc = GetDC(hwnd);
