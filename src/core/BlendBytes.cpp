@@ -157,6 +157,16 @@ BlendFunction ChooseBlend()
 
 }  // namespace
 
+bool ProcessorHasAvx2()
+{
+#if ZCMOD_BLEND_X86
+    static const bool has = HasAvx2();
+    return has;
+#else
+    return false;
+#endif
+}
+
 void AlphaBlendBytes(const uint8_t* image, const uint8_t* alpha, const uint8_t* background, uint8_t* result,
                      size_t count)
 {
