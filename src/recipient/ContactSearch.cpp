@@ -130,7 +130,12 @@ int CSeSkinManager::Initialize(HINSTANCE instance)
 
 CSearchEngineControl::CSearchEngineControl(HINSTANCE instance)
     : m_iButtonWidth(50), m_iButtonHeight(50), m_lThreeDimLook(0), m_hInstance(instance),
-      m_pSkinManager(new (std::nothrow) CSeSkinManager())
+      m_pSkinManager(new (std::nothrow) CSeSkinManager()), m_iControlCount(1), m_lRecipientMode{0, 1, 2},
+      m_sLineCount{1, 1, 1}, m_nEditcontrolWidth(200), m_iBorderWidth(0), m_lFontHeight(14), m_iSystemFontHeight(0),
+      m_iNameLen(0), m_bDisableChange(0), m_bDisableSelChange(0), m_wndHostWindow(nullptr), m_ctrlButton(nullptr),
+      m_ctrlEditBox(nullptr), m_hEditBox{}, m_pfnEditProc{}, m_pfnButtonProc{}, m_pfnHostProc(nullptr),
+      m_pfnListProc(nullptr), m_wndContactListBox(nullptr), m_hFont(nullptr), m_hLabelFont(nullptr),
+      m_hRichEditModule(nullptr), m_nSearchTimer(0), m_bAddressOnlyUpdate(false), m_bPasting(false)
 {
     zcmod::EnsureGdiPlus();
     m_bDisableChange = 0;
