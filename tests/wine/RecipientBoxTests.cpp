@@ -536,8 +536,8 @@ TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
     EXPECT_EQ(Effects(5, 21), static_cast<DWORD>(0));  // cancelled: "zed" alone, nothing underlined
 }
 
-// A paste by either key brings the clipboard's plain text (not its italic rich text), grows the row up to the line
-// limit and is searched after the pause like typed text.
+// A paste by either key or by the paste message (an application's Edit menu) brings the clipboard's plain text
+// (not its italic rich text), grows the row up to the line limit and is searched after the pause like typed text.
 TEST_F(RecipientBox, APasteIsPlainTextGrowsTheRowAndIsSearched)
 {
     Make(2);
@@ -547,16 +547,18 @@ TEST_F(RecipientBox, APasteIsPlainTextGrowsTheRowAndIsSearched)
         GetWindowRect(w, &r);
         return r;
     };
+    enum { CtrlV, ShiftInsert, Message };
     const struct {
-        bool shiftInsert;
+        int how;
         const char* clip;
         const wchar_t* searched;  // the text after the pause; null: a text of several lines
         int lines;                // the row's height in lines
     } cases[] = {
-        {false, "smi", L"Smith John <555>", 1},
-        {true, "ann", L"Ann Lee <040123>", 1},
-        {false, "a\r\nb\r\nc", nullptr, 3},
-        {true, "a\r\nb\r\nc\r\nd\r\ne", nullptr, 3},  // five lines: three shown, scrolled to the caret
+        {CtrlV, "smi", L"Smith John <555>", 1},
+        {ShiftInsert, "ann", L"Ann Lee <040123>", 1},
+        {Message, "smi", L"Smith John <555>", 1},
+        {CtrlV, "a\r\nb\r\nc", nullptr, 3},
+        {ShiftInsert, "a\r\nb\r\nc\r\nd\r\ne", nullptr, 3},  // five lines: three shown, scrolled to the caret
     };
     int threeLines = 0;
     for (const auto& c : cases) {
@@ -577,7 +579,9 @@ TEST_F(RecipientBox, APasteIsPlainTextGrowsTheRowAndIsSearched)
         CloseClipboard();
         const RECT before = rect(edit1);
         const LONG gap = before.top - rect(edit).bottom;
-        if (c.shiftInsert) {
+        if (c.how == Message) {
+            SendMessageW(edit, WM_PASTE, 0, 0);
+        } else if (c.how == ShiftInsert) {
             input::Press(VK_INSERT, true);
         } else {
             input::Key(VK_CONTROL, false);
