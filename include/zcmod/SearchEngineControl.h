@@ -94,9 +94,6 @@ public:
     // Searches the phone `serial` and remembers the answer in the cache; adds to `results`.
     static void SearchValues2(const wchar_t* serial, std::wstring& text, bool byName,
                               std::vector<std::wstring>& results);
-    // Every contact of every connected phone, one contact string per number and e-mail address that the address
-    // filter lets through, named in the user's order, sorted by WstrCompare; asks the phones, not the cache.
-    static void ListContacts(std::vector<std::wstring>& results);
     // Makes the connection of `serial` the current one: 0, or 0x80100010 when it can't be opened.
     static HRESULT CheckConnection(std::wstring serial);
     // Connections are closed by the connection map; this answers 0x80100010 and does nothing.
@@ -260,7 +257,7 @@ protected:
     int m_nEditcontrolWidth;
     int m_iBorderWidth;
     long m_lFontHeight;
-    int m_iSystemFontHeight;                 // the system font's height, measured once per font
+    int m_iSystemFontHeight;                 // the system font's height, measured once per box
     int m_iNameLen;                          // length of the typed part an inline completion replaced
     int m_bDisableChange;                    // set while the box itself changes the text
     int m_bDisableSelChange;                 // set while the box itself moves the selection
