@@ -180,23 +180,18 @@ INT_PTR CSeRecipentDlg::OnInitDialog()
         LNKARegisterDMNotifyIF(dm, API_REGISTER, this);
     }
     ReadContacts();
-    // What the row already holds starts out chosen: contacts end at ">; ", other recipients at "; ".
+    // What the row already holds starts out chosen. Each recipient ends at its ';': a contact's "Name <address>"
+    // in ">; ", any other recipient in "; ".
     size_t from = 0;
     while (from < m_strText.size()) {
-        size_t cut = m_strText.find(L">; ", from);
-        size_t skip = 1;
-        if (cut != std::wstring::npos && cut < m_strText.find(L';', from)) {
-            ++cut;
-        } else {
-            cut = m_strText.find(L';', from);
-            if (cut == std::wstring::npos)
-                cut = m_strText.size();
-        }
+        size_t cut = m_strText.find(L';', from);
+        if (cut == std::wstring::npos)
+            cut = m_strText.size();
         std::wstring piece = m_strText.substr(from, cut - from);
         CSearchEngineControl::TrimBlanks(piece);
         if (!piece.empty())
             m_chosen.push_back(piece);
-        from = cut + skip;
+        from = cut + 1;
     }
     Refill();
     CenterDialog();
@@ -271,7 +266,8 @@ INT_PTR CSeRecipentDlg::DialogProc(UINT message, WPARAM wParam, LPARAM lParam)
 
 void CSeRecipentDlg::OnOK()
 {
-    // The chosen contacts replace the row's text: those it held and kept, then the new ones.
+    // The chosen contacts replace the row's text: those it held and kept, then the new ones, each "Name
+    // <address>" closed by "; " (so ">; "), as the box itself finishes a recipient.
     std::wstring text;
     for (const std::wstring& contact : m_chosen)
         text += contact + L"; ";
