@@ -1234,10 +1234,19 @@ void CSearchEngineControl::ResizeControl(HWND edit, bool pasted)
     int lines = static_cast<int>(SendMessageW(edit, EM_GETLINECOUNT, 0, 0));
     if (pasted && lines > m_sMaxLines)
         lines = m_sMaxLines;
-    // The usual key: the row keeps its height, or stands at the line limit and scrolls. The rich edit box has
-    // drawn what changed, and nothing else moves: no further work for this key.
-    if (lines == m_sLineCount[row] || (lines > m_sMaxLines && m_sLineCount[row] == m_sMaxLines))
+    // The usual key: the row keeps its height, and the edit box is redrawn; or the row stands at the line
+    // limit and scrolls, and parent and edit box are redrawn. Nothing moves, so of the parent only the edit
+    // box's place can have changed: that is what is redrawn of it. Both are invalidations without erase, which
+    // join the paint that the rich edit box has pending for the key.
+    const bool atLimit = lines > m_sMaxLines && m_sLineCount[row] == m_sMaxLines;
+    if (lines == m_sLineCount[row] || atLimit) {
+        if (atLimit) {
+            const RECT place = RectIn(edit, host);
+            InvalidateRect(host, &place, FALSE);
+        }
+        InvalidateRect(edit, nullptr, FALSE);
         return;
+    }
     int gaps[3] = {};
     for (int i = 1; i < m_iControlCount; ++i)
         if (m_hEditBox[i] && m_hEditBox[i - 1])
