@@ -370,25 +370,21 @@ TEST(SkinPrimitives, MaskedDrawWithoutStretchBlendsEveryPixelByTheRule)
     auto maskOf = [](int x, int y) { return static_cast<uint32_t>(0x010101u * ((x * 29 + y * 71) & 0xFF) ^ 0x7F00); };
     auto under = [](int x, int y) { return static_cast<uint32_t>((x * 11) << 16 | (y * 13) << 8 | 200); };
     const int w = 7, h = 5, tw = 11, th = 9;
-    auto paint = [](HDC dc, int width, int height, const Colour& colour) {
+    HDC screen = GetDC(nullptr);
+    // A bitmap of `bits` bits a pixel (0: compatible with the screen; negative: top-down) painted with `colour`.
+    auto make = [&](int bits, int width, int height, const Colour& colour) {
+        BITMAPINFO info = {};
+        info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, bits < 0 ? -height : height, 1,
+                          static_cast<WORD>(bits < 0 ? -bits : bits), BI_RGB, 0, 0, 0, 0, 0};
+        HBITMAP bitmap = trash(bits ? CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, nullptr, nullptr, 0)
+                                    : CreateCompatibleBitmap(screen, width, height));
+        HDC dc = CreateCompatibleDC(screen);
+        HGDIOBJ old = SelectObject(dc, bitmap);
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x)
                 SetPixelV(dc, x, y, ToColorRef(colour(x, y)));
-    };
-    // A picture of `bits` bits a pixel (0: compatible with the screen; negative: top-down) painted with `colour`.
-    auto picture = [&](int bits, const Colour& colour) {
-        HDC screen = GetDC(nullptr);
-        BITMAPINFO info = {};
-        info.bmiHeader = {sizeof(BITMAPINFOHEADER), w, bits < 0 ? -h : h, 1, static_cast<WORD>(bits < 0 ? -bits : bits),
-                          BI_RGB, 0, 0, 0, 0, 0};
-        HBITMAP bitmap = trash(bits ? CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, nullptr, nullptr, 0)
-                                    : CreateCompatibleBitmap(screen, w, h));
-        HDC dc = CreateCompatibleDC(screen);
-        HGDIOBJ old = SelectObject(dc, bitmap);
-        paint(dc, w, h, colour);
         SelectObject(dc, old);
         DeleteDC(dc);
-        ReleaseDC(nullptr, screen);
         return bitmap;
     };
     // What the two draws below must leave.
@@ -402,26 +398,18 @@ TEST(SkinPrimitives, MaskedDrawWithoutStretchBlendsEveryPixelByTheRule)
         for (int x = 0; x < w; ++x)
             expected[y * tw + x] = Blend(maskOf(x, y), expected[y * tw + x], pictureOf(x, y));
 
-    struct Target {
-        int bits;    // 0: compatible with the screen
-        int height;  // negative: top-down
+    const struct {
+        int bits;  // as for the pictures
         bool clip;
-    };
-    const Target targets[] = {{32, -th, false}, {32, th, false}, {24, th, false}, {24, -th, false}, {32, -th, true},
-                              {0, th, false}};
+    } targets[] = {{-32, false}, {32, false}, {24, false}, {-24, false}, {-32, true}, {0, false}};
     for (int pictureBits : {24, 32, -24, -32, 0})
-        for (const Target& t : targets) {
+        for (const auto& t : targets) {
             CVuikBitmap masked;
-            masked.Attach(picture(pictureBits, pictureOf));
-            masked.AttachMask(picture(pictureBits, maskOf));
-            BITMAPINFO info = {};
-            info.bmiHeader = {sizeof(BITMAPINFOHEADER), tw, t.height, 1, static_cast<WORD>(t.bits), BI_RGB, 0, 0, 0, 0, 0};
-            HDC screen = GetDC(nullptr);
-            HBITMAP canvas = trash(t.bits ? CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, nullptr, nullptr, 0)
-                                          : CreateCompatibleBitmap(screen, tw, th));
+            masked.Attach(make(pictureBits, w, h, pictureOf));
+            masked.AttachMask(make(pictureBits, w, h, maskOf));
+            HBITMAP canvas = make(t.bits, tw, th, under);
             HDC dc = CreateCompatibleDC(screen);
             HGDIOBJ old = SelectObject(dc, canvas);
-            paint(dc, tw, th, under);
             HRGN clip = trash(CreateRectRgn(0, 0, 9, 9));
             if (t.clip)
                 SelectClipRgn(dc, clip);
@@ -434,10 +422,10 @@ TEST(SkinPrimitives, MaskedDrawWithoutStretchBlendsEveryPixelByTheRule)
             read.bmiHeader = {sizeof(BITMAPINFOHEADER), tw, -th, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
             std::vector<uint32_t> result(tw * th);
             GetDIBits(screen, canvas, 0, th, result.data(), &read, DIB_RGB_COLORS);
-            ReleaseDC(nullptr, screen);
             for (auto& pixel : result)
                 pixel &= 0xFFFFFF;
-            EXPECT_EQ(result, expected) << pictureBits << "-bit picture on a " << t.bits << "-bit target, height "
-                                        << t.height << (t.clip ? ", clipped" : "");
+            EXPECT_EQ(result, expected) << pictureBits << "-bit picture on a " << t.bits << "-bit target"
+                                        << (t.clip ? ", clipped" : "");
         }
+    ReleaseDC(nullptr, screen);
 }
