@@ -186,7 +186,9 @@ TEST(PngWrite, RgbFileFromBottomUpRows)
     ASSERT_EQ(DecodeBytes(written, image), PngStatus::Ok);
     EXPECT_EQ((std::vector<int>{image.width, image.height, image.bytesPerPixel}), (std::vector<int>{3, 2, 3}));
     EXPECT_EQ(image.pixels, (Bytes{10, 20, 30, 40, 50, 60, 70, 80, 90, 1, 2, 3, 4, 5, 6, 7, 8, 9}));
-    // An sBIT chunk of 8, 8, 8 says the depth of the source.
+    // IHDR says no interlace, and an sBIT chunk of 8, 8, 8 follows.
+    ASSERT_GT(written.size(), 33u);
+    EXPECT_EQ(written[28], 0);
     const Bytes sbit = {0, 0, 0, 3, 's', 'B', 'I', 'T', 8, 8, 8};
     EXPECT_NE(std::search(written.begin(), written.end(), sbit.begin(), sbit.end()), written.end());
 
