@@ -297,6 +297,8 @@ TEST(SkinPrimitives, AttachDetachAndSnapshots)
 
     // A snapshot of a context into the background store: reused at one size, replaced at another.
     Canvas dc(8, 8, [](int x, int y) { return static_cast<uint32_t>(x << 16 | y << 8); });
+    EXPECT_EQ(bitmap.GetBackgroundStaticDC(dc, 0, 0, 0, 3, 0, 0), nullptr);
+    EXPECT_EQ(bitmap.GetLastError(), ZBU_BAD_ARG4);
     EXPECT_EQ(bitmap.GetBackgroundStaticDC(dc, 0, 0, 3, 0, 0, 0), nullptr);
     EXPECT_EQ(bitmap.GetLastError(), ZBU_BAD_ARG5);
     HBITMAP shot = bitmap.GetBackgroundStaticDC(dc, 2, 3, 4, 2, 0, 1);
