@@ -231,6 +231,12 @@ TEST(ImageStore, SaveBitmapFormatsAndErrors)
     util.SetJPEGCompressionFactor(200);
     EXPECT_RESULT_ERROR(util, util.EncodeSaveGIF(nullptr, nullptr, 0), 0, ZBU_BAD_FORMAT);
 
+    // A 1 x 1 BMP is 58 bytes and says so after "BM" (the platform's reader ignores that length).
+    const std::wstring bmp = scratch.File(L"one.bmp");
+    ASSERT_EQ(util.SaveBitmap(bmp.c_str(), BF_BMP, BT_IMAGE, 0), 58);
+    std::vector<uint8_t> head = ReadBytes(bmp);
+    head.resize(4);
+    EXPECT_EQ(head, (std::vector<uint8_t>{'B', 'M', 58, 0}));
     // BMP and PNG round trips are exact at 24 bits (rows padded to 4 in the BMP); the PNG writer answers with the
     // file's length.
     ASSERT_TRUE(MakeFrame(util, BT_BACKGROUND, 2, 13, 6, Gradient));
