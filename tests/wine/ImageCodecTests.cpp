@@ -60,6 +60,8 @@ TEST(ImageGif, ImageMagickAnimationComposesWithDisposalDelaysAndLoops)
     EXPECT_EQ(util.GetLoopCount(), 5);  // -loop 5: ImageMagick's block says 4 repeats
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(util.GetFrameDelay(BT_IMAGE, i), 100 * (i + 1));
+    EXPECT_EQ(util.GetBitmapWidth(BT_IMAGE), 16);
+    EXPECT_EQ(util.GetBitmapHeight(BT_IMAGE), 12);
 
     ExpectPixels(ReadFrame(util, BT_IMAGE, 0), {{0, 0, 0xFF0000}, {15, 11, 0xFF0000}});
     // Frame 0 was disposed to the background: frame 1 is background with the green 6 x 4 at (4, 2).
