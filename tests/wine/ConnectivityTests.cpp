@@ -166,12 +166,16 @@ TEST_F(Connectivity, StartResultsAndMissingFunctions)
 // "Options" bit 0 set as a 32-bit number turns the monitor off; any other type counts as 0.
 TEST_F(Connectivity, OptionsBit0OnlyAsANumberStopsFollowingTheService)
 {
-    const DWORD one = 1, three = 3, two = 2;
+    const DWORD one = 1, two = 2, three = 3;
     const struct {
         DWORD type;
         const void* data;
         bool follows;
-    } cases[] = {{REG_DWORD, &one, false}, {REG_DWORD, &three, false}, {REG_DWORD, &two, true}, {REG_SZ, L"1", true}};
+    } cases[] = {{REG_DWORD, &one, false},
+                 {REG_DWORD, &three, false},
+                 {REG_DWORD, &two, true},
+                 {REG_SZ, L"1", true},
+                 {REG_BINARY, &one, true}};
     registry.UseStandIns();
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
