@@ -913,14 +913,14 @@ ZCMOD_TARGET_AVX2 void ResizeByBlocks(const DitherPlan& plan)
     _mm256_zeroupper();
 }
 
-#endif
-
 // Whether the block form computes the fades of this call exactly: its noise spans are single-precision
 // conversions of 32-bit integers, exact while noiseBase - noise stays within 2^24.
 bool BlocksFit(const DitherPlan& plan)
 {
     return !plan.dither || (plan.noiseBase > -(1 << 24) + 256 && plan.noiseBase < (1 << 24));
 }
+
+#endif
 
 using ResizeFunction = void (*)(const PixelView&, PixelView&, int, int, int, int, int, int, int, int,
                                 const uint8_t*);
@@ -941,6 +941,8 @@ void ResizeWith(const PixelView& source, PixelView& destination, int srcX, int s
         ResizeByBlocks(plan);
         return;
     }
+#else
+    (void)blocks;
 #endif
     ResizePixelByPixel(plan);
 }

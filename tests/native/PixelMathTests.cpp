@@ -326,7 +326,7 @@ TEST(ResizeDither, FastFormEqualsTheReferenceOnRandomPictures)
         const int sx = static_cast<int>(random() % (sw + 2)) - 1, sy = static_cast<int>(random() % (sh + 2)) - 1;
         const int rw = static_cast<int>(random() % (sw + 3)), rh = static_cast<int>(random() % (sh + 3));
         const int divisor = random() % 3 == 0 ? 0 : static_cast<int>(random() % 9) - 2;
-        const int noise = random() % 7 == 0 ? (1 << 24) - static_cast<int>(random() % 600)
+        const int noise = random() % 7 == 0 ? (1 << 24) + 300 - static_cast<int>(random() % 600)
                                             : static_cast<int>(random() % 600) - 100;
         Image reference(vw > 0 ? vw : 0, vh > 0 ? vh : 0, stride, 0x33);
         PixelView referenceView = reference.View();
