@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -215,43 +214,8 @@ TEST_F(StaticFamily, AlignmentMeasuringAndColourMessages)
 
 // ---- Skins ----------------------------------------------------------------------------------------------------
 
-// Gradient columns drawn straight onto a canvas prefilled with white: their exact colours, full height. The
-// column arithmetic itself is the portable core's, checked natively; here the skin's use of it.
-TEST_F(StaticFamily, GradientColumns)
-{
-    struct Case {
-        const char* name;
-        COLORREF left, right;
-        int width;
-        std::vector<Point> points;
-    } cases[] = {
-        {"width 0 paints nothing", RGB(0, 0, 0), RGB(255, 255, 255), 0, {{0, 0, 0xFFFFFF}, {15, 3, 0xFFFFFF}}},
-        // The default pair starts at the right colour (0, 0x14, 0x23) and moves away from the left one by
-        // -14.375, -13.75, -13.75 per column, wrapping: truncated -14 is 0xF2, -7.5 gives 0xF9.
-        {"default pair wraps round",
-         0xFFF0E6,
-         0x231400,
-         16,
-         {{0, 0, 0x001423}, {1, 3, 0xF20615}, {2, 0, 0xE4F907}}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        CVuikStaticGradientSkin skin;
-        skin.SetSkinDef(CVuikStaticGradientSkinDef{c.left, c.right});
-        skin.Load();
-        EXPECT_TRUE(skin.IsValid());
-        Canvas canvas(16, 4, [](int, int) { return 0xFFFFFFu; });
-        CVuikGraphics graphics(canvas);
-        skin.Draw(nullptr, &graphics, c.width, 4);
-        const Capture got = canvas.Read();
-        for (const Point& p : c.points)
-            EXPECT_EQ(got.At(p.x, p.y), p.colour) << p.x << "," << p.y;
-    }
-    EXPECT_EQ(CVuikStaticGradientSkin().operator CVuikStaticGradientSkinDef().m_crLeft, 0xFFF0E6u);
-}
-
-// Placement of the nine pieces on a 40 x 30 control, read left to right; right to left the whole picture is
-// turned round. The frame leaves the strip under its bottom edge and the corner beside it to the panel.
+// The nine-piece frame and the picture skins on small controls, read left to right; right to left the whole
+// picture is turned round.
 TEST_P(StaticFamily, ChromePiecesAndPictures)
 {
     Open(GetParam());
@@ -278,19 +242,10 @@ TEST_P(StaticFamily, ChromePiecesAndPictures)
     Paint();
 
     const bool rtl = GetParam() == LAYOUT_RTL;
+    // The frame's corners and centre (the golden pins the rest); it leaves the strip under its bottom edge and
+    // the corner beside it to the panel.
     EXPECT_TRUE(Shows(frame.m_hWnd,
-                      {{1, 1, CHROME_TL_RGB},
-                       {20, 1, CHROME_T_RGB},
-                       {38, 1, CHROME_TR_RGB},
-                       {1, 10, CHROME_L_RGB},
-                       {20, 10, CHROME_C_RGB},
-                       {5, 4, CHROME_C_RGB},  // the centre is drawn over the corner's lower right
-                       {34, 5, CHROME_C_RGB},
-                       {38, 15, CHROME_R_RGB},
-                       {1, 28, CHROME_BL_RGB},
-                       {20, 24, CHROME_B_RGB},
-                       {36, 28, CHROME_BR_RGB},
-                       {20, 27, kPanel},
+                      {{1, 1, CHROME_TL_RGB}, {5, 4, CHROME_C_RGB}, {36, 28, CHROME_BR_RGB}, {20, 27, kPanel},
                        {34, 24, kPanel}},
                       rtl));
     // Stretched over the whole control; at its own size at the top left, the rest the panel's.
@@ -310,28 +265,18 @@ TEST_P(StaticFamily, BarLayoutsAndSizeToContent)
 {
     Open(GetParam());
     const bool rtl = GetParam() == LAYOUT_RTL;
-    // `tiles` are read left to right only: a piece loaded without the mirror flag turns round as it loads and
-    // again with the buffer, so right to left its place is mirrored but its own picture reads as drawn.
+    // (The golden pins the tiles across, in both layouts.)
     struct Case {
         const char* name;
         CVuikBarStaticSkinDef def;
         RECT rect;
         SIZE sized;  // the client size after SizeToContent
-        std::vector<Point> points, tiles;
+        std::vector<Point> points;
     } cases[] = {
-        {"across",
-         {1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END},
-         {10, 10, 40, 30},
-         {30, HBAR_START_H},
-         {{4, 3, HBAR_START_RGB}, {7, 3, HBAR_MIDDLE_RGB2}, {27, 3, HBAR_END_RGB}, {29, 5, HBAR_END_RGB}},
-         {{5, 3, HBAR_MIDDLE_RGB},
-          {6, 3, HBAR_MIDDLE_RGB2},
-          {8, 3, HBAR_MIDDLE_RGB2},
-          {9, 3, HBAR_MIDDLE_RGB},
-          {25, 3, HBAR_MIDDLE_RGB},
-          {26, 3, HBAR_MIDDLE_RGB2}}},
+        {"across", {1, IDB_HBAR_START, IDB_HBAR_MIDDLE, IDB_HBAR_END}, {10, 10, 40, 30}, {30, HBAR_START_H},
+         {{4, 3, HBAR_START_RGB}, {7, 3, HBAR_MIDDLE_RGB2}, {27, 3, HBAR_END_RGB}, {29, 5, HBAR_END_RGB}}},
         {"across without a middle", {1, IDB_HBAR_START, 0, IDB_HBAR_END}, {10, 10, 40, 30}, {30, HBAR_START_H},
-         {{4, 3, HBAR_START_RGB}, {5, 3, kPanel}, {26, 3, kPanel}, {27, 3, HBAR_END_RGB}}, {}},
+         {{4, 3, HBAR_START_RGB}, {5, 3, kPanel}, {26, 3, kPanel}, {27, 3, HBAR_END_RGB}}},
         // The middle's halves (4 rows each) stretched to 16 rows each; tiled they would alternate every 4.
         {"downwards",
          {0, IDB_VBAR_START, IDB_VBAR_MIDDLE, IDB_VBAR_END},
@@ -345,8 +290,7 @@ TEST_P(StaticFamily, BarLayoutsAndSizeToContent)
           {3, 31, VBAR_MIDDLE_RGB2},
           {3, 35, VBAR_MIDDLE_RGB2},
           {3, 37, VBAR_END_RGB},
-          {3, 39, VBAR_END_RGB}},
-         {}},
+          {3, 39, VBAR_END_RGB}}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -364,9 +308,6 @@ TEST_P(StaticFamily, BarLayoutsAndSizeToContent)
         EXPECT_EQ(client.bottom, c.sized.cy);
         Paint();
         EXPECT_TRUE(Shows(bar.m_hWnd, c.points, rtl));
-        if (!rtl) {
-            EXPECT_TRUE(Shows(bar.m_hWnd, c.tiles));
-        }
         DestroyWindow(bar.m_hWnd);
     }
     CVuikBarStaticSkin broken;
@@ -491,21 +432,12 @@ TEST_F(StaticFamily, AnimationShowsFramesOnTimeStopsAndEndsWithAnInvalidSkin)
     EXPECT_EQ(client.right, FRAME_1_W);
     Paint();
 
-    // Waits for the next frame; the time it took.
-    auto next = [&](UINT from) {
-        const auto start = std::chrono::steady_clock::now();
-        while (ani.GetCurrentFrame() == from &&
-               std::chrono::steady_clock::now() - start < std::chrono::milliseconds(2000))
-            Recorder::Pump(5);
-        return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
-    };
-    const auto started = std::chrono::steady_clock::now();
+    const auto next = [&](UINT from) { Recorder::PumpUntil([&] { return ani.GetCurrentFrame() != from; }, 2000); };
+    const DWORD started = GetTickCount();
     ani.StartAnimation();
     EXPECT_TRUE(Shows(ani.m_hWnd, {{4, 4, frames[0]}})) << "the first frame at once, before any message";
     next(0);
-    const auto firstTick =
-        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - started).count();
-    EXPECT_GE(firstTick, kFrameTime - 10) << "the second frame only after the frame time";
+    EXPECT_GE(GetTickCount() - started, DWORD(kFrameTime - 10)) << "the second frame only after the frame time";
     EXPECT_EQ(ani.GetCurrentFrame(), 1u);
     EXPECT_TRUE(Shows(ani.m_hWnd, {{4, 4, frames[1]}}));
     next(1);
@@ -529,8 +461,7 @@ TEST_F(StaticFamily, AnimationShowsFramesOnTimeStopsAndEndsWithAnInvalidSkin)
     Recorder rec;
     rec.Watch(ani.m_hWnd, "ani");
     rec.Only({WM_TIMER});
-    for (int waited = 0; rec.Count(WM_TIMER) == 0 && waited < 2000; waited += 10)
-        Recorder::Pump(10);
+    Recorder::PumpUntil([&] { return rec.Count(WM_TIMER) > 0; }, 2000);
     ASSERT_EQ(rec.Count(WM_TIMER), 1);
     skin.SetSkinDef(good);
     skin.Load();
