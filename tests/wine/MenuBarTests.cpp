@@ -367,71 +367,64 @@ TEST_F(MenuBar, AcceleratorTableFromMnemonics)
     }
 }
 
-// Left and right move across the bar with wrap-around; inside a drop-down they open and close submenus.
+// Left and right move across the bar with wrap-around; inside a drop-down they open and close submenus. Alt
+// with a top-level mnemonic opens that menu, through the accelerator table and the synthetic click (the
+// cursor far from the bar). The open menu's button shows Open, and is let go when the menu closes.
 TEST_F(MenuBar, KeyboardMovesAcrossTheBar)
 {
     Build();
     const struct {
         const char* name;
-        int start;
+        int start;    // the button clicked first
+        WORD letter;  // else: Alt and this letter
         std::vector<WORD> keys;
         int active;       // after the keys
         size_t windows;   // open popup windows after the keys
     } cases[] = {
-        {"left from the first wraps to the last", 0, {VK_LEFT}, 3, 1},
-        {"right from the last wraps to the first", 3, {VK_RIGHT}, 0, 1},
-        {"right from the second, then twice left", 1, {VK_RIGHT, VK_LEFT, VK_LEFT}, 0, 1},
-        {"right on an item with a submenu opens it", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT}, 0, 2},
-        {"left in the submenu closes it", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT}, 0, 1},
-        {"then left moves on", 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT, VK_LEFT}, 3, 1},
+        {"left from the first wraps to the last", 0, 0, {VK_LEFT}, 3, 1},
+        {"right from the last wraps to the first", 3, 0, {VK_RIGHT}, 0, 1},
+        {"right from the second, then twice left", 1, 0, {VK_RIGHT, VK_LEFT, VK_LEFT}, 0, 1},
+        {"right on an item with a submenu opens it", 0, 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT}, 0, 2},
+        {"left in the submenu closes it", 0, 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT}, 0, 1},
+        {"then left moves on", 0, 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT, VK_LEFT}, 3, 1},
+        {"Alt E", -1, 'E', {}, 1, 1},
+        {"Alt H", -1, 'H', {}, 3, 1},
+        {"Alt V", -1, 'V', {}, 2, 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         Script script(bar.get());
-        std::vector<Step> steps = {ClickAt(ButtonCentre(c.start)), OpenIs(c.start), Pause(60)};
+        input::MoveTo(kAway);
+        std::vector<Step> steps = {c.letter ? Do([&] {
+                                       input::Key(VK_MENU, false);
+                                       input::Press(c.letter);
+                                       input::Key(VK_MENU, true);
+                                   })
+                                            : ClickAt(ButtonCentre(c.start)),
+                                   OpenIs(c.letter ? c.active : c.start), Pause(60)};
         for (WORD key : c.keys)
             steps.insert(steps.end(), {Press(key), Pause(90)});
         int seenActive = -2;
         size_t seenWindows = 0;
         bool keyboard = false;
+        LRESULT checked = -1;
         steps.insert(steps.end(), {Settle([&] { return bar->ActiveIndex() == c.active && PopupWindows().size() == c.windows; }),
                                    Pause(100), Do([&] {
                                        seenActive = bar->ActiveIndex();
                                        seenWindows = PopupWindows().size();
                                        keyboard = bar->KeyboardMode();
+                                       checked = SendMessageW(Button(c.active), BM_GETCHECK, 0, 0);
                                    }),
                                    Do([] { input::MoveTo(kAway); }), Pause(60), Press(VK_ESCAPE), Press(VK_ESCAPE),
                                    Until(Closed())});
         ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
         EXPECT_EQ(seenActive, c.active);
         EXPECT_EQ(seenWindows, c.windows);
-        EXPECT_EQ(keyboard, c.active != c.start) << "a move across the bar is keyboard mode";
-        EXPECT_EQ(SendMessageW(Button(c.active), BM_GETCHECK, 0, 0), 0) << "the closed menu's button is let go";
-    }
-}
-
-// Alt with a top-level mnemonic opens that menu, through the accelerator table and the synthetic click.
-TEST_F(MenuBar, AltMnemonicOpensThatMenu)
-{
-    Build();
-    const struct {
-        WORD letter;
-        int index;
-    } cases[] = {{'E', 1}, {'H', 3}, {'V', 2}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.index);
-        Script script(bar.get());
-        LRESULT checked = -1;
-        input::MoveTo(kAway);  // the cursor far from the bar: the click is the accelerator's
-        ASSERT_TRUE(script.Run({Do([&] {
-                                    input::Key(VK_MENU, false);
-                                    input::Press(c.letter);
-                                    input::Key(VK_MENU, true);
-                                }),
-                                OpenIs(c.index), Do([&] { checked = SendMessageW(Button(c.index), BM_GETCHECK, 0, 0); }),
-                                Press(VK_ESCAPE), Until(Closed())}))
-            << "stopped at step " << script.FailedStep();
         EXPECT_EQ(checked, 1) << "the open menu's button shows Open";
+        if (!c.letter) {
+            EXPECT_EQ(keyboard, c.active != c.start) << "a move across the bar is keyboard mode";
+        }
+        EXPECT_EQ(SendMessageW(Button(c.active), BM_GETCHECK, 0, 0), 0) << "the closed menu's button is let go";
     }
 }
 
