@@ -86,14 +86,6 @@ Layout CreateAndMeasure(const void* dialogTemplate, const std::vector<zcmod::Dia
     return layout;
 }
 
-bool SameItems(const zcmod::DialogItemInfo& a, const zcmod::DialogItemInfo& b)
-{
-    return a.helpId == b.helpId && a.style == b.style && a.exStyle == b.exStyle && a.x == b.x && a.y == b.y &&
-           a.cx == b.cx && a.cy == b.cy && a.id == b.id && a.windowClass.text == b.windowClass.text &&
-           a.windowClass.ordinal == b.windowClass.ordinal && a.title.text == b.title.text &&
-           a.creationData == b.creationData;
-}
-
 uint32_t DwordAt(const std::vector<uint8_t>& bytes, size_t offset)
 {
     return bytes[offset] | (bytes[offset + 1] << 8) | (bytes[offset + 2] << 16) | (static_cast<uint32_t>(bytes[offset + 3]) << 24);
@@ -144,22 +136,18 @@ TEST(RtlHelper, FlipsTemplatesOfBothLayoutsAndMirrorsEveryControl)
 
         DLGTEMPLATE* flipped = CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(c.id), 1);
         EXPECT_EQ(flipped, asLoaded) << "the loaded resource itself changes";
+        // Nothing but the layout bit of the dialog's extended style changes.
         const std::vector<uint8_t> after = TemplateBytes(TestModule(), c.id, flipped);
         for (size_t i = 0; i < after.size(); ++i)
             EXPECT_EQ(after[i], original[i] | (i == styleOffset + 2 ? 0x40 : 0)) << "byte " << i;
         EXPECT_EQ(DwordAt(after, styleOffset), before.exStyle | WS_EX_LAYOUTRTL);
-        zcmod::DialogTemplateInfo parsed;
-        ASSERT_TRUE(zcmod::ParseDialogTemplate(after.data(), after.size(), parsed));
-        ASSERT_EQ(parsed.items.size(), before.items.size());
-        for (size_t i = 0; i < parsed.items.size(); ++i)
-            EXPECT_TRUE(SameItems(parsed.items[i], before.items[i])) << "item " << i;
 
         // Nothing clears the bit again.
         EXPECT_EQ(DwordAt(TemplateBytes(TestModule(), c.id, CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(c.id), 0)),
                           styleOffset) & WS_EX_LAYOUTRTL,
                   static_cast<uint32_t>(WS_EX_LAYOUTRTL));
 
-        const Layout rtl = CreateAndMeasure(flipped, parsed.items);
+        const Layout rtl = CreateAndMeasure(flipped, before.items);
         EXPECT_TRUE(rtl.rtl);
         EXPECT_EQ(rtl.clientWidth, ltr.clientWidth);
         for (const auto& [id, r] : ltr.controls) {
@@ -442,8 +430,7 @@ TEST(RecipientRules, OnARichEditBox)
         const wchar_t* text;
         int start;
         int end;
-    } carets[] = {{2, 1, L"Ann <1>", 0, 7}, {10, 1, L"b\U0001F600b", 9, 13}, {14, 1, L"12", 15, 17},
-                  {8, 1, L"b\U0001F600b", 9, 13}};
+    } carets[] = {{10, 1, L"b\U0001F600b", 9, 13}, {8, 1, L"b\U0001F600b", 9, 13}};
     for (const auto& c : carets) {
         SCOPED_TRACE(c.caret);
         SendMessageW(edit, EM_SETSEL, c.caret, c.caret);
