@@ -201,40 +201,29 @@ BoxRun RunBox(const std::function<int()>& show, Action action, UINT id = 0,
 int Width(const RECT& r) { return r.right - r.left; }
 int Height(const RECT& r) { return r.bottom - r.top; }
 
-// The extent of one line of `text` in the suite's font of `height` and `weight`, or in `font`.
-SIZE Measure(const wchar_t* text, HFONT font)
+// The extent of one line of `text` in the suite's font of `height` and `weight`, or without a height in the
+// window caption's font.
+SIZE Measure(const wchar_t* text, int height = 0, int weight = 0)
 {
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = 500;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, 500, &metrics, 0);
+    LOGFONTW lf = metrics.lfCaptionFont;
+    if (height) {
+        DkhLoadFont(&lf);
+        lf.lfHeight = height;
+        lf.lfWeight = weight;
+        lf.lfCharSet = DEFAULT_CHARSET;
+    }
+    HFONT font = CreateFontIndirectW(&lf);
     HDC dc = GetDC(nullptr);
     HGDIOBJ old = SelectObject(dc, font);
     RECT r = {0, 0, 0, 0};
     DrawTextW(dc, text, -1, &r, DT_CALCRECT);
     SelectObject(dc, old);
     ReleaseDC(nullptr, dc);
+    DeleteObject(font);
     return SIZE{r.right, r.bottom};
-}
-
-SIZE MeasureSuite(const wchar_t* text, int height, int weight)
-{
-    LOGFONTW lf = {};
-    DkhLoadFont(&lf);
-    lf.lfHeight = height;
-    lf.lfWeight = weight;
-    lf.lfCharSet = DEFAULT_CHARSET;
-    HFONT font = CreateFontIndirectW(&lf);
-    const SIZE size = Measure(text, font);
-    DeleteObject(font);
-    return size;
-}
-
-SIZE MeasureCaption(const wchar_t* text)
-{
-    NONCLIENTMETRICSW metrics = {};
-    metrics.cbSize = 500;
-    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, 500, &metrics, 0);
-    HFONT font = CreateFontIndirectW(&metrics.lfCaptionFont);
-    const SIZE size = Measure(text, font);
-    DeleteObject(font);
-    return size;
 }
 
 class MessageBoxes : public ::testing::Test {
@@ -428,7 +417,7 @@ TEST_F(MessageBoxes, CommonLayoutFollowsTheMeasuredTitleAndText)
             EXPECT_EQ(Width(s.icon), 32);
         }
         // Height: twice the text, the title, the buttons and 63.
-        const SIZE title = MeasureSuite(c.title, 17, FW_NORMAL);
+        const SIZE title = Measure(c.title, 17, FW_NORMAL);
         EXPECT_EQ(Height(s.window), 2 * Height(s.text) + title.cy + bh + 63);
         const int minWidth = 40 + 42 + title.cx;  // the close button's picture is 40 wide
         EXPECT_GE(Width(s.window), minWidth);
@@ -436,7 +425,7 @@ TEST_F(MessageBoxes, CommonLayoutFollowsTheMeasuredTitleAndText)
         if (c.titleDecides) {
             EXPECT_EQ(Width(s.window), minWidth);
         }
-        const int lineHeight = MeasureSuite(L"W", 15, FW_MEDIUM).cy;
+        const int lineHeight = Measure(L"W", 15, FW_MEDIUM).cy;
         if (c.wraps) {
             // The limit is half the desktop less the margins; the word is broken onto more lines.
             EXPECT_LE(Width(s.window), icon ? GetSystemMetrics(SM_CXICON) + 84 + half - 63 : half - 42 + 63);
@@ -486,9 +475,9 @@ TEST_F(MessageBoxes, OlderLayoutCentresTheRowUnderTheText)
         EXPECT_EQ(s.text.left, (c.type & 0xF0) == MB_USERICON ? 16 + 42 : 21);
         EXPECT_EQ(s.text.top, 21);
         EXPECT_EQ(s.text.right, s.client.right);
-        EXPECT_EQ(Height(s.window), Height(s.text) + MeasureCaption(c.title).cy + bh + 63);
+        EXPECT_EQ(Height(s.window), Height(s.text) + Measure(c.title).cy + bh + 63);
         EXPECT_LE(Width(s.window), std::max(half - 42 + 42, n * bw + (n + 1) * 21 + 1));
-        EXPECT_GE(Width(s.window), GetSystemMetrics(SM_CXSIZE) + 42 + MeasureCaption(c.title).cx);
+        EXPECT_GE(Width(s.window), GetSystemMetrics(SM_CXSIZE) + 42 + Measure(c.title).cx);
     }
 }
 
