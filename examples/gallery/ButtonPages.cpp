@@ -29,17 +29,6 @@ namespace {
 const int kLeftColumn = 30;
 const int kRightColumn = 480;
 
-class LayoutScope {
-public:
-    explicit LayoutScope(bool rtl) : m_old(CVuikLib::SetLayout(rtl ? LAYOUT_RTL : 0)) {}
-    ~LayoutScope() { CVuikLib::SetLayout(m_old); }
-    LayoutScope(const LayoutScope&) = delete;
-    LayoutScope& operator=(const LayoutScope&) = delete;
-
-private:
-    DWORD m_old;
-};
-
 // The theme is dark when its window colour is.
 bool DarkTheme()
 {
@@ -97,21 +86,6 @@ public:
     }
 };
 
-const wchar_t* PanelClass()
-{
-    static bool registered = false;
-    if (!registered) {
-        WNDCLASSEXW wc = {};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = DefWindowProcW;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.lpszClassName = L"ZcmodGalleryButtonPanel";
-        registered = RegisterClassExW(&wc) != 0;
-    }
-    return L"ZcmodGalleryButtonPanel";
-}
-
 // What both pages share: the panel, the labels and the check of the shared tooltip window.
 class ButtonPageBase : public GalleryPage {
 public:
@@ -141,7 +115,7 @@ protected:
         m_panelSkin.SetSkinDef(CButtonPanelSkinDef{&m_labels});
         m_panel = std::make_unique<CButtonPanel>();
         m_panel->SetSkin(&m_panelSkin);
-        return m_panel->Create(PanelClass(), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, nullptr);
+        return m_panel->Create(WindowClass(L"ZcmodGalleryButtonPanel"), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, nullptr);
     }
     void Label(int x, int y, const std::wstring& text, bool title = false) { m_labels.push_back({x, y, text, title}); }
     std::wstring CheckTooltips(int expected)
@@ -246,7 +220,7 @@ public:
                 HWND hwnd = button->Create(m_panel->m_hWnd, RECT{x, top + row * step, x + width, top + row * step + height},
                                            100 + side * 20 + row,
                                            WS_CHILD | WS_VISIBLE | WS_TABSTOP | (check ? BS_AUTOCHECKBOX : BS_PUSHBUTTON),
-                                           0);
+                                           side ? WS_EX_LAYOUTRTL : 0);
                 button->SetSkin(&m_skin);
                 SetWindowTextW(hwnd, check ? L"Keep a copy" : L"Send");
                 button->SetToolTipText((std::wstring(kRowNames[row]) + (side ? L", right to left" : L", left to right"))
@@ -265,7 +239,7 @@ public:
             auto sized = std::make_unique<GalleryButton2>(side == 1);
             const int y = top + kRows * step;
             HWND hwnd = sized->Create(m_panel->m_hWnd, RECT{x, y, x + 60, y + 10}, 140 + side,
-                                      WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 0);
+                                      WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, side ? WS_EX_LAYOUTRTL : 0);
             sized->SetSkin(&m_skin);
             SetWindowTextW(hwnd, L"Sized to this caption");
             sized->SizeToContent(CVuikButtonCtrl2::SizeHeight | CVuikButtonCtrl2::SizeWidth, -1);
@@ -273,7 +247,7 @@ public:
             m_sized.push_back(std::move(sized));
             auto spinner = std::make_unique<GalleryButton>(side == 1);
             hwnd = spinner->Create(m_panel->m_hWnd, RECT{x, y + step, x + width, y + step + height}, 150 + side,
-                                   WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 0);
+                                   WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, side ? WS_EX_LAYOUTRTL : 0);
             spinner->SetSkin(&m_animated);
             SetWindowTextW(hwnd, L"Connecting");
             spinner->SetToolTipText(L"Four frames, 150 ms apart");
@@ -284,9 +258,9 @@ public:
         Label(kLeftColumn + width + 20, top + kRows * step + 6, L"CVuikButtonCtrl2, sized");
         Label(kLeftColumn + width + 20, top + (kRows + 1) * step + 6, L"Frame animation");
         Label(kLeftColumn, top + (kRows + 2) * step + 10,
-              L"Right to left, each buffer is mirrored whole, its text too: a window with WS_EX_LAYOUTRTL turns it back");
+              L"Right to left: windows with WS_EX_LAYOUTRTL, as a right-to-left application has them. Each buffer is");
         Label(kLeftColumn, top + (kRows + 2) * step + 30,
-              L"as it reaches the screen. The glyph moves to the trailing edge. Hover a button for its tip.");
+              L"mirrored whole and the window turns it back on the screen, so faces read as drawn. Hover for tips.");
     }
 
     std::wstring Verify() override
@@ -387,8 +361,8 @@ public:
         } rows[] = {
             {CommonButtonSmall, IDB_GALLERY_ICON_CLOSE, 0, L"small, close"},
             {CommonButtonMedium, IDB_GALLERY_ICON_PLUS, 0, L"medium, plus"},
-            {CommonButtonLarge, IDB_GALLERY_ICON_ARROW, 0, L"large, arrow: turns with the layout"},
-            {CommonButtonLarge, IDB_GALLERY_ICON_ARROW_FIXED, 1, L"large, arrow kept as drawn (no mirror)"},
+            {CommonButtonLarge, IDB_GALLERY_ICON_ARROW, 0, L"large, arrow, noMirror 0: shown as drawn"},
+            {CommonButtonLarge, IDB_GALLERY_ICON_ARROW_FIXED, 1, L"large, arrow, noMirror 1: follows the layout"},
         };
         const int top = 72, step = 48, cell = 48;
         for (int side = 0; side < 2; ++side)
@@ -396,8 +370,8 @@ public:
                 Label((side ? kRightColumn : kLeftColumn) + s * cell + 16, top + 4 * step - 6, std::to_wstring(s));
         Label(kLeftColumn, top + 4 * step + 14,
               L"0 disabled, 1 normal, 2 hover, 3 pressed, 4 focused, 5 focused hover, 6 focused pressed. Hover for tips.");
-        Label(kRightColumn, top + 4 * step + 34, L"Icons turn with the layout, the kept arrow doesn't;");
-        Label(kRightColumn, top + 4 * step + 52, L"check marks always turn; buffers mirror whole.");
+        Label(kRightColumn, top + 4 * step + 34, L"Windows with WS_EX_LAYOUTRTL turn the mirrored buffers back:");
+        Label(kRightColumn, top + 4 * step + 52, L"the arrow with noMirror 1 (last row) follows the layout.");
         for (int side = 0; side < 2; ++side) {
             const int x0 = side ? kRightColumn : kLeftColumn;
             for (int r = 0; r < 4; ++r) {
@@ -409,7 +383,7 @@ public:
                     const int x = x0 + s * cell, y = top + r * step;
                     LayoutScope layout(side == 1);
                     HWND hwnd = button->Create(m_panel->m_hWnd, RECT{x, y, x + 40, y + 40}, 200 + side * 40 + r * 8 + s,
-                                               WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0,
+                                               WS_CHILD | WS_VISIBLE | WS_TABSTOP, side ? WS_EX_LAYOUTRTL : 0,
                                                rows[r].size);
                     button->SetButtonIcon(Art(icon), static_cast<UINT>(-1), rows[r].noMirror);
                     if (s == CommonDisabled)
@@ -420,6 +394,19 @@ public:
             }
         }
 
+        // The library's check and radio text is dark grey, made for a light window: on a dark theme the
+        // application gives the theme's text colours, as it may for any def.
+        static const CVuikCheckButtonSkinDef libraryCheck = CVuikCheckButtonSkin::m_DefaultCheckSkinDef;
+        static const CVuikCheckButtonSkinDef libraryRadio = CVuikCheckButtonSkin::m_DefaultRadioSkinDef;
+        CVuikCheckButtonSkin::m_DefaultCheckSkinDef = libraryCheck;
+        CVuikCheckButtonSkin::m_DefaultRadioSkinDef = libraryRadio;
+        if (DarkTheme())
+            for (int s = 0; s < CheckStateCount; ++s) {
+                const bool disabled = s == CheckUncheckedDisabled || s == CheckCheckedDisabled;
+                const COLORREF text = DkhLoadColor(nullptr, disabled ? ZGR_COLOR_TEXT_DISABLED : ZGR_COLOR_TEXT);
+                CVuikCheckButtonSkin::m_DefaultCheckSkinDef.m_States[s].m_crText = text;
+                CVuikCheckButtonSkin::m_DefaultRadioSkinDef.m_States[s].m_crText = text;
+            }
         const int checkTop = top + 4 * step + 80, checkStep = 26;
         for (int side = 0; side < 2; ++side) {
             const int x0 = side ? kRightColumn : kLeftColumn;
@@ -427,7 +414,7 @@ public:
                 for (int s = 0; s < CheckStateCount; ++s) {
                     const int x = x0 + kind * 210, y = checkTop + s * checkStep;
                     // Each radio button is a group of its own, so that the checked ones stay checked.
-                    HWND native = CreateWindowExW(0, L"Button",
+                    HWND native = CreateWindowExW(side ? WS_EX_LAYOUTRTL : 0, L"Button",
                                                   kind ? L"Radio button" : L"Check box",
                                                   WS_CHILD | WS_VISIBLE | WS_TABSTOP |
                                                       (kind ? BS_AUTORADIOBUTTON | WS_GROUP : BS_AUTOCHECKBOX),
@@ -447,7 +434,7 @@ public:
                     check->SetTooltip(kCheckStates[s]);
                     m_checks.push_back(std::move(check));
                 }
-            HWND multi = CreateWindowExW(0, L"Button",
+            HWND multi = CreateWindowExW(side ? WS_EX_LAYOUTRTL : 0, L"Button",
                                          L"A multi-line check box wraps its text and grows with each measure",
                                          WS_CHILD | WS_VISIBLE | BS_AUTOCHECKBOX | BS_MULTILINE, x0,
                                          checkTop + CheckStateCount * checkStep + 6, 200, 20, m_panel->m_hWnd,

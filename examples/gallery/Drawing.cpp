@@ -55,4 +55,20 @@ std::wstring Format(const wchar_t* format, ...)
     return buffer;
 }
 
+const wchar_t* WindowClass(const wchar_t* name, WNDPROC proc, UINT style)
+{
+    const HINSTANCE module = GetModuleHandleW(nullptr);
+    WNDCLASSEXW wc = {};
+    wc.cbSize = sizeof(wc);
+    if (!GetClassInfoExW(module, name, &wc)) {
+        wc.style = style;
+        wc.lpfnWndProc = proc;
+        wc.hInstance = module;
+        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+        wc.lpszClassName = name;
+        RegisterClassExW(&wc);
+    }
+    return name;
+}
+
 }  // namespace gallery

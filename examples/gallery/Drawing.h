@@ -1,9 +1,11 @@
-// Small drawing helpers of the gallery's pages.
+// Small helpers of the gallery's pages: drawing, window classes, the library's layout.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
+
+#include <zcmod/VuikLib.h>
 
 namespace gallery {
 
@@ -21,5 +23,22 @@ int Text(HDC dc, int x, int y, const std::wstring& text, COLORREF color);
 void Swatch(HDC dc, const RECT& rect, COLORREF fill, COLORREF frame);
 
 std::wstring Format(const wchar_t* format, ...);
+
+// Registers a window class of the gallery's module under `name`, once (arrow cursor, `proc`, `style`), and
+// returns the name.
+const wchar_t* WindowClass(const wchar_t* name, WNDPROC proc = DefWindowProcW, UINT style = 0);
+
+// Sets the library's layout for the life of the object: a page builds a left-to-right panel or a
+// right-to-left column whatever the application's layout is.
+class LayoutScope {
+public:
+    explicit LayoutScope(bool rtl) : m_old(CVuikLib::SetLayout(rtl ? LAYOUT_RTL : 0)) {}
+    ~LayoutScope() { CVuikLib::SetLayout(m_old); }
+    LayoutScope(const LayoutScope&) = delete;
+    LayoutScope& operator=(const LayoutScope&) = delete;
+
+private:
+    DWORD m_old;
+};
 
 }  // namespace gallery

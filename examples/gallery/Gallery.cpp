@@ -174,6 +174,23 @@ LRESULT CALLBACK ViewProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
     case WM_VUIK_AFTERPAINT:
         PaintFooter(hwnd, reinterpret_cast<HDC>(wParam));
         return 0;
+    case WM_CTLCOLORLISTBOX: {
+        // The page list takes the theme's window and text colours; one brush, made again when the theme's
+        // window colour changes.
+        static HBRUSH brush = nullptr;
+        static COLORREF brushColour = CLR_INVALID;
+        const COLORREF window = DkhLoadColor(nullptr, ZGR_COLOR_WINDOW);
+        if (!brush || window != brushColour) {
+            if (brush)
+                DeleteObject(brush);
+            brush = CreateSolidBrush(window);
+            brushColour = window;
+        }
+        HDC dc = reinterpret_cast<HDC>(wParam);
+        SetTextColor(dc, DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
+        SetBkColor(dc, window);
+        return reinterpret_cast<LRESULT>(brush);
+    }
     case WM_COMMAND:
         if (reinterpret_cast<HWND>(lParam) == g_gallery.list && HIWORD(wParam) == LBN_SELCHANGE) {
             const LRESULT index = SendMessageW(g_gallery.list, LB_GETCURSEL, 0, 0);

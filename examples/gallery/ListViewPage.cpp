@@ -53,21 +53,6 @@ public:
 
 class CContactPanel : public CVuikWindowImpl<CContactPanelSkin> {};
 
-const wchar_t* PanelClass()
-{
-    static bool registered = false;
-    if (!registered) {
-        WNDCLASSEXW wc = {};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = DefWindowProcW;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.lpszClassName = L"ZcmodGalleryContactPanel";
-        registered = RegisterClassExW(&wc) != 0;
-    }
-    return L"ZcmodGalleryContactPanel";
-}
-
 class ListViewPage : public GalleryPage {
 public:
     const wchar_t* Title() const override { return L"List view and edit"; }
@@ -88,7 +73,7 @@ public:
         GetClientRect(host, &area);
         m_panel = std::make_unique<CContactPanel>();
         m_panel->SetSkin(&m_panelSkin);
-        m_panel->Create(PanelClass(), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN,
+        m_panel->Create(WindowClass(L"ZcmodGalleryContactPanel"), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN,
                         rtl ? WS_EX_LAYOUTRTL : 0, nullptr);
         // The page is the owner of the list and the edits' parent: it answers for the rows and the colours
         // before the panel's own procedure.

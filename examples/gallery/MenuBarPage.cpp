@@ -217,13 +217,7 @@ public:
         Leave();
         m_host = host;
         m_texts = Hebrew() ? &kHebrew : &kEnglish;
-        WNDCLASSEXW wc = {};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = FrameProc;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.lpszClassName = kFrameClass;
-        RegisterClassExW(&wc);
+        WindowClass(kFrameClass, FrameProc);
         m_skin = std::make_unique<FrameSkin>();
         m_skin->SetSkinDef(FrameSkinDef{m_texts, &m_status});
         m_frame = std::make_unique<Frame>();

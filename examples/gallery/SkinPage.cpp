@@ -33,18 +33,6 @@ const int kRightColumn = 330;
 const int kTop = 80;
 const int kRowStep = 52;
 
-// Sets the layout for the life of the object.
-class LayoutScope {
-public:
-    explicit LayoutScope(bool rtl) : m_old(CVuikLib::SetLayout(rtl ? LAYOUT_RTL : 0)) {}
-    ~LayoutScope() { CVuikLib::SetLayout(m_old); }
-    LayoutScope(const LayoutScope&) = delete;
-    LayoutScope& operator=(const LayoutScope&) = delete;
-
-private:
-    DWORD m_old;
-};
-
 // ---- The skin family -------------------------------------------------------------------------------------
 
 struct CGalleryButtonStateSkinDef {
@@ -261,21 +249,6 @@ public:
     }
 };
 
-const wchar_t* PanelClass()
-{
-    static bool registered = false;
-    if (!registered) {
-        WNDCLASSEXW wc = {};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = DefWindowProcW;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.lpszClassName = L"ZcmodGallerySkinPanel";
-        registered = RegisterClassExW(&wc) != 0;
-    }
-    return L"ZcmodGallerySkinPanel";
-}
-
 // ---- The page ------------------------------------------------------------------------------------------------
 
 class SkinPage : public GalleryPage {
@@ -301,7 +274,7 @@ public:
         GetClientRect(host, &area);
         m_panel = std::make_unique<CGalleryPanel>();
         m_panel->SetSkin(&m_panelSkin);
-        m_panel->Create(PanelClass(), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, nullptr);
+        m_panel->Create(WindowClass(L"ZcmodGallerySkinPanel"), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, nullptr);
         for (int side = 0; side < 2; ++side)
             for (int i = 0; i < kStates; ++i) {
                 auto button = std::make_unique<CGalleryButton>(side == 1);

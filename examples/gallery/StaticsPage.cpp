@@ -76,26 +76,10 @@ class CPanel : public CVuikWindowImpl<CPanelSkin> {
 public:
     void CreateBackBuffer(int width, int height, CVuikGraphics* graphics) override
     {
-        const DWORD old = CVuikLib::SetLayout(0);
+        LayoutScope layout(false);
         CVuikWindowImpl<CPanelSkin>::CreateBackBuffer(width, height, graphics);
-        CVuikLib::SetLayout(old);
     }
 };
-
-const wchar_t* PanelClass()
-{
-    static bool registered = false;
-    if (!registered) {
-        WNDCLASSEXW wc = {};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = DefWindowProcW;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.lpszClassName = L"ZcmodGalleryStaticPanel";
-        registered = RegisterClassExW(&wc) != 0;
-    }
-    return L"ZcmodGalleryStaticPanel";
-}
 
 class StaticsPage : public GalleryPage {
 public:
@@ -120,7 +104,7 @@ public:
         m_panelSkin.m_rtl = m_rtl;
         m_panel = std::make_unique<CPanel>();
         m_panel->SetSkin(&m_panelSkin);
-        m_panel->Create(PanelClass(), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, nullptr);
+        m_panel->Create(WindowClass(L"ZcmodGalleryStaticPanel"), host, area, L"", 1, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, nullptr);
         HWND panel = m_panel->m_hWnd;
 
         // Labels: each alignment, and a disabled one whatever its colour says.

@@ -243,18 +243,8 @@ public:
 private:
     static void Register()
     {
-        static bool registered = false;
-        if (registered)
-            return;
-        WNDCLASSEXW wc = {};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = ContainerProc;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.lpszClassName = kPanelClass;
-        RegisterClassExW(&wc);
-        wc.lpszClassName = kSheetClass;
-        registered = RegisterClassExW(&wc) != 0;
+        WindowClass(kPanelClass, ContainerProc);
+        WindowClass(kSheetClass, ContainerProc);
     }
 
     HWND Label(HWND parent, const wchar_t* text, int x, int y, int w, int h, HFONT font)

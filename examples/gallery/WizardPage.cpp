@@ -171,21 +171,9 @@ public:
 private:
     static void Register()
     {
-        static bool registered = false;
-        if (registered)
-            return;
-        WNDCLASSEXW wc = {};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = PanelProc;
-        wc.hInstance = GetModuleHandleW(nullptr);
-        wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.lpszClassName = kPanelClass;
-        RegisterClassExW(&wc);
+        WindowClass(kPanelClass, PanelProc);
         // The application's class of the step bar.
-        wc.style = CS_GLOBALCLASS;
-        wc.lpfnWndProc = DefWindowProcW;
-        wc.lpszClassName = L"StepBar";
-        registered = RegisterClassExW(&wc) != 0;
+        WindowClass(L"StepBar", DefWindowProcW, CS_GLOBALCLASS);
     }
 
     // The wizard moves its bars and asks them to repaint; the buttons keep the step within bounds.

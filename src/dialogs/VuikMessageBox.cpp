@@ -225,6 +225,58 @@ void PlaceRow(HWND dialog, Button* const buttons[4], const WORD row[3], int coun
     SendMessageW(dialog, DM_SETDEFID, defaultId, 0);
 }
 
+// Builds a box's template in fresh memory and runs `run(block)`, the modal dialog of one box object;
+// `failure` when the memory can't be had.
+template <class Run>
+int RunFromTemplate(void (*fill)(LPDLGTEMPLATEW, DWORD), DWORD exStyle, int failure, Run run)
+{
+    HGLOBAL memory = GlobalAlloc(GMEM_ZEROINIT, kTemplateBytes);
+    if (!memory)
+        return failure;
+    LPDLGTEMPLATEW block = static_cast<LPDLGTEMPLATEW>(GlobalLock(memory));
+    if (!block) {
+        GlobalFree(memory);
+        return failure;
+    }
+    fill(block, exStyle);
+    GlobalUnlock(memory);
+    const INT_PTR result = run(block);
+    GlobalFree(memory);
+    return static_cast<int>(result);
+}
+
+// The box object of a dialog: kept in DWLP_USER from WM_INITDIALOG on, which comes with it as lParam.
+template <class Box>
+Box* BoxOf(HWND hwnd, UINT message, LPARAM lParam)
+{
+    if (message != WM_INITDIALOG)
+        return reinterpret_cast<Box*>(GetWindowLongPtrW(hwnd, DWLP_USER));
+    Box* box = reinterpret_cast<Box*>(lParam);
+    if (box)
+        SetWindowLongPtrW(hwnd, DWLP_USER, lParam);
+    return box;
+}
+
+// A command from one of the four buttons ends the dialog with its id.
+BOOL EndOnButton(HWND dialog, WPARAM wParam)
+{
+    const UINT id = LOWORD(wParam);
+    if (SlotOf(id) < 0)
+        return FALSE;
+    EndDialog(dialog, id);
+    return TRUE;
+}
+
+template <class Button>
+void DestroyButtons(Button* const buttons[4])
+{
+    for (int i = 0; i < 4; ++i) {
+        HWND button = buttons[i]->m_hWnd;
+        if (button && IsWindow(button))
+            DestroyWindow(button);
+    }
+}
+
 }  // namespace
 
 // ---------------------------------------------------------------------------------------------------------------
@@ -299,24 +351,12 @@ int CVuikMessageBox::Show(HWND parent, const wchar_t* text, const wchar_t* capti
 {
     if (!m_pBackgroundSkin || !m_pButtonSkin)
         return MessageBoxW(parent, text, caption, type);
-    HGLOBAL memory = GlobalAlloc(GMEM_ZEROINIT, kTemplateBytes);
-    if (!memory)
-        return 0;
-    LPDLGTEMPLATEW block = static_cast<LPDLGTEMPLATEW>(GlobalLock(memory));
-    if (!block) {
-        GlobalFree(memory);
-        return 0;
-    }
-    CreateDialogTemplate(block, CVuikLib::IsLayoutRTL() ? (WS_EX_LAYOUTRTL | WS_EX_RTLREADING) : 0);
-    GlobalUnlock(memory);
-    INT_PTR result;
-    {
-        CVuikMessageBox box(text, caption, type);
-        result = DialogBoxIndirectParamW(CVuikLib::GetInstance(), block, parent, DialogProc,
-                                         reinterpret_cast<LPARAM>(&box));
-    }
-    GlobalFree(memory);
-    return static_cast<int>(result);
+    return RunFromTemplate(CreateDialogTemplate, CVuikLib::IsLayoutRTL() ? (WS_EX_LAYOUTRTL | WS_EX_RTLREADING) : 0,
+                           0, [&](LPCDLGTEMPLATEW block) {
+                               CVuikMessageBox box(text, caption, type);
+                               return DialogBoxIndirectParamW(CVuikLib::GetInstance(), block, parent, DialogProc,
+                                                              reinterpret_cast<LPARAM>(&box));
+                           });
 }
 
 void CVuikMessageBox::CreateDialogTemplate(LPDLGTEMPLATEW block, DWORD exStyle)
@@ -332,14 +372,12 @@ int CVuikMessageBox::PutItemToTemplate(LPDLGITEMTEMPLATEW item, POINT point, SIZ
 
 INT_PTR CALLBACK CVuikMessageBox::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    CVuikMessageBox* box = reinterpret_cast<CVuikMessageBox*>(GetWindowLongPtrW(hwnd, DWLP_USER));
+    CVuikMessageBox* box = BoxOf<CVuikMessageBox>(hwnd, message, lParam);
     switch (message) {
         case WM_INITDIALOG:
-            box = reinterpret_cast<CVuikMessageBox*>(lParam);
             if (!box)
                 return FALSE;
             box->m_hWnd = hwnd;
-            SetWindowLongPtrW(hwnd, DWLP_USER, lParam);
             return box->OnInitDialog();
         case WM_COMMAND:
             return box ? box->OnCommand(wParam, lParam) : FALSE;
@@ -359,14 +397,7 @@ INT_PTR CALLBACK CVuikMessageBox::DialogProc(HWND hwnd, UINT message, WPARAM wPa
     }
 }
 
-BOOL CVuikMessageBox::OnCommand(WPARAM wParam, LPARAM)
-{
-    const UINT id = LOWORD(wParam);
-    if (SlotOf(id) < 0)
-        return FALSE;
-    EndDialog(m_hWnd, id);
-    return TRUE;
-}
+BOOL CVuikMessageBox::OnCommand(WPARAM wParam, LPARAM) { return EndOnButton(m_hWnd, wParam); }
 
 BOOL CVuikMessageBox::OnClose()
 {
@@ -375,14 +406,7 @@ BOOL CVuikMessageBox::OnClose()
     return TRUE;
 }
 
-void CVuikMessageBox::FreeResources()
-{
-    for (int i = 0; i < 4; ++i) {
-        HWND button = m_pButtons[i]->m_hWnd;
-        if (button && IsWindow(button))
-            DestroyWindow(button);
-    }
-}
+void CVuikMessageBox::FreeResources() { DestroyButtons(m_pButtons); }
 
 void CVuikMessageBox::LoadStrings()
 {
@@ -575,24 +599,12 @@ CVuikCommonMessageBox::~CVuikCommonMessageBox()
 
 int CVuikCommonMessageBox::Show(HWND parent, const wchar_t* text, const wchar_t* caption, UINT type)
 {
-    HGLOBAL memory = GlobalAlloc(GMEM_ZEROINIT, kTemplateBytes);
-    if (!memory)
-        return -1;
-    LPDLGTEMPLATEW block = static_cast<LPDLGTEMPLATEW>(GlobalLock(memory));
-    if (!block) {
-        GlobalFree(memory);
-        return -1;
-    }
-    CreateDialogTemplate(block, CVuikLib::IsLayoutRTL() ? WS_EX_LAYOUTRTL : 0);
-    GlobalUnlock(memory);
-    INT_PTR result;
-    {
-        CVuikCommonMessageBox box(text, caption, type);
-        result = DialogBoxIndirectParamW(CVuikLib::GetInstance(), block, parent, DialogProc,
-                                         reinterpret_cast<LPARAM>(&box));
-    }
-    GlobalFree(memory);
-    return static_cast<int>(result);
+    return RunFromTemplate(CreateDialogTemplate, CVuikLib::IsLayoutRTL() ? WS_EX_LAYOUTRTL : 0, -1,
+                           [&](LPCDLGTEMPLATEW block) {
+                               CVuikCommonMessageBox box(text, caption, type);
+                               return DialogBoxIndirectParamW(CVuikLib::GetInstance(), block, parent, DialogProc,
+                                                              reinterpret_cast<LPARAM>(&box));
+                           });
 }
 
 void CVuikCommonMessageBox::CreateDialogTemplate(LPDLGTEMPLATEW block, DWORD exStyle)
@@ -608,14 +620,12 @@ int CVuikCommonMessageBox::PutItemToTemplate(LPDLGITEMTEMPLATEW item, POINT poin
 
 INT_PTR CALLBACK CVuikCommonMessageBox::DialogProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    CVuikCommonMessageBox* box = reinterpret_cast<CVuikCommonMessageBox*>(GetWindowLongPtrW(hwnd, DWLP_USER));
+    CVuikCommonMessageBox* box = BoxOf<CVuikCommonMessageBox>(hwnd, message, lParam);
     switch (message) {
         case WM_INITDIALOG:
-            box = reinterpret_cast<CVuikCommonMessageBox*>(lParam);
             if (!box)
                 return FALSE;
             box->m_hWnd = hwnd;
-            SetWindowLongPtrW(hwnd, DWLP_USER, lParam);
             return box->OnInitDialog();
         case WM_COMMAND:
             return box ? box->OnCommand(wParam, lParam) : FALSE;
@@ -625,14 +635,7 @@ INT_PTR CALLBACK CVuikCommonMessageBox::DialogProc(HWND hwnd, UINT message, WPAR
     }
 }
 
-BOOL CVuikCommonMessageBox::OnCommand(WPARAM wParam, LPARAM)
-{
-    const UINT id = LOWORD(wParam);
-    if (SlotOf(id) < 0)
-        return FALSE;
-    EndDialog(m_hWnd, id);
-    return TRUE;
-}
+BOOL CVuikCommonMessageBox::OnCommand(WPARAM wParam, LPARAM) { return EndOnButton(m_hWnd, wParam); }
 
 BOOL CVuikCommonMessageBox::OnClose()
 {
@@ -641,14 +644,7 @@ BOOL CVuikCommonMessageBox::OnClose()
     return TRUE;
 }
 
-void CVuikCommonMessageBox::FreeResources()
-{
-    for (int i = 0; i < 4; ++i) {
-        HWND button = m_pButtons[i]->m_hWnd;
-        if (button && IsWindow(button))
-            DestroyWindow(button);
-    }
-}
+void CVuikCommonMessageBox::FreeResources() { DestroyButtons(m_pButtons); }
 
 void CVuikCommonMessageBox::CreateButtons()
 {
