@@ -1,14 +1,12 @@
 // The drawn window frame: which caption buttons the flags make and where OnSize puts them, the maximise and
 // restore rules, the caption text, the veil of an inactive window, the hit tests, the region after a resize,
-// the modal loops of moving, sizing and the system menu (driven by a timer, guarded by a watchdog), pixel
+// the modal loops of moving, sizing and the system menu (driven by a timer that is also their watchdog), pixel
 // goldens and handle hygiene.
 #include <windows.h>
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -110,41 +108,15 @@ struct Framed {
     BOOL subclassed = FALSE;
 };
 
-// Fails a modal loop that doesn't end by itself: after `ms` it presses Escape at the window a few times.
-class Watchdog {
-public:
-    Watchdog(HWND target, DWORD ms)
-        : m_done(CreateEventW(nullptr, TRUE, FALSE, nullptr)), m_thread([this, target, ms] {
-              if (WaitForSingleObject(m_done, ms) != WAIT_TIMEOUT)
-                  return;
-              m_fired = true;
-              for (int i = 0; i < 5 && WaitForSingleObject(m_done, 200) == WAIT_TIMEOUT; ++i) {
-                  PostMessageW(target, WM_KEYDOWN, VK_ESCAPE, 0);
-                  PostMessageW(target, WM_CANCELMODE, 0, 0);
-              }
-          })
-    {
-    }
-    ~Watchdog()
-    {
-        SetEvent(m_done);
-        m_thread.join();
-        CloseHandle(m_done);
-    }
-    bool Fired() const { return m_fired; }
-
-private:
-    HANDLE m_done;
-    std::atomic<bool> m_fired{false};
-    std::thread m_thread;
-};
-
-// Keys posted one per tick of a thread timer, which the modal loops dispatch themselves.
+// Keys posted one per tick of a thread timer, which the modal loops dispatch themselves. A loop still running
+// five seconds after the last key is the watchdog's: it is sent Escape and cancelled, and counted as hung.
 struct KeyScript {
-    static HWND target;
-    static std::vector<WPARAM> keys;
-    static size_t next;
-    static std::wstring seenMenuText;
+    static inline HWND target;
+    static inline std::vector<WPARAM> keys;
+    static inline size_t next;
+    static inline int idleTicks;
+    static inline bool hung;
+    static inline std::wstring seenMenuText;
     static void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD)
     {
         if (next == 0 && seenMenuText.empty()) {
@@ -156,13 +128,13 @@ struct KeyScript {
             const WPARAM key = keys[next++];
             PostMessageW(target, WM_KEYDOWN, key, 1);
             PostMessageW(target, WM_KEYUP, key, 0xC0000001);
+        } else if (++idleTicks * 60 > 5000) {
+            hung = true;
+            PostMessageW(target, WM_KEYDOWN, VK_ESCAPE, 0);
+            PostMessageW(target, WM_CANCELMODE, 0, 0);
         }
     }
 };
-HWND KeyScript::target;
-std::vector<WPARAM> KeyScript::keys;
-size_t KeyScript::next;
-std::wstring KeyScript::seenMenuText;
 
 class WindowBackground : public ::testing::Test {
 protected:
@@ -447,13 +419,12 @@ TEST_F(WindowBackground, MovingSizingAndTheSystemMenuDrivenFromInside)
         KeyScript::target = w.top;
         KeyScript::keys = c.keys;
         KeyScript::next = 0;
+        KeyScript::idleTicks = 0;
+        KeyScript::hung = false;
         KeyScript::seenMenuText.clear();
         const UINT_PTR timer = SetTimer(nullptr, 0, 60, KeyScript::Tick);
-        {
-            Watchdog watchdog(w.top, 5000);
-            SendMessageW(c.message == WM_COMMAND ? w.view : w.top, c.message, c.wParam, 0);
-            EXPECT_FALSE(watchdog.Fired()) << "the loop had to be broken off";
-        }
+        SendMessageW(c.message == WM_COMMAND ? w.view : w.top, c.message, c.wParam, 0);
+        EXPECT_FALSE(KeyScript::hung) << "the loop had to be broken off";
         KillTimer(nullptr, timer);
         Pump(50);
         EXPECT_EQ(KeyScript::next, c.keys.size()) << "the loop ended before its keys";
