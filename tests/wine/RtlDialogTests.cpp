@@ -14,6 +14,7 @@
 
 #include "HandleCounter.h"
 #include "RtlDialogIds.h"
+#include "TestSkins.h"
 #include "TestSupport.h"
 #include "frame/core/DialogTemplate.h"
 #include "zcmod/CommonModuleState.h"
@@ -236,12 +237,14 @@ TEST(RtlHelper, LanguageIdFromTheRegistry)
 
 namespace {
 
-// A dialog of one of the library's templates that runs `step` once it is up; the step closes it.
+// A dialog of one of the library's templates that runs `step` once it is up; the step closes it, else the
+// watchdog does after five seconds.
 class ProbeDialog : public CDkhDialog {
 public:
     explicit ProbeDialog(WORD id) : CDkhDialog(id) {}
     std::function<void(ProbeDialog&)> step;
     int closings = 0;
+    bool watchdogFired = false;
     HBRUSH BackgroundBrush() const { return m_hBackgroundBrush; }
     HBRUSH NullBrush() const { return m_hNullBrush; }
 
@@ -250,6 +253,7 @@ protected:
     {
         const INT_PTR result = CDkhDialog::OnInitDialog();
         SetTimer(m_hWnd, 1, 10, nullptr);
+        SetTimer(m_hWnd, 2, 5000, nullptr);
         return result;
     }
     INT_PTR DialogProc(UINT message, WPARAM wParam, LPARAM lParam) override
@@ -259,6 +263,10 @@ protected:
             if (step)
                 step(*this);
             return 1;
+        }
+        if (message == WM_TIMER && wParam == 2) {
+            watchdogFired = true;
+            EndDialog(m_hWnd, -2);
         }
         return CDkhDialog::DialogProc(message, wParam, lParam);
     }
@@ -273,31 +281,6 @@ protected:
         CDkhDialog::OnCancel();
     }
 };
-
-HWND g_watchedDialog = nullptr;
-bool g_watchdogFired = false;
-
-void CALLBACK Watchdog(HWND, UINT, UINT_PTR, DWORD)
-{
-    g_watchdogFired = true;
-    if (g_watchedDialog)
-        EndDialog(g_watchedDialog, -2);
-}
-
-COLORREF PixelAfter(HWND dialog, UINT message)
-{
-    HDC screen = GetDC(nullptr);
-    HDC dc = CreateCompatibleDC(screen);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, 8, 8);
-    ReleaseDC(nullptr, screen);
-    HGDIOBJ old = SelectObject(dc, bitmap);
-    SendMessageW(dialog, message, reinterpret_cast<WPARAM>(dc), 0);
-    const COLORREF pixel = GetPixel(dc, 3, 3);
-    SelectObject(dc, old);
-    DeleteObject(bitmap);
-    DeleteDC(dc);
-    return pixel;
-}
 
 }  // namespace
 
@@ -342,7 +325,6 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
         HBRUSH brush = nullptr;
         dialog.step = [&](ProbeDialog& d) {
             seen = d.GetSafeHwnd();
-            g_watchedDialog = seen;
             brush = d.BackgroundBrush();
             EXPECT_EQ(CDkhDialog::FromHandle(seen), &d);
             EXPECT_NE(GetDlgItem(seen, c.controlId), nullptr);
@@ -375,7 +357,9 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
             }
             DeleteDC(dc);
             EXPECT_EQ(d.NullBrush(), GetStockObject(NULL_BRUSH));
-            EXPECT_EQ(PixelAfter(seen, WM_ERASEBKGND), c.background);
+            testskin::Canvas erased(8, 8);
+            SendMessageW(seen, WM_ERASEBKGND, reinterpret_cast<WPARAM>(static_cast<HDC>(erased)), 0);
+            EXPECT_EQ(GetPixel(erased, 3, 3), c.background);
 
             // A click carries its notification in the high word; only the whole word 1 or 2 closes.
             SendMessageW(seen, WM_COMMAND, MAKEWPARAM(IDOK, EN_CHANGE), 0);
@@ -383,13 +367,9 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
             EXPECT_EQ(d.closings, 0);
             PostMessageW(seen, WM_COMMAND, c.closer, 0);
         };
-        g_watchdogFired = false;
-        const UINT_PTR watchdog = SetTimer(nullptr, 0, 5000, Watchdog);
         const INT_PTR result = dialog.DoModal(nullptr);
-        KillTimer(nullptr, watchdog);
-        g_watchedDialog = nullptr;
         state.m_pResHandler = restore.handler;
-        ASSERT_FALSE(g_watchdogFired) << "the dialog never closed";
+        ASSERT_FALSE(dialog.watchdogFired) << "the dialog never closed";
         EXPECT_EQ(result, static_cast<INT_PTR>(c.closer));
         ASSERT_NE(seen, nullptr);
         EXPECT_EQ(CDkhDialog::FromHandle(seen), nullptr) << "WM_DESTROY leaves the map";
