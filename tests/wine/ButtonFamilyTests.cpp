@@ -92,19 +92,7 @@ public:
             UpdateWindow(hwnd);
         return hwnd;
     }
-    static void MoveTo(HWND hwnd, int x, int y)
-    {
-        POINT p = {x, y};
-        ClientToScreen(hwnd, &p);
-        input::MoveTo(p);
-        Recorder::Pump(30);
-    }
-    void MoveAway() const { MoveTo(m_panel.m_hWnd, 250, 120); }
-    static Capture Shown(HWND hwnd)
-    {
-        RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-        return CaptureWindow(hwnd);
-    }
+    void MoveAway() const { MoveOver(m_panel.m_hWnd, 250, 120); }
     static void ExpectLook(HWND hwnd, EButtonState state, const char* what)
     {
         const Capture c = Shown(hwnd);
@@ -266,7 +254,7 @@ TEST_F(ButtonFamily, MouseStatesAndDragOff)
         EButtonState state;
         const char* what;
     } steps[] = {
-        {[](ButtonFamily&, HWND h) { MoveTo(h, 20, 10); }, ButtonHover, "over"},
+        {[](ButtonFamily&, HWND h) { MoveOver(h, 20, 10); }, ButtonHover, "over"},
         {[](ButtonFamily&, HWND) { input::LeftDown(); Recorder::Pump(30); }, ButtonPressed, "pressed"},
         {[](ButtonFamily& t, HWND) { t.MoveAway(); }, ButtonNormal, "dragged off"},
         {[](ButtonFamily&, HWND) { input::LeftUp(); Recorder::Pump(40); }, ButtonNormal, "released off"},
@@ -280,7 +268,7 @@ TEST_F(ButtonFamily, MouseStatesAndDragOff)
     EXPECT_EQ(SendMessageW(hwnd, BM_GETCHECK, 0, 0), 0);
 
     Recorder::Pump(GetDoubleClickTime());
-    MoveTo(hwnd, 20, 10);
+    MoveOver(hwnd, 20, 10);
     input::LeftDown();
     Recorder::Pump(30);
     input::LeftUp();
@@ -374,7 +362,7 @@ TEST_F(ButtonFamily, FrameAnimationRestartsWithTheState)
         const RECT r = m_skin.GetStateSkin(ButtonHover).GetImageRect();
         return CaptureWindow(hwnd).At(r.left + 2, r.top + 2);
     };
-    MoveTo(hwnd, 20, 10);
+    MoveOver(hwnd, 20, 10);
     Recorder::Pump(60);
     EXPECT_EQ(button.GetState(), ButtonHover);
     EXPECT_EQ(frameColour(), kCyan) << "the first frame, a millisecond after the paint";
@@ -383,7 +371,7 @@ TEST_F(ButtonFamily, FrameAnimationRestartsWithTheState)
     MoveAway();
     for (int i = 0; i < 100 && button.GetState() == ButtonHover; ++i)
         Recorder::Pump(20);
-    MoveTo(hwnd, 20, 10);
+    MoveOver(hwnd, 20, 10);
     Recorder::Pump(60);
     EXPECT_EQ(frameColour(), kCyan) << "back in the state: the first frame again";
 }
@@ -452,7 +440,7 @@ TEST_F(ButtonFamily, Golden)
             SendMessageW(hwnd, BM_SETCHECK, i == 1, 0);
             EnableWindow(hwnd, i != 3);
         }
-        MoveTo(buttons[2].m_hWnd, 20, 10);  // hover by a real move, for the leave tracking
+        MoveOver(buttons[2].m_hWnd, 20, 10);  // hover by a real move, for the leave tracking
         for (int i = 0; i < 4; ++i) {
             const Capture c = Shown(buttons[i].m_hWnd);
             ASSERT_EQ(c.width, w);

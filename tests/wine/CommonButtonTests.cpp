@@ -78,18 +78,6 @@ protected:
                                r.right - r.left, r.bottom - r.top, m_parent, reinterpret_cast<HMENU>(UINT_PTR(id)),
                                nullptr, nullptr);
     }
-    static Capture Shown(HWND hwnd)
-    {
-        RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-        return CaptureWindow(hwnd);
-    }
-    static void MoveTo(HWND hwnd, int x, int y)
-    {
-        POINT p = {x, y};
-        ClientToScreen(hwnd, &p);
-        input::MoveTo(p);
-        Recorder::Pump(30);
-    }
 
     zcmod_test::SuiteRegistry m_registry;
     LibraryState m_lib;
@@ -107,23 +95,23 @@ TEST_F(CommonCheckButtons, CommonButtonStatesFollowInput)
     ASSERT_TRUE(hwnd);
     ASSERT_TRUE(button.SkinIsValid());
     CVuikCommonButtonSkin* skin = button.GetSkin();
-    MoveTo(m_parent, 250, 150);
+    MoveOver(m_parent, 250, 150);
     const struct {
         void (*act)(HWND);
         int state;
         const char* what;
     } steps[] = {
         {[](HWND) {}, CommonNormal, "at rest"},
-        {[](HWND h) { MoveTo(h, 16, 16); }, CommonHover, "over"},
+        {[](HWND h) { MoveOver(h, 16, 16); }, CommonHover, "over"},
         {[](HWND) { input::LeftDown(); Recorder::Pump(30); }, CommonFocusedPressed, "pressed (and focused)"},
-        {[](HWND h) { MoveTo(GetParent(h), 250, 150); }, CommonFocused, "dragged off: at rest"},
-        {[](HWND h) { MoveTo(h, 16, 16); }, CommonFocusedPressed, "back on"},
+        {[](HWND h) { MoveOver(GetParent(h), 250, 150); }, CommonFocused, "dragged off: at rest"},
+        {[](HWND h) { MoveOver(h, 16, 16); }, CommonFocusedPressed, "back on"},
         {[](HWND) { input::LeftUp(); Recorder::Pump(40); }, CommonFocusedHover, "released over it"},
         // The leave is seen by the window system's tracking timer (the hover time, 400 ms).
-        {[](HWND h) { MoveTo(GetParent(h), 250, 150); Recorder::Pump(600); }, CommonFocused, "mouse off"},
+        {[](HWND h) { MoveOver(GetParent(h), 250, 150); Recorder::Pump(600); }, CommonFocused, "mouse off"},
         {[](HWND) { input::Key(VK_SPACE, false); Recorder::Pump(30); }, CommonFocused, "Space held, mouse off: at rest"},
         {[](HWND) { input::Key(VK_SPACE, true); Recorder::Pump(30); }, CommonFocused, "Space released"},
-        {[](HWND h) { MoveTo(h, 10, 10); }, CommonFocusedHover, "over, focused"},
+        {[](HWND h) { MoveOver(h, 10, 10); }, CommonFocusedHover, "over, focused"},
         {[](HWND h) { SetFocus(GetParent(h)); }, CommonHover, "focus gone"},
         {[](HWND h) { SendMessageW(h, BM_SETSTATE, 1, 0); EnableWindow(h, FALSE); }, CommonDisabled, "disabled"},
     };

@@ -230,6 +230,22 @@ inline Capture CaptureWindow(HWND hwnd)
     return canvas.Read();
 }
 
+// A window's client area as it shows after a paint of its own.
+inline Capture Shown(HWND hwnd)
+{
+    RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    return CaptureWindow(hwnd);
+}
+
+// The mouse moved by real input to (x, y) of `hwnd`'s client area, and the move handled.
+inline void MoveOver(HWND hwnd, int x, int y)
+{
+    POINT p = {x, y};
+    ClientToScreen(hwnd, &p);
+    msgseq::input::MoveTo(p);
+    msgseq::Recorder::Pump(30);
+}
+
 // A rectangle of the screen as it shows.
 inline Capture CaptureScreen(const RECT& r)
 {
