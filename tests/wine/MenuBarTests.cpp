@@ -2,8 +2,7 @@
 // steps runs on a thread timer inside that loop, and a watchdog ends any menu and fails the test instead of
 // letting the suite hang. Keyboard wrap across the bar, Alt mnemonics, the mouse sliding and the nudged mouse
 // that keeps keyboard mode, the click on the open button, the hook gone on every way out, the owner-drawn
-// items, the language's fonts, goldens of the bar and of open popups, and
-// handle counts over many popups.
+// items, the language's fonts, goldens of the bar and of open popups, and handle counts over many popups.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -87,7 +86,6 @@ public:
     ~Script()
     {
         KillTimer(nullptr, m_tick);
-        KillTimer(nullptr, m_watchdog);
         s_current = nullptr;
     }
     Script(const Script&) = delete;
@@ -99,8 +97,8 @@ public:
         m_steps = std::move(steps);
         m_index = 0;
         m_done = m_failed = false;
-        m_stepStart = GetTickCount();
-        m_watchdog = SetTimer(nullptr, 0, timeout, Watchdog);
+        m_stepStart = m_runStart = GetTickCount();
+        m_timeout = timeout;
         const DWORD deadline = GetTickCount() + timeout + 2000;
         while (!m_done && static_cast<LONG>(deadline - GetTickCount()) > 0) {
             MSG msg;
@@ -113,8 +111,6 @@ public:
             TranslateMessage(&msg);
             DispatchMessageW(&msg);
         }
-        KillTimer(nullptr, m_watchdog);
-        m_watchdog = 0;
         if (!m_done)
             m_failed = true;
         m_done = true;
@@ -125,14 +121,17 @@ public:
     DWORD Elapsed() const { return GetTickCount() - m_stepStart; }
     void SetBar(CVuikMenuBarCtrl* bar) { m_bar = bar; }
 
-    static Script* s_current;
+    static inline Script* s_current = nullptr;
 
 private:
+    // Runs the steps that are ready; the watchdog ends any menu and fails the script once its time is up.
     static void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD)
     {
         Script* s = s_current;
         if (!s)
             return;
+        if (!s->m_done && GetTickCount() - s->m_runStart > s->m_timeout)
+            s->m_failed = s->m_done = true;
         if (s->m_done) {
             if (!PopupWindows().empty())
                 EndMenu();
@@ -145,25 +144,14 @@ private:
         if (s->m_index >= s->m_steps.size())
             s->m_done = true;
     }
-    static void CALLBACK Watchdog(HWND, UINT, UINT_PTR, DWORD)
-    {
-        if (Script* s = s_current) {
-            s->m_failed = true;
-            s->m_done = true;
-        }
-        EndMenu();
-    }
-
     CVuikMenuBarCtrl* m_bar;
     std::vector<Step> m_steps;
     size_t m_index = 0;
     bool m_done = false;
     bool m_failed = false;
-    DWORD m_stepStart = 0;
+    DWORD m_stepStart = 0, m_runStart = 0, m_timeout = 0;
     UINT_PTR m_tick = 0;
-    UINT_PTR m_watchdog = 0;
 };
-Script* Script::s_current = nullptr;
 
 using Step = Script::Step;
 Step Do(std::function<void()> action)
@@ -213,35 +201,37 @@ public:
         host = nullptr;
     }
 
+    // File (with a submenu), Edit (a greyed item), View (a check and a radio pair) and Help.
     static HMENU MakeMenu()
     {
-        HMENU file = CreatePopupMenu();
-        AppendMenuW(file, MF_STRING, 101, L"&New\tCtrl+N");
-        AppendMenuW(file, MF_STRING, 102, L"&Open...\tCtrl+O");
-        AppendMenuW(file, MF_SEPARATOR, 0, nullptr);
-        HMENU recent = CreatePopupMenu();
-        AppendMenuW(recent, MF_STRING, 111, L"notes.txt");
-        AppendMenuW(recent, MF_STRING, 112, L"contacts.vcf");
-        AppendMenuW(file, MF_POPUP, reinterpret_cast<UINT_PTR>(recent), L"&Recent files");
-        AppendMenuW(file, MF_SEPARATOR, 0, nullptr);
-        AppendMenuW(file, MF_STRING, 103, L"E&xit\tAlt+F4");
-        HMENU edit = CreatePopupMenu();
-        AppendMenuW(edit, MF_STRING, 201, L"&Undo\tCtrl+Z");
-        AppendMenuW(edit, MF_STRING | MF_GRAYED, 202, L"&Redo\tCtrl+Y");
-        HMENU view = CreatePopupMenu();
-        AppendMenuW(view, MF_STRING | MF_CHECKED, 301, L"&Toolbar");
-        AppendMenuW(view, MF_SEPARATOR, 0, nullptr);
-        AppendMenuW(view, MF_STRING, 302, L"&Large icons");
-        AppendMenuW(view, MF_STRING, 303, L"&Small icons");
+        struct Item {
+            UINT flags;
+            UINT_PTR id;
+            const wchar_t* text;
+        };
+        const auto popup = [](std::initializer_list<Item> items, HMENU menu = CreatePopupMenu()) {
+            for (const Item& item : items)
+                AppendMenuW(menu, item.flags, item.id, item.text);
+            return menu;
+        };
+        const auto sub = [](HMENU menu) { return reinterpret_cast<UINT_PTR>(menu); };
+        HMENU recent = popup({{MF_STRING, 111, L"notes.txt"}, {MF_STRING, 112, L"contacts.vcf"}});
+        HMENU view = popup({{MF_STRING | MF_CHECKED, 301, L"&Toolbar"}, {MF_SEPARATOR, 0, nullptr},
+                            {MF_STRING, 302, L"&Large icons"}, {MF_STRING, 303, L"&Small icons"}});
         CheckMenuRadioItem(view, 302, 303, 302, MF_BYCOMMAND);
-        HMENU help = CreatePopupMenu();
-        AppendMenuW(help, MF_STRING, 401, L"&About");
-        HMENU bar = CreateMenu();
-        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(file), L"&File");
-        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(edit), L"&Edit");
-        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(view), L"&View");
-        AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(help), L"&Help");
-        return bar;
+        return popup({{MF_POPUP, sub(popup({{MF_STRING, 101, L"&New\tCtrl+N"},
+                                            {MF_STRING, 102, L"&Open...\tCtrl+O"},
+                                            {MF_SEPARATOR, 0, nullptr},
+                                            {MF_POPUP, sub(recent), L"&Recent files"},
+                                            {MF_SEPARATOR, 0, nullptr},
+                                            {MF_STRING, 103, L"E&xit\tAlt+F4"}})),
+                       L"&File"},
+                      {MF_POPUP,
+                       sub(popup({{MF_STRING, 201, L"&Undo\tCtrl+Z"}, {MF_STRING | MF_GRAYED, 202, L"&Redo\tCtrl+Y"}})),
+                       L"&Edit"},
+                      {MF_POPUP, sub(view), L"&View"},
+                      {MF_POPUP, sub(popup({{MF_STRING, 401, L"&About"}})), L"&Help"}},
+                     CreateMenu());
     }
 
     // The frame at a fixed place on the screen, right to left when `exStyle` says so, and the bar on it.
