@@ -53,7 +53,7 @@ void RecipientBoxCases(std::vector<Row>& rows)
     CSearchEngineControl box(GetModuleHandleW(nullptr));
     RECT where = {0, 0, 560, 60};
     box.Create(nullptr, WS_CHILD | WS_VISIBLE, where, parent, 100, 1);
-    HWND edit = CSearchEngineControl::GetEditBox(0);
+    HWND edit = box.GetEditBox(0);
     const std::wstring line = Line();
     SetWindowTextW(edit, line.c_str());
     SetFocus(edit);

@@ -104,7 +104,7 @@ public:
 
     std::wstring Verify() override
     {
-        if (!m_box || !m_box->GetHostWindow() || !CSearchEngineControl::GetEditBox(2))
+        if (!m_box || !m_box->GetHostWindow() || !m_box->GetEditBox(2))
             return L"the recipient box wasn't made";
         wchar_t recipients[256] = {};
         if (m_box->GetRecipients(nullptr, 0) >= 256 || !m_box->GetRecipients(recipients, 0) ||

@@ -2,8 +2,9 @@
 // and a rich edit box in which recipients are typed. Two seconds after the last key the text around the caret
 // is looked up in the phones' contacts and completed inline or offered in a drop-down list; ';', Enter or
 // leaving the box finishes the recipient (its contact string, "; " behind it, underlined when known, in
-// italics when malformed). The box grows with its text and tells its listeners. Much of its state is static:
-// a process has one recipient box at a time.
+// italics when malformed). The box grows with its text and tells its listeners. Each box keeps its own windows,
+// rows and list, so that several boxes can live in one process; the search settings (limits, address filter,
+// highlighting, line limit) are shared by all of them.
 //
 //     CSearchEngineControl box(instance);
 //     RECT where = {10, 10, 410, 70};
@@ -11,6 +12,7 @@
 //     box.RegisterNotifyIF(&layout);                // layout.OnResize() when the box grows or shrinks
 //     wchar_t to[1024];
 //     box.GetRecipients(nullptr, 0) < 1024 && box.GetRecipients(to, 0);   // "040123;bob@example.com"
+//     HWND typing = box.GetEditBox(0);              // the first row's rich edit box
 //
 // The rules of recipient text are static and work on plain strings, except ExtractName, GetContacts,
 // ValidateInput, Highlight and Underline, which read or mark an edit box. The contact search over the
@@ -55,6 +57,9 @@ protected:
 };
 
 class CVuikWindowBackgroundSkin;
+class CVuikStaticCtrl;
+class CVuikCommonButtonCtrl;
+class CVuikEditCtrl;
 
 // Owns the window background skin of a recipient box: made from its default def and loaded from the
 // application's resources; unloaded and deleted with the manager.
@@ -89,9 +94,6 @@ public:
     // Searches the phone `serial` and remembers the answer in the cache; adds to `results`.
     static void SearchValues2(const wchar_t* serial, std::wstring& text, bool byName,
                               std::vector<std::wstring>& results);
-    // Every contact of every connected phone, one contact string per number and e-mail address that the address
-    // filter lets through, named in the user's order, sorted by WstrCompare; asks the phones, not the cache.
-    static void ListContacts(std::vector<std::wstring>& results);
     // Makes the connection of `serial` the current one: 0, or 0x80100010 when it can't be opened.
     static HRESULT CheckConnection(std::wstring serial);
     // Connections are closed by the connection map; this answers 0x80100010 and does nothing.
@@ -169,7 +171,7 @@ public:
     void RegisterNotifyIF(ISearchEngineNotify* listener);
     void UnregisterNotifyIF(ISearchEngineNotify* listener);
     // Non-zero hides the drop-down list, 0 shows it.
-    static void HideContactListBox(int hide);
+    void HideContactListBox(int hide);
 
     static short GetMaxLines() { return m_sMaxLines; }
     static void SetMaxLines(short lines) { m_sMaxLines = lines; }
@@ -184,9 +186,9 @@ public:
     // Windows of the box, for the application's layout and for tests: the host, a row's edit box and
     // button (null out of range), the drop-down list.
     HWND GetHostWindow() const;
-    static HWND GetEditBox(int index);
-    static HWND GetButton(int index);
-    static HWND GetContactListBox() { return m_wndContactListBox; }
+    HWND GetEditBox(int index) const;
+    HWND GetButton(int index) const;
+    HWND GetContactListBox() const { return m_wndContactListBox; }
 
     // Sets the characters start..end single-underlined, or not when `remove` is non-zero, keeping the selection.
     static void Underline(HWND edit, int start, int end, int remove);
@@ -204,46 +206,41 @@ public:
     static std::vector<std::wstring> m_vecDeviceSerials;  // the serials of the last enumeration with devices
 
     static short m_sMaxLines;                // rows of text an edit box may grow to; default 3
-    static int m_iControlCount;              // rows made by Create
-    static long m_lRecipientMode[3];         // each row's label: 0 "To", 1 "Cc", 2 "Bcc"
-    static short m_sLineCount[3];            // each row's height in lines
     static unsigned m_iControlIDs[3][2];     // per row: edit box id, button id
-    static int m_nEditcontrolWidth;
-    static int m_iBorderWidth;
-    static long m_lFontHeight;
-    static int m_iNameLen;                   // length of the typed part an inline completion replaced
-    static int m_bDisableChange;             // set while the box itself changes the text
-    static int m_bDisableSelChange;          // set while the box itself moves the selection
-    static std::vector<std::wstring> m_FoundContacts;
-    static std::vector<ISearchEngineNotify*> m_pNotify;
-    static HWND m_wndContactListBox;
-    static HFONT m_hFont;
-    static HMODULE m_hRichEditModule;
-    static UINT_PTR m_nSearchTimer;
-    static bool m_bAddressOnlyUpdate;
     static UINT m_nSearchDelay;
 
 protected:
+    friend class CSeRecipentDlg;  // names the contacts it reads as the search does
+
     static LRESULT CALLBACK RichEditProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     static LRESULT CALLBACK ListBoxProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     static LRESULT CALLBACK ButtonProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     static LRESULT CALLBACK HostWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
 
-    static void UpdateContactList(HWND edit, bool addressOnly);
-    static void FinishByEnter(HWND edit);
-    static void FinishBySemicolon(HWND edit, WNDPROC previous, LPARAM lParam);
-    static void AddStrings();
-    static void ShowContactListBox(HWND edit);
-    static int CalcListCtrlHeight();
-    static int CalcEditCtrlHeight(HWND edit);
-    static void ResizeControl(HWND edit, bool pasted);
-    static void VerifyNames(HWND edit);
-    static int SelectUp();
-    static int SelectDown();
-    static void StartSearchTimer(HWND edit, bool addressOnly);
-    static HWND GetCurrentEditBox();
-    static void OpenPicker(int row);
-    static void PlaceRow(int row);
+    // The handlers of the four procedures, on the box that owns the window.
+    LRESULT OnEditMessage(int row, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnListMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnButtonMessage(int row, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnHostMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+
+    void UpdateContactList(HWND edit, bool addressOnly);
+    void FinishByEnter(HWND edit);
+    void FinishBySemicolon(HWND edit, LPARAM lParam);
+    void AddStrings();
+    void ShowContactListBox(HWND edit);
+    int CalcListCtrlHeight();
+    int CalcEditCtrlHeight(HWND edit);
+    void ResizeControl(HWND edit, bool pasted);
+    void VerifyNames(HWND edit);
+    int SelectUp();
+    int SelectDown();
+    void StartSearchTimer(HWND edit, bool addressOnly);
+    HWND GetCurrentEditBox();
+    void OpenPicker(int row);
+    void PlaceRow(int row);
+    void PaintHost(HWND hwnd);
+    int RowOfEdit(HWND hwnd) const;
+    int RowOfButton(HWND hwnd) const;
     // Destroys the windows of the box and lets go of what they held.
     void DestroyBox();
 
@@ -252,6 +249,35 @@ protected:
     long m_lThreeDimLook;
     HINSTANCE m_hInstance;
     CSeSkinManager* m_pSkinManager;
+
+    // The box's own state: its rows, windows and what is on offer.
+    int m_iControlCount;                     // rows made by Create
+    long m_lRecipientMode[3];                // each row's label: 0 "To", 1 "Cc", 2 "Bcc"
+    short m_sLineCount[3];                   // each row's height in lines
+    int m_nEditcontrolWidth;
+    int m_iBorderWidth;
+    long m_lFontHeight;
+    int m_iSystemFontHeight;                 // the system font's height, measured once per box
+    int m_iNameLen;                          // length of the typed part an inline completion replaced
+    int m_bDisableChange;                    // set while the box itself changes the text
+    int m_bDisableSelChange;                 // set while the box itself moves the selection
+    std::vector<std::wstring> m_FoundContacts;
+    std::vector<ISearchEngineNotify*> m_pNotify;
+    CVuikStaticCtrl* m_wndHostWindow;        // the host of the rows, owned
+    CVuikCommonButtonCtrl** m_ctrlButton;    // the picker button of each row, owned
+    CVuikEditCtrl** m_ctrlEditBox;           // each row's skin and border, owned; holds no window
+    HWND m_hEditBox[3];                      // each row's rich edit box
+    WNDPROC m_pfnEditProc[3];
+    WNDPROC m_pfnButtonProc[3];
+    WNDPROC m_pfnHostProc;
+    WNDPROC m_pfnListProc;
+    HWND m_wndContactListBox;
+    HFONT m_hFont;
+    HFONT m_hLabelFont;                      // the labels' font, made on the first paint
+    HMODULE m_hRichEditModule;
+    UINT_PTR m_nSearchTimer;
+    bool m_bAddressOnlyUpdate;
+    bool m_bPasting;                         // set while the clipboard's text goes into a row
 
     // The contact's name in the user's order: one personal field alone, else given and family name.
     static std::wstring BuildContactName(const void* contactItem);

@@ -130,7 +130,12 @@ int CSeSkinManager::Initialize(HINSTANCE instance)
 
 CSearchEngineControl::CSearchEngineControl(HINSTANCE instance)
     : m_iButtonWidth(50), m_iButtonHeight(50), m_lThreeDimLook(0), m_hInstance(instance),
-      m_pSkinManager(new (std::nothrow) CSeSkinManager())
+      m_pSkinManager(new (std::nothrow) CSeSkinManager()), m_iControlCount(1), m_lRecipientMode{0, 1, 2},
+      m_sLineCount{1, 1, 1}, m_nEditcontrolWidth(200), m_iBorderWidth(0), m_lFontHeight(14), m_iSystemFontHeight(0),
+      m_iNameLen(0), m_bDisableChange(0), m_bDisableSelChange(0), m_wndHostWindow(nullptr), m_ctrlButton(nullptr),
+      m_ctrlEditBox(nullptr), m_hEditBox{}, m_pfnEditProc{}, m_pfnButtonProc{}, m_pfnHostProc(nullptr),
+      m_pfnListProc(nullptr), m_wndContactListBox(nullptr), m_hFont(nullptr), m_hLabelFont(nullptr),
+      m_hRichEditModule(nullptr), m_nSearchTimer(0), m_bAddressOnlyUpdate(false), m_bPasting(false)
 {
     zcmod::EnsureGdiPlus();
     m_bDisableChange = 0;
@@ -245,56 +250,6 @@ int CSearchEngineControl::SearchValues(std::wstring& text, bool byName, std::vec
         LNKAFreeDeviceStructure(got, devices.get());
     }
     return results.empty() ? 0 : 1;
-}
-
-void CSearchEngineControl::ListContacts(std::vector<std::wstring>& results)
-{
-    HLNKADM dm = static_cast<HLNKADM>(m_hDeviceManager);
-    if (!dm) {
-        if (LNKAOpenDM(&dm) != S_OK || !dm)
-            return;
-        m_hDeviceManager = dm;
-        LNKARegisterNotifyCallback(dm, API_REGISTER, DeviceNotify);
-    }
-    DWORD count = 0;
-    if (LNKAGetDeviceCount(dm, &count) != S_OK || count == 0)
-        return;
-    std::unique_ptr<LNKA_DEVICE[]> devices(new (std::nothrow) LNKA_DEVICE[count]());
-    if (!devices)
-        return;
-    DWORD got = count;
-    if (LNKAGetDevices(dm, &got, devices.get()) != S_OK)
-        return;
-    got = std::min(got, count);
-    ResultSet unique(results);
-    for (DWORD d = 0; d < got; ++d) {
-        if (!devices[d].pstrSerialNumber || CheckConnection(devices[d].pstrSerialNumber) != S_OK)
-            continue;
-        // Every contact has a given name, a family name or a single name: one pass over each finds them all,
-        // and the name is built in the user's order whichever pass found it.
-        for (DWORD kind : {CA_PERSONAL_FIRST_NAME, CA_PERSONAL_LAST_NAME, CA_PERSONAL_NAME}) {
-            ContactField field = {sizeof(ContactField), 0, CA_FIELD_CLASS_PERSONAL, kind, const_cast<wchar_t*>(L"%")};
-            ContactItem condition = {};
-            condition.dwSize = sizeof(ContactItem);
-            condition.bPersonalCount = 1;
-            condition.pPersonal = &field;
-            FindEach(condition, [&](const ContactItem& item) {
-                const std::wstring name = BuildContactName(&item);
-                for (BYTE i = 0; (m_lAddressFilter & 1) && item.pAddresses && i < item.bAddressCount; ++i) {
-                    const DWORD sub = item.pAddresses[i].dwFieldSubType;
-                    if ((sub == CA_ADDRESS_EMAIL || sub == CA_ADDRESS_EMAIL_HOME || sub == CA_ADDRESS_EMAIL_WORK) &&
-                        item.pAddresses[i].pstrValue)
-                        unique.Add(CreateContactString(name, item.pAddresses[i].pstrValue));
-                }
-                for (BYTE i = 0; (m_lAddressFilter & 2) && item.pNumbers && i < item.bNumberCount; ++i)
-                    if (item.pNumbers[i].pstrValue)
-                        unique.Add(CreateContactString(name, item.pNumbers[i].pstrValue));
-            });
-        }
-    }
-    LNKAFreeDeviceStructure(got, devices.get());
-    std::sort(results.begin(), results.end(),
-              [](const std::wstring& a, const std::wstring& b) { return WstrCompare(a, b) == 1; });
 }
 
 void CSearchEngineControl::SearchValues2(const wchar_t* serial, std::wstring& text, bool byName,

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cwctype>
 #include <memory>
+#include <new>
 
 #include "recipient/RecipientPicker.h"
 #include "zcmod/CommonModuleState.h"
@@ -17,26 +18,12 @@
 #include "zcmod/ResourceIds.h"
 #include "zcmod/SearchEngineControl.h"
 #include "zcmod/VuikCommonButtonCtrl.h"
+#include "zcmod/VuikEditCtrl.h"
 #include "zcmod/VuikLib.h"
+#include "zcmod/VuikStaticCtrl.h"
 
 short CSearchEngineControl::m_sMaxLines = 3;
-int CSearchEngineControl::m_iControlCount = 1;
-long CSearchEngineControl::m_lRecipientMode[3] = {0, 1, 2};
-short CSearchEngineControl::m_sLineCount[3] = {1, 1, 1};
 unsigned CSearchEngineControl::m_iControlIDs[3][2] = {{1001, 1002}, {1003, 1004}, {1005, 1006}};
-int CSearchEngineControl::m_nEditcontrolWidth = 200;
-int CSearchEngineControl::m_iBorderWidth = 0;
-long CSearchEngineControl::m_lFontHeight = 14;
-int CSearchEngineControl::m_iNameLen = 0;
-int CSearchEngineControl::m_bDisableChange = 0;
-int CSearchEngineControl::m_bDisableSelChange = 0;
-std::vector<std::wstring> CSearchEngineControl::m_FoundContacts;
-std::vector<ISearchEngineNotify*> CSearchEngineControl::m_pNotify;
-HWND CSearchEngineControl::m_wndContactListBox = nullptr;
-HFONT CSearchEngineControl::m_hFont = nullptr;
-HMODULE CSearchEngineControl::m_hRichEditModule = nullptr;
-UINT_PTR CSearchEngineControl::m_nSearchTimer = 0;
-bool CSearchEngineControl::m_bAddressOnlyUpdate = false;
 UINT CSearchEngineControl::m_nSearchDelay = 2000;
 
 namespace {
@@ -47,43 +34,94 @@ constexpr UINT kFinishLater = WM_APP + 1;  // posted at a focus loss: finish the
 constexpr int kListId = 0x75FC;
 constexpr int kRowStep = 55;
 constexpr int kGap = 5;
+// WS_BORDER leaves the one-pixel frame on which the row's skinned border is drawn.
 constexpr DWORD kEditStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN | WS_TABSTOP | WS_VSCROLL |
-                             ES_MULTILINE | ES_AUTOVSCROLL;
+                             WS_BORDER | ES_MULTILINE | ES_AUTOVSCROLL;
+constexpr int kFrame = 2;  // the skinned border, top and bottom: added to a row's height
 constexpr DWORD kButtonStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP;
 constexpr DWORD kListStyle = WS_CHILD | WS_BORDER | WS_VSCROLL | LBS_NOTIFY | LBS_HASSTRINGS;
 const UINT kLabelIds[3] = {ZLR_STR_RECIPIENT_TO, ZLR_STR_RECIPIENT_CC, ZLR_STR_RECIPIENT_BCC};
+// Every window of a box carries its box under this property: the procedures are shared by all boxes.
+const wchar_t kBoxProperty[] = L"ZCMOD.SearchEngineControl";
 
-// The windows of the one box of the process, and the procedures they had before the box took them over.
-HWND g_host = nullptr;
-HWND g_edit[3] = {};
-HWND g_button[3] = {};
-std::unique_ptr<CVuikCommonButtonCtrl> g_buttonCtrl[3];
-WNDPROC g_hostProc = nullptr;
-WNDPROC g_editProc[3] = {};
-WNDPROC g_buttonProc[3] = {};
-WNDPROC g_listProc = nullptr;
-CSearchEngineControl* g_box = nullptr;
+CSearchEngineControl* BoxOf(HWND hwnd) { return static_cast<CSearchEngineControl*>(GetPropW(hwnd, kBoxProperty)); }
+
+// Puts `proc` in front of the window's procedure and marks the window as the box's; the earlier procedure.
+WNDPROC TakeOver(HWND hwnd, CSearchEngineControl* box, WNDPROC proc)
+{
+    SetPropW(hwnd, kBoxProperty, box);
+    return reinterpret_cast<WNDPROC>(SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(proc)));
+}
+
+// Gives the window its earlier procedure back as it goes, and the mark.
+LRESULT LetGo(HWND hwnd, WNDPROC& previous, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const WNDPROC proc = previous;
+    SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(proc));
+    RemovePropW(hwnd, kBoxProperty);
+    previous = nullptr;
+    return CallWindowProcW(proc, hwnd, message, wParam, lParam);
+}
+
+// A row's edit object: no window of its own (the row's rich edit box keeps the box's procedure), but the edit
+// skin of the toolkit, whose border the box draws on the rich edit box's one-pixel frame.
+class CSeRowEditCtrl : public CVuikEditCtrl {
+public:
+    CSeRowEditCtrl()
+    {
+        m_pSkin = new (std::nothrow) CVuikEditSkin();
+        if (m_pSkin) {
+            m_pSkin->Load();
+            m_pSkin->Validate();
+        }
+        SetSkin(m_pSkin);
+    }
+
+    // The border of the window `edit`: a one-pixel frame along its edges, the skin's border gradient from top
+    // to bottom. Drawn over the frame that WS_BORDER leaves, after the platform's non-client paint.
+    void DrawFrame(HWND edit) const
+    {
+        RECT r;
+        if (!m_pSkin || !GetWindowRect(edit, &r))
+            return;
+        HDC dc = GetDCEx(edit, nullptr, DCX_WINDOW | DCX_CACHE);
+        if (!dc)
+            return;
+        DrawFrame(dc, RECT{1, 1, r.right - r.left - 1, r.bottom - r.top - 1});
+        ReleaseDC(edit, dc);
+    }
+
+    // A one-pixel frame just outside `edit`: the top row in the top colour, the bottom row in the bottom colour,
+    // the sides blending from one to the other.
+    void DrawFrame(HDC dc, RECT edit) const
+    {
+        const CVuikEditSkinDef def = *m_pSkin;
+        const int left = edit.left - 1, top = edit.top - 1, right = edit.right, bottom = edit.bottom;
+        const int span = std::max(bottom - top, 1);
+        for (int y = top; y <= bottom; ++y) {
+            COLORREF colour = 0;
+            for (int shift = 0; shift < 24; shift += 8) {
+                const int from = (def.m_crBorderTop >> (16 - shift)) & 0xFF;
+                const int to = (def.m_crBorderBottom >> (16 - shift)) & 0xFF;
+                colour |= static_cast<COLORREF>(from + (to - from) * (y - top) / span) << shift;
+            }
+            if (y == top || y == bottom) {
+                HBRUSH line = CreateSolidBrush(colour);
+                RECT row = {left, y, right + 1, y + 1};
+                FillRect(dc, &row, line);
+                DeleteObject(line);
+            } else {
+                SetPixelV(dc, left, y, colour);
+                SetPixelV(dc, right, y, colour);
+            }
+        }
+    }
+};
 
 bool LanguageIsRtl()
 {
     CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
     return CRTLHelper::IsRTL(handler ? handler->GetLanguageName() : nullptr) != 0;
-}
-
-int RowOfEdit(HWND hwnd)
-{
-    for (int i = 0; i < 3; ++i)
-        if (g_edit[i] && g_edit[i] == hwnd)
-            return i;
-    return -1;
-}
-
-int RowOfButton(HWND hwnd)
-{
-    for (int i = 0; i < 3; ++i)
-        if (g_button[i] && g_button[i] == hwnd)
-            return i;
-    return -1;
 }
 
 std::wstring EditText(HWND edit)
@@ -153,34 +191,85 @@ std::wstring WrapAddresses(const std::wstring& text)
     return out;
 }
 
+// A window's rectangle in the coordinates of `host`, left and right in order also in a mirrored host.
+RECT RectIn(HWND window, HWND host)
+{
+    RECT r;
+    GetWindowRect(window, &r);
+    MapWindowPoints(nullptr, host, reinterpret_cast<POINT*>(&r), 2);
+    if (r.left > r.right)
+        std::swap(r.left, r.right);
+    return r;
+}
+
 }  // namespace
 
 // ---- Life --------------------------------------------------------------------------------------------------
 
-HWND CSearchEngineControl::GetHostWindow() const { return g_host; }
-HWND CSearchEngineControl::GetEditBox(int index) { return index >= 0 && index < 3 ? g_edit[index] : nullptr; }
-HWND CSearchEngineControl::GetButton(int index) { return index >= 0 && index < 3 ? g_button[index] : nullptr; }
+HWND CSearchEngineControl::GetHostWindow() const { return m_wndHostWindow ? m_wndHostWindow->m_hWnd : nullptr; }
+
+HWND CSearchEngineControl::GetEditBox(int index) const
+{
+    return index >= 0 && index < 3 ? m_hEditBox[index] : nullptr;
+}
+
+HWND CSearchEngineControl::GetButton(int index) const
+{
+    return index >= 0 && index < 3 && m_ctrlButton && m_ctrlButton[index] ? m_ctrlButton[index]->m_hWnd : nullptr;
+}
+
+int CSearchEngineControl::RowOfEdit(HWND hwnd) const
+{
+    for (int i = 0; i < 3; ++i)
+        if (hwnd && m_hEditBox[i] == hwnd)
+            return i;
+    return -1;
+}
+
+int CSearchEngineControl::RowOfButton(HWND hwnd) const
+{
+    for (int i = 0; i < 3; ++i)
+        if (hwnd && GetButton(i) == hwnd)
+            return i;
+    return -1;
+}
 
 void CSearchEngineControl::DestroyBox()
 {
     if (m_nSearchTimer) {
-        for (HWND edit : g_edit)
+        for (HWND edit : m_hEditBox)
             if (edit)
                 KillTimer(edit, kSearchTimer);
         m_nSearchTimer = 0;
     }
-    if (g_host && IsWindow(g_host))
-        DestroyWindow(g_host);  // the rows go with it
+    // The host goes with its rows; the list is a child of the application's window.
+    if (m_wndHostWindow) {
+        if (m_wndHostWindow->m_hWnd && IsWindow(m_wndHostWindow->m_hWnd))
+            DestroyWindow(m_wndHostWindow->m_hWnd);
+        delete m_wndHostWindow;
+        m_wndHostWindow = nullptr;
+    }
     if (m_wndContactListBox && IsWindow(m_wndContactListBox))
         DestroyWindow(m_wndContactListBox);
-    g_host = nullptr;
     m_wndContactListBox = nullptr;
+    if (m_ctrlButton) {
+        for (int i = 0; i < 3; ++i)
+            delete m_ctrlButton[i];
+        delete[] m_ctrlButton;
+        m_ctrlButton = nullptr;
+    }
+    if (m_ctrlEditBox) {
+        for (int i = 0; i < 3; ++i)
+            delete m_ctrlEditBox[i];
+        delete[] m_ctrlEditBox;
+        m_ctrlEditBox = nullptr;
+    }
     for (int i = 0; i < 3; ++i) {
-        g_buttonCtrl[i].reset();
-        g_edit[i] = g_button[i] = nullptr;
-        g_editProc[i] = g_buttonProc[i] = nullptr;
+        m_hEditBox[i] = nullptr;
+        m_pfnEditProc[i] = m_pfnButtonProc[i] = nullptr;
         m_sLineCount[i] = 1;
     }
+    m_pfnHostProc = m_pfnListProc = nullptr;
     if (m_hRichEditModule) {
         FreeLibrary(m_hRichEditModule);
         m_hRichEditModule = nullptr;
@@ -191,9 +280,11 @@ void CSearchEngineControl::DestroyBox()
         DeleteObject(m_hFont);
         m_hFont = nullptr;
     }
+    if (m_hLabelFont) {
+        DeleteObject(m_hLabelFont);
+        m_hLabelFont = nullptr;
+    }
     m_bDisableChange = m_bDisableSelChange = 0;
-    if (g_box == this)
-        g_box = nullptr;
 }
 
 int CSearchEngineControl::Create(void* /*reserved*/, unsigned long style, RECT rect, HWND parent, unsigned id,
@@ -211,16 +302,22 @@ int CSearchEngineControl::Create(void* /*reserved*/, unsigned long style, RECT r
     const bool rtl = LanguageIsRtl();
     const HINSTANCE instance = m_hInstance ? m_hInstance : GetModuleHandleW(nullptr);
 
-    g_host = CreateWindowExW(0, L"Static", L"", ((style | WS_CHILD | WS_CLIPCHILDREN) & ~SS_TYPEMASK) | SS_NOTIFY, rect.left,
-                             rect.top, rect.right - rect.left, rect.bottom - rect.top, parent,
-                             reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), instance, nullptr);
-    if (!g_host) {
+    m_wndHostWindow = new (std::nothrow) CVuikStaticCtrl();
+    HWND host = m_wndHostWindow
+                    ? m_wndHostWindow->Create(parent, rect, id,
+                                              ((style | WS_CHILD | WS_CLIPCHILDREN) & ~SS_TYPEMASK) | SS_NOTIFY, 0)
+                    : nullptr;
+    if (!host) {
         DestroyBox();
         return 0;
     }
-    g_box = this;
-    g_hostProc = reinterpret_cast<WNDPROC>(
-        SetWindowLongPtrW(g_host, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HostWindowProc)));
+    m_pfnHostProc = TakeOver(host, this, HostWindowProc);
+    m_ctrlButton = new (std::nothrow) CVuikCommonButtonCtrl*[3]();
+    m_ctrlEditBox = new (std::nothrow) CVuikEditCtrl*[3]();
+    if (!m_ctrlButton || !m_ctrlEditBox) {
+        DestroyBox();
+        return 0;
+    }
 
     const DWORD rowExStyle = rtl ? (WS_EX_NOPARENTNOTIFY | WS_EX_LAYOUTRTL | WS_EX_RTLREADING) : WS_EX_NOPARENTNOTIFY;
     DWORD editExStyle = rowExStyle;
@@ -236,55 +333,56 @@ int CSearchEngineControl::Create(void* /*reserved*/, unsigned long style, RECT r
                                                                                         : std::wstring();
         // The picker button of the row: the suite's large icon button, centred in its cell, its pictures and
         // icon out of the theme.
-        g_buttonCtrl[i].reset(new CVuikCommonButtonCtrl());
+        m_ctrlButton[i] = new (std::nothrow) CVuikCommonButtonCtrl();
         const HINSTANCE resources = CVuikLib::GetResourceInstance();
         CVuikLib::SetResourceInstance(ZCMOD_GetCommonZGR());
         RECT cell = {0, i * kRowStep, m_iButtonWidth, i * kRowStep + m_iButtonHeight};
-        g_button[i] = g_buttonCtrl[i]->Create(g_host, cell, m_iControlIDs[i][1], kButtonStyle, rowExStyle,
-                                              CommonButtonLarge);
-        if (g_button[i]) {
-            g_buttonCtrl[i]->SetButtonIcon(ZGR_BMP_RECIPIENT_PICKER, ZGR_BMP_RECIPIENT_PICKER_DISABLED, FALSE);
+        HWND button = m_ctrlButton[i] ? m_ctrlButton[i]->Create(host, cell, m_iControlIDs[i][1], kButtonStyle,
+                                                                rowExStyle, CommonButtonLarge)
+                                      : nullptr;
+        if (button) {
+            m_ctrlButton[i]->SetButtonIcon(ZGR_BMP_RECIPIENT_PICKER, ZGR_BMP_RECIPIENT_PICKER_DISABLED, FALSE);
             RECT made;
-            GetClientRect(g_button[i], &made);
+            GetClientRect(button, &made);
             if (made.right <= 0 || made.bottom <= 0) {
                 // A theme without the button's pictures: the button keeps its whole cell.
                 made = {0, 0, m_iButtonWidth, m_iButtonHeight};
-                SetWindowPos(g_button[i], nullptr, 0, 0, made.right, made.bottom,
+                SetWindowPos(button, nullptr, 0, 0, made.right, made.bottom,
                              SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
             }
-            SetWindowPos(g_button[i], nullptr, (m_iButtonWidth - made.right) / 2,
+            SetWindowPos(button, nullptr, (m_iButtonWidth - made.right) / 2,
                          cell.top + (m_iButtonHeight - made.bottom) / 2, 0, 0,
                          SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-            SetWindowTextW(g_button[i], label.c_str());
-            g_buttonCtrl[i]->SetTooltip(label.c_str());
+            SetWindowTextW(button, label.c_str());
+            m_ctrlButton[i]->SetTooltip(label.c_str());
         }
         CVuikLib::SetResourceInstance(resources);
-        if (g_button[i])
-            g_buttonProc[i] = reinterpret_cast<WNDPROC>(
-                SetWindowLongPtrW(g_button[i], GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(ButtonProc)));
+        if (button)
+            m_pfnButtonProc[i] = TakeOver(button, this, ButtonProc);
 
+        m_ctrlEditBox[i] = new (std::nothrow) CSeRowEditCtrl();
         const int buttonBottom = i * kRowStep + m_iButtonHeight;
-        g_edit[i] = CreateWindowExW(editExStyle, L"RichEdit20W", L"", kEditStyle, m_iButtonWidth + kGap,
-                                    buttonBottom - 27, m_nEditcontrolWidth, 23, g_host,
+        HWND edit = CreateWindowExW(editExStyle, L"RichEdit20W", L"", kEditStyle, m_iButtonWidth + kGap,
+                                    buttonBottom - 27, m_nEditcontrolWidth, 23, host,
                                     reinterpret_cast<HMENU>(static_cast<UINT_PTR>(m_iControlIDs[i][0])), instance,
                                     nullptr);
-        if (!g_edit[i]) {
+        if (!edit) {
             DestroyBox();
             return 0;
         }
-        g_editProc[i] = reinterpret_cast<WNDPROC>(
-            SetWindowLongPtrW(g_edit[i], GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(RichEditProc)));
-        SendMessageW(g_edit[i], EM_SETEVENTMASK, 0, ENM_CHANGE | ENM_SCROLL | ENM_SELCHANGE);
-        SendMessageW(g_edit[i], EM_SETMARGINS, EC_RIGHTMARGIN, MAKELPARAM(0, 5));
-        SendMessageW(g_edit[i], EM_SETTEXTMODE, TM_RICHTEXT, 0);
+        m_hEditBox[i] = edit;
+        m_pfnEditProc[i] = TakeOver(edit, this, RichEditProc);
+        SendMessageW(edit, EM_SETEVENTMASK, 0, ENM_CHANGE | ENM_SCROLL | ENM_SELCHANGE);
+        SendMessageW(edit, EM_SETMARGINS, EC_RIGHTMARGIN, MAKELPARAM(0, 5));
+        SendMessageW(edit, EM_SETTEXTMODE, TM_RICHTEXT, 0);
         // The theme's window and text colours, for typed text and for text set later alike.
-        SendMessageW(g_edit[i], EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW)));
+        SendMessageW(edit, EM_SETBKGNDCOLOR, 0, static_cast<LPARAM>(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW)));
         CHARFORMAT2W colour = {};
         colour.cbSize = sizeof(colour);
         colour.dwMask = CFM_COLOR;
         colour.crTextColor = DkhLoadColor(nullptr, ZGR_COLOR_TEXT);
-        SendMessageW(g_edit[i], EM_SETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&colour));
-        SendMessageW(g_edit[i], EM_SETCHARFORMAT, SCF_ALL, reinterpret_cast<LPARAM>(&colour));
+        SendMessageW(edit, EM_SETCHARFORMAT, SCF_DEFAULT, reinterpret_cast<LPARAM>(&colour));
+        SendMessageW(edit, EM_SETCHARFORMAT, SCF_ALL, reinterpret_cast<LPARAM>(&colour));
         m_sLineCount[i] = 1;
     }
 
@@ -292,8 +390,7 @@ int CSearchEngineControl::Create(void* /*reserved*/, unsigned long style, RECT r
                                           m_iButtonWidth + kGap, m_iButtonHeight + 2, m_nEditcontrolWidth, 60, parent,
                                           reinterpret_cast<HMENU>(static_cast<UINT_PTR>(kListId)), instance, nullptr);
     if (m_wndContactListBox)
-        g_listProc = reinterpret_cast<WNDPROC>(
-            SetWindowLongPtrW(m_wndContactListBox, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(ListBoxProc)));
+        m_pfnListProc = TakeOver(m_wndContactListBox, this, ListBoxProc);
 
     LOGFONTW description = {};
     DkhLoadFont(&description);
@@ -313,9 +410,9 @@ int CSearchEngineControl::SetRecipientMode(long mode, int index)
     if (index < 0 || index >= m_iControlCount)
         return 0;
     m_lRecipientMode[index] = mode;
-    if (g_button[index]) {
-        SetWindowTextW(g_button[index], Label(static_cast<int>(mode)).c_str());
-        InvalidateRect(g_host, nullptr, TRUE);
+    if (GetButton(index)) {
+        SetWindowTextW(GetButton(index), Label(static_cast<int>(mode)).c_str());
+        InvalidateRect(GetHostWindow(), nullptr, TRUE);
     }
     return 1;
 }
@@ -327,9 +424,9 @@ long CSearchEngineControl::GetRecipientMode(int index)
 
 int CSearchEngineControl::SetText(const wchar_t* text, int index)
 {
-    if (index < 0 || index >= m_iControlCount || !g_edit[index] || !text)
+    if (index < 0 || index >= m_iControlCount || !m_hEditBox[index] || !text)
         return 0;
-    HWND edit = g_edit[index];
+    HWND edit = m_hEditBox[index];
     if (text[0] == L';') {
         const LONG length = GetWindowTextLengthW(edit);
         Select(edit, length, length);
@@ -344,9 +441,9 @@ int CSearchEngineControl::SetText(const wchar_t* text, int index)
 
 int CSearchEngineControl::GetText(wchar_t* buffer, int index)
 {
-    if (index < 0 || index >= m_iControlCount || !g_edit[index])
+    if (index < 0 || index >= m_iControlCount || !m_hEditBox[index])
         return 0;
-    const std::wstring text = EditText(g_edit[index]);
+    const std::wstring text = EditText(m_hEditBox[index]);
     if (buffer)
         std::copy(text.c_str(), text.c_str() + text.size() + 1, buffer);
     return static_cast<int>(text.size());
@@ -354,9 +451,9 @@ int CSearchEngineControl::GetText(wchar_t* buffer, int index)
 
 int CSearchEngineControl::GetRecipients(wchar_t* buffer, int index)
 {
-    if (index < 0 || index >= m_iControlCount || !g_edit[index])
+    if (index < 0 || index >= m_iControlCount || !m_hEditBox[index])
         return 0;
-    std::wstring text = EditText(g_edit[index]);
+    std::wstring text = EditText(m_hEditBox[index]);
     RemoveUnicodeControlCharacters(text);
     std::wstring out;
     size_t from = 0;
@@ -385,14 +482,14 @@ int CSearchEngineControl::GetRecipients(wchar_t* buffer, int index)
 
 int CSearchEngineControl::Validate(int formal, int contact, int* result, int index)
 {
-    if (index < 0 || index >= m_iControlCount || !g_edit[index] || !result)
+    if (index < 0 || index >= m_iControlCount || !m_hEditBox[index] || !result)
         return 0;
     *result = 1;
     if (formal || contact) {
         std::vector<RecipientLocation> recipients;
-        GetContacts(g_edit[index], recipients);
+        GetContacts(m_hEditBox[index], recipients);
         for (const RecipientLocation& r : recipients)
-            if (!ValidateInput(g_edit[index], r.m_strText, r.m_nStart, r.m_nEnd, formal, contact, 0))
+            if (!ValidateInput(m_hEditBox[index], r.m_strText, r.m_nStart, r.m_nEnd, formal, contact, 0))
                 *result = 0;
     }
     return 1;
@@ -402,17 +499,17 @@ int CSearchEngineControl::SetFocusToEditBox(int index)
 {
     if (index < 0 || index >= m_iControlCount)
         index = 0;
-    if (!g_edit[index])
+    if (!m_hEditBox[index])
         return 0;
-    SetFocus(g_edit[index]);
+    SetFocus(m_hEditBox[index]);
     return 1;
 }
 
 LRESULT CSearchEngineControl::SendMessageToEditBox(UINT message, WPARAM wParam, LPARAM lParam, int index)
 {
-    if (index < 0 || index >= m_iControlCount || !g_edit[index])
+    if (index < 0 || index >= m_iControlCount || !m_hEditBox[index])
         return 0;
-    return SendMessageW(g_edit[index], message, wParam, lParam);
+    return SendMessageW(m_hEditBox[index], message, wParam, lParam);
 }
 
 // ---- Whole box ----------------------------------------------------------------------------------------------
@@ -427,9 +524,9 @@ void CSearchEngineControl::SetThreeDimLook(long look)
 {
     m_lThreeDimLook = look;
     for (int i = 0; i < m_iControlCount; ++i) {
-        if (!g_edit[i])
+        if (!m_hEditBox[i])
             continue;
-        LONG_PTR ex = GetWindowLongPtrW(g_edit[i], GWL_EXSTYLE);
+        LONG_PTR ex = GetWindowLongPtrW(m_hEditBox[i], GWL_EXSTYLE);
         if (look) {
             ex |= WS_EX_CLIENTEDGE;
             m_iBorderWidth = 2 * GetSystemMetrics(SM_CXEDGE);
@@ -437,12 +534,12 @@ void CSearchEngineControl::SetThreeDimLook(long look)
             ex ^= WS_EX_CLIENTEDGE;
             m_iBorderWidth = 0;
         }
-        SetWindowLongPtrW(g_edit[i], GWL_EXSTYLE, ex);
-        SetWindowPos(g_edit[i], nullptr, 0, 0, 0, 0,
+        SetWindowLongPtrW(m_hEditBox[i], GWL_EXSTYLE, ex);
+        SetWindowPos(m_hEditBox[i], nullptr, 0, 0, 0, 0,
                      SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
     }
-    if (g_host)
-        RedrawWindow(GetParent(g_host), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
+    if (GetHostWindow())
+        RedrawWindow(GetParent(GetHostWindow()), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
 
 void CSearchEngineControl::SetFont(HFONT font)
@@ -457,8 +554,8 @@ void CSearchEngineControl::SetFont(HFONT font)
     m_hFont = CreateFontIndirectW(&description);
     m_lFontHeight = description.lfHeight < 0 ? -description.lfHeight : description.lfHeight;
     for (int i = 0; i < m_iControlCount; ++i)
-        if (g_edit[i]) {
-            SendMessageW(g_edit[i], WM_SETFONT, reinterpret_cast<WPARAM>(m_hFont), TRUE);
+        if (m_hEditBox[i]) {
+            SendMessageW(m_hEditBox[i], WM_SETFONT, reinterpret_cast<WPARAM>(m_hFont), TRUE);
             PlaceRow(i);
         }
     if (m_wndContactListBox)
@@ -468,28 +565,28 @@ void CSearchEngineControl::SetFont(HFONT font)
 void CSearchEngineControl::GetHostWindowRect(RECT& rect)
 {
     SetRectEmpty(&rect);
-    if (!g_host)
+    if (!GetHostWindow())
         return;
-    GetWindowRect(g_host, &rect);
-    MapWindowPoints(nullptr, GetParent(g_host), reinterpret_cast<POINT*>(&rect), 2);
+    GetWindowRect(GetHostWindow(), &rect);
+    MapWindowPoints(nullptr, GetParent(GetHostWindow()), reinterpret_cast<POINT*>(&rect), 2);
     if (rect.left > rect.right)
         std::swap(rect.left, rect.right);
 }
 
 void CSearchEngineControl::SetHostWindowRect(RECT rect)
 {
-    if (!g_host)
+    if (!GetHostWindow())
         return;
     m_nEditcontrolWidth = (rect.right - rect.left) - m_iButtonWidth - kGap;
     int bottom = 0;
     for (int i = 0; i < m_iControlCount; ++i) {
         PlaceRow(i);
         RECT r;
-        GetWindowRect(g_edit[i], &r);
-        MapWindowPoints(nullptr, g_host, reinterpret_cast<POINT*>(&r), 2);
+        GetWindowRect(m_hEditBox[i], &r);
+        MapWindowPoints(nullptr, GetHostWindow(), reinterpret_cast<POINT*>(&r), 2);
         bottom = std::max(bottom, static_cast<int>(std::max(r.bottom, r.top)));
     }
-    SetWindowPos(g_host, nullptr, rect.left, rect.top, rect.right - rect.left,
+    SetWindowPos(GetHostWindow(), nullptr, rect.left, rect.top, rect.right - rect.left,
                  std::min(bottom, static_cast<int>(rect.bottom - rect.top)), SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
@@ -506,7 +603,8 @@ void CSearchEngineControl::UnregisterNotifyIF(ISearchEngineNotify* listener)
 
 void CSearchEngineControl::HideContactListBox(int hide)
 {
-    if (m_wndContactListBox)
+    // Every caret move asks to hide the list: a hidden one is left alone.
+    if (m_wndContactListBox && (!hide || IsWindowVisible(m_wndContactListBox)))
         ShowWindow(m_wndContactListBox, hide ? SW_HIDE : SW_SHOWNA);
 }
 
@@ -530,17 +628,22 @@ void CSearchEngineControl::Underline(HWND edit, int start, int end, int remove)
 void CSearchEngineControl::StartSearchTimer(HWND edit, bool addressOnly)
 {
     m_bAddressOnlyUpdate = addressOnly;
-    if (m_nSearchTimer)
-        KillTimer(edit, kSearchTimer);
+    // Setting the timer of the same id again replaces a running one: the search waits for the last key.
     m_nSearchTimer = SetTimer(edit, kSearchTimer, m_nSearchDelay, nullptr);
 }
 
 LRESULT CALLBACK CSearchEngineControl::RichEditProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    const int row = RowOfEdit(hwnd);
-    const WNDPROC previous = row >= 0 ? g_editProc[row] : nullptr;
-    if (!previous)
+    CSearchEngineControl* box = BoxOf(hwnd);
+    const int row = box ? box->RowOfEdit(hwnd) : -1;
+    if (row < 0 || !box->m_pfnEditProc[row])
         return DefWindowProcW(hwnd, message, wParam, lParam);
+    return box->OnEditMessage(row, hwnd, message, wParam, lParam);
+}
+
+LRESULT CSearchEngineControl::OnEditMessage(int row, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const WNDPROC previous = m_pfnEditProc[row];
     switch (message) {
     case WM_KILLFOCUS: {
         const LRESULT result = CallWindowProcW(previous, hwnd, message, wParam, lParam);
@@ -566,12 +669,12 @@ LRESULT CALLBACK CSearchEngineControl::RichEditProc(HWND hwnd, UINT message, WPA
         }
         case VK_TAB:
             if (GetKeyState(VK_SHIFT) < 0) {
-                if (g_button[row])
-                    SetFocus(g_button[row]);
-            } else if (row + 1 < m_iControlCount && g_button[row + 1]) {
-                SetFocus(g_button[row + 1]);
-            } else if (g_host) {
-                PostMessageW(GetParent(g_host), WM_NEXTDLGCTL, 0, 0);
+                if (GetButton(row))
+                    SetFocus(GetButton(row));
+            } else if (row + 1 < m_iControlCount && GetButton(row + 1)) {
+                SetFocus(GetButton(row + 1));
+            } else if (GetHostWindow()) {
+                PostMessageW(GetParent(GetHostWindow()), WM_NEXTDLGCTL, 0, 0);
             }
             return 0;
         case VK_ESCAPE:
@@ -600,11 +703,13 @@ LRESULT CALLBACK CSearchEngineControl::RichEditProc(HWND hwnd, UINT message, WPA
             return 0;
         default:
             StartSearchTimer(hwnd, false);
+            if ((wParam == 'V' && GetKeyState(VK_CONTROL) < 0) || (wParam == VK_INSERT && GetKeyState(VK_SHIFT) < 0))
+                return SendMessageW(hwnd, WM_PASTE, 0, 0);
             return CallWindowProcW(previous, hwnd, message, wParam, lParam);
         }
     case WM_CHAR:
         if (wParam == L';') {
-            FinishBySemicolon(hwnd, previous, lParam);
+            FinishBySemicolon(hwnd, lParam);
             return 0;
         }
         if (wParam == L'\r' || wParam == L'\n' || wParam == L'\t' || wParam == 0x1B)
@@ -639,11 +744,26 @@ LRESULT CALLBACK CSearchEngineControl::RichEditProc(HWND hwnd, UINT message, WPA
     }
     case WM_GETDLGCODE:
         return CallWindowProcW(previous, hwnd, message, wParam, lParam) | DLGC_WANTALLKEYS | DLGC_WANTTAB;
+    case WM_NCPAINT: {
+        // The platform's frame and scroll bar, then the row's skinned border over the frame.
+        const LRESULT result = CallWindowProcW(previous, hwnd, message, wParam, lParam);
+        if (m_ctrlEditBox && m_ctrlEditBox[row])
+            static_cast<CSeRowEditCtrl*>(m_ctrlEditBox[row])->DrawFrame(hwnd);
+        return result;
+    }
+    case WM_PASTE: {
+        // Recipients are plain text in the box's own format: a paste brings the clipboard's text only. The
+        // change it makes is known to the host as a paste.
+        const bool outer = !m_bPasting;
+        m_bPasting = true;
+        const LRESULT result = SendMessageW(hwnd, EM_PASTESPECIAL, CF_UNICODETEXT, 0);
+        if (outer)
+            m_bPasting = false;
+        return result;
+    }
     case WM_NCDESTROY:
-        SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
-        g_edit[row] = nullptr;
-        g_editProc[row] = nullptr;
-        return CallWindowProcW(previous, hwnd, message, wParam, lParam);
+        m_hEditBox[row] = nullptr;
+        return LetGo(hwnd, m_pfnEditProc[row], message, wParam, lParam);
     default:
         break;
     }
@@ -682,8 +802,12 @@ void CSearchEngineControl::FinishByEnter(HWND edit)
     m_bApplySearchLimit = true;
 }
 
-void CSearchEngineControl::FinishBySemicolon(HWND edit, WNDPROC previous, LPARAM lParam)
+void CSearchEngineControl::FinishBySemicolon(HWND edit, LPARAM lParam)
 {
+    const int row = RowOfEdit(edit);
+    const WNDPROC previous = row >= 0 ? m_pfnEditProc[row] : nullptr;
+    if (!previous)
+        return;
     HideContactListBox(1);
     const bool formal = m_lFormalValidityChecking != 0;
     if (formal) {
@@ -812,16 +936,20 @@ int CSearchEngineControl::CalcListCtrlHeight()
 int CSearchEngineControl::CalcEditCtrlHeight(HWND edit)
 {
     const int row = RowOfEdit(edit);
-    HDC dc = GetDC(nullptr);
-    HGDIOBJ old = SelectObject(dc, GetStockObject(SYSTEM_FONT));
-    TEXTMETRICW metrics = {};
-    GetTextMetricsW(dc, &metrics);
-    SelectObject(dc, old);
-    ReleaseDC(nullptr, dc);
-    int h = metrics.tmHeight;
+    if (!m_iSystemFontHeight) {
+        // The system font doesn't change while the box lives: measured once.
+        HDC dc = GetDC(nullptr);
+        HGDIOBJ old = SelectObject(dc, GetStockObject(SYSTEM_FONT));
+        TEXTMETRICW metrics = {};
+        GetTextMetricsW(dc, &metrics);
+        SelectObject(dc, old);
+        ReleaseDC(nullptr, dc);
+        m_iSystemFontHeight = metrics.tmHeight;
+    }
+    int h = m_iSystemFontHeight;
     if (m_lFontHeight < h)
         h = static_cast<int>(m_lFontHeight);
-    return h / 2 + m_iBorderWidth + (row >= 0 ? m_sLineCount[row] : 1) * static_cast<int>(m_lFontHeight);
+    return h / 2 + m_iBorderWidth + kFrame + (row >= 0 ? m_sLineCount[row] : 1) * static_cast<int>(m_lFontHeight);
 }
 
 int CSearchEngineControl::SelectUp()
@@ -850,21 +978,27 @@ HWND CSearchEngineControl::GetCurrentEditBox()
     RECT list;
     GetWindowRect(m_wndContactListBox, &list);
     for (int i = 0; i < m_iControlCount; ++i) {
-        if (!g_edit[i])
+        if (!m_hEditBox[i])
             continue;
         RECT r;
-        GetWindowRect(g_edit[i], &r);
+        GetWindowRect(m_hEditBox[i], &r);
         if (r.bottom == list.top && (r.left == list.left || r.right == list.right))
-            return g_edit[i];
+            return m_hEditBox[i];
     }
     return nullptr;
 }
 
 LRESULT CALLBACK CSearchEngineControl::ListBoxProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    const WNDPROC previous = g_listProc;
-    if (!previous)
+    CSearchEngineControl* box = BoxOf(hwnd);
+    if (!box || !box->m_pfnListProc)
         return DefWindowProcW(hwnd, message, wParam, lParam);
+    return box->OnListMessage(hwnd, message, wParam, lParam);
+}
+
+LRESULT CSearchEngineControl::OnListMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const WNDPROC previous = m_pfnListProc;
     switch (message) {
     case WM_MOUSEMOVE:
         if (wParam & MK_LBUTTON) {
@@ -898,11 +1032,9 @@ LRESULT CALLBACK CSearchEngineControl::ListBoxProc(HWND hwnd, UINT message, WPAR
         return 0;
     }
     case WM_NCDESTROY:
-        SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
-        g_listProc = nullptr;
         if (m_wndContactListBox == hwnd)
             m_wndContactListBox = nullptr;
-        return CallWindowProcW(previous, hwnd, message, wParam, lParam);
+        return LetGo(hwnd, m_pfnListProc, message, wParam, lParam);
     default:
         break;
     }
@@ -913,23 +1045,29 @@ LRESULT CALLBACK CSearchEngineControl::ListBoxProc(HWND hwnd, UINT message, WPAR
 
 LRESULT CALLBACK CSearchEngineControl::ButtonProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    const int row = RowOfButton(hwnd);
-    const WNDPROC previous = row >= 0 ? g_buttonProc[row] : nullptr;
-    if (!previous)
+    CSearchEngineControl* box = BoxOf(hwnd);
+    const int row = box ? box->RowOfButton(hwnd) : -1;
+    if (row < 0 || !box->m_pfnButtonProc[row])
         return DefWindowProcW(hwnd, message, wParam, lParam);
+    return box->OnButtonMessage(row, hwnd, message, wParam, lParam);
+}
+
+LRESULT CSearchEngineControl::OnButtonMessage(int row, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const WNDPROC previous = m_pfnButtonProc[row];
     switch (message) {
     case WM_GETDLGCODE:
         return DLGC_WANTMESSAGE | DLGC_BUTTON;
     case WM_KEYDOWN:
         if (wParam == VK_TAB) {
             if (GetKeyState(VK_SHIFT) >= 0) {
-                if (g_edit[row])
-                    SetFocus(g_edit[row]);
-            } else if (row > 0 && g_edit[row - 1]) {
-                SetFocus(g_edit[row - 1]);
-            } else if (g_host) {
+                if (m_hEditBox[row])
+                    SetFocus(m_hEditBox[row]);
+            } else if (row > 0 && m_hEditBox[row - 1]) {
+                SetFocus(m_hEditBox[row - 1]);
+            } else if (GetHostWindow()) {
                 // The first row's button steps forward, like the last edit box.
-                PostMessageW(GetParent(g_host), WM_NEXTDLGCTL, 0, 0);
+                PostMessageW(GetParent(GetHostWindow()), WM_NEXTDLGCTL, 0, 0);
             }
             return 0;
         }
@@ -939,10 +1077,7 @@ LRESULT CALLBACK CSearchEngineControl::ButtonProc(HWND hwnd, UINT message, WPARA
             return 0;
         break;
     case WM_NCDESTROY:
-        SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
-        g_button[row] = nullptr;
-        g_buttonProc[row] = nullptr;
-        return CallWindowProcW(previous, hwnd, message, wParam, lParam);
+        return LetGo(hwnd, m_pfnButtonProc[row], message, wParam, lParam);
     default:
         break;
     }
@@ -951,7 +1086,7 @@ LRESULT CALLBACK CSearchEngineControl::ButtonProc(HWND hwnd, UINT message, WPARA
 
 void CSearchEngineControl::OpenPicker(int row)
 {
-    HWND edit = g_edit[row];
+    HWND edit = m_hEditBox[row];
     if (!edit)
         return;
     std::wstring text = EditText(edit);
@@ -961,7 +1096,7 @@ void CSearchEngineControl::OpenPicker(int row)
     std::unique_ptr<CSeRecipentDlg> picker(new CSeRecipentDlg());
     picker->SetText(text);
     picker->SetAddressFilter(m_lAddressFilter);
-    if (picker->DoModal(g_host) == 1 && IsWindow(edit)) {
+    if (picker->DoModal(GetHostWindow()) == 1 && IsWindow(edit)) {
         std::wstring picked = picker->GetText();
         if (rtl) {
             RemoveUnicodeControlCharacters(picked);
@@ -979,11 +1114,44 @@ void CSearchEngineControl::OpenPicker(int row)
     }
 }
 
+void CSearchEngineControl::PaintHost(HWND hwnd)
+{
+    PAINTSTRUCT paint;
+    HDC dc = BeginPaint(hwnd, &paint);
+    if (!m_hLabelFont) {
+        LOGFONTW description = {};
+        DkhLoadFont(&description);
+        description.lfHeight = 15;
+        description.lfWeight = 500;
+        m_hLabelFont = CreateFontIndirectW(&description);
+    }
+    HGDIOBJ old = SelectObject(dc, m_hLabelFont);
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
+    for (int i = 0; i < m_iControlCount; ++i) {
+        if (!GetButton(i))
+            continue;
+        // The label stands right of the button's cell, over the edit box.
+        const RECT r = RectIn(GetButton(i), hwnd);
+        const int cellTop = r.top - (m_iButtonHeight - (r.bottom - r.top)) / 2;
+        const std::wstring label = Label(i);
+        TextOutW(dc, m_iButtonWidth + kGap, cellTop + 3, label.c_str(), static_cast<int>(label.size()));
+    }
+    SelectObject(dc, old);
+    EndPaint(hwnd, &paint);
+}
+
 LRESULT CALLBACK CSearchEngineControl::HostWindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    const WNDPROC previous = g_hostProc;
-    if (!previous)
+    CSearchEngineControl* box = BoxOf(hwnd);
+    if (!box || !box->m_pfnHostProc)
         return DefWindowProcW(hwnd, message, wParam, lParam);
+    return box->OnHostMessage(hwnd, message, wParam, lParam);
+}
+
+LRESULT CSearchEngineControl::OnHostMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const WNDPROC previous = m_pfnHostProc;
     switch (message) {
     case WM_ERASEBKGND: {
         RECT r;
@@ -993,34 +1161,9 @@ LRESULT CALLBACK CSearchEngineControl::HostWindowProc(HWND hwnd, UINT message, W
         DeleteObject(brush);
         return 1;
     }
-    case WM_PAINT: {
-        PAINTSTRUCT paint;
-        HDC dc = BeginPaint(hwnd, &paint);
-        LOGFONTW description = {};
-        DkhLoadFont(&description);
-        description.lfHeight = 15;
-        description.lfWeight = 500;
-        HFONT font = CreateFontIndirectW(&description);
-        HGDIOBJ old = SelectObject(dc, font);
-        SetBkMode(dc, TRANSPARENT);
-        SetTextColor(dc, DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
-        for (int i = 0; i < m_iControlCount; ++i) {
-            if (!g_button[i])
-                continue;
-            RECT r;
-            GetWindowRect(g_button[i], &r);
-            MapWindowPoints(nullptr, hwnd, reinterpret_cast<POINT*>(&r), 2);
-            // The label stands right of the button's cell, over the edit box.
-            const int buttonWidth = g_box ? g_box->m_iButtonWidth : 50, buttonHeight = g_box ? g_box->m_iButtonHeight : 50;
-            const int cellTop = std::min(r.top, r.bottom) - (buttonHeight - (r.bottom - r.top)) / 2;
-            const std::wstring label = Label(i);
-            TextOutW(dc, buttonWidth + kGap, cellTop + 3, label.c_str(), static_cast<int>(label.size()));
-        }
-        SelectObject(dc, old);
-        DeleteObject(font);
-        EndPaint(hwnd, &paint);
+    case WM_PAINT:
+        PaintHost(hwnd);
         return 0;
-    }
     case WM_NOTIFY: {
         const NMHDR* header = reinterpret_cast<const NMHDR*>(lParam);
         if (header && header->code == EN_SELCHANGE && RowOfEdit(header->hwndFrom) >= 0) {
@@ -1042,12 +1185,15 @@ LRESULT CALLBACK CSearchEngineControl::HostWindowProc(HWND hwnd, UINT message, W
             if (code == EN_CHANGE) {
                 if (m_bDisableChange) {
                     ResizeControl(from, false);
+                } else if (m_bPasting) {
+                    // Ctrl+V, Shift+Insert or a paste message: the host hears undo and paste, the row may grow by
+                    // several lines at once, and the pasted text is searched after the pause.
+                    SendMessageW(hwnd, WM_UNDO, 0, 0);
+                    SendMessageW(hwnd, WM_PASTE, 0, 0);
+                    ResizeControl(from, true);
+                    StartSearchTimer(from, false);
                 } else {
-                    const bool control = GetKeyState(VK_CONTROL) < 0, shift = GetKeyState(VK_SHIFT) < 0;
-                    const bool pasted = (control && GetKeyState('V') < 0) || (shift && GetKeyState(VK_INSERT) < 0);
-                    ResizeControl(from, pasted);
-                    if (pasted)
-                        StartSearchTimer(from, false);
+                    ResizeControl(from, false);
                 }
                 return 0;
             }
@@ -1059,11 +1205,7 @@ LRESULT CALLBACK CSearchEngineControl::HostWindowProc(HWND hwnd, UINT message, W
         break;
     }
     case WM_NCDESTROY:
-        SetWindowLongPtrW(hwnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previous));
-        g_hostProc = nullptr;
-        if (g_host == hwnd)
-            g_host = nullptr;
-        return CallWindowProcW(previous, hwnd, message, wParam, lParam);
+        return LetGo(hwnd, m_pfnHostProc, message, wParam, lParam);
     default:
         break;
     }
@@ -1074,61 +1216,58 @@ LRESULT CALLBACK CSearchEngineControl::HostWindowProc(HWND hwnd, UINT message, W
 
 void CSearchEngineControl::PlaceRow(int row)
 {
-    HWND edit = g_edit[row];
-    if (!edit || !g_host)
+    HWND edit = m_hEditBox[row];
+    HWND host = GetHostWindow();
+    if (!edit || !host)
         return;
-    RECT r;
-    GetWindowRect(edit, &r);
-    MapWindowPoints(nullptr, g_host, reinterpret_cast<POINT*>(&r), 2);
-    SetWindowPos(edit, nullptr, std::min(r.left, r.right), r.top, m_nEditcontrolWidth, CalcEditCtrlHeight(edit),
+    const RECT r = RectIn(edit, host);
+    SetWindowPos(edit, nullptr, r.left, r.top, m_nEditcontrolWidth, CalcEditCtrlHeight(edit),
                  SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void CSearchEngineControl::ResizeControl(HWND edit, bool pasted)
 {
     const int row = RowOfEdit(edit);
-    if (row < 0 || !g_host)
+    HWND host = GetHostWindow();
+    if (row < 0 || !host)
         return;
     int lines = static_cast<int>(SendMessageW(edit, EM_GETLINECOUNT, 0, 0));
-    int gaps[3] = {};
-    auto rectIn = [](HWND w) {
-        RECT r;
-        GetWindowRect(w, &r);
-        MapWindowPoints(nullptr, g_host, reinterpret_cast<POINT*>(&r), 2);
-        if (r.left > r.right)
-            std::swap(r.left, r.right);
-        return r;
-    };
-    for (int i = 1; i < m_iControlCount; ++i)
-        if (g_edit[i] && g_edit[i - 1])
-            gaps[i] = rectIn(g_edit[i]).top - rectIn(g_edit[i - 1]).bottom;
-    if (lines == m_sLineCount[row]) {
-        InvalidateRect(edit, nullptr, FALSE);
-        return;
-    }
     if (pasted && lines > m_sMaxLines)
         lines = m_sMaxLines;
-    if (lines > m_sMaxLines && m_sLineCount[row] == m_sMaxLines) {
-        InvalidateRect(g_host, nullptr, TRUE);
+    // The usual key: the row keeps its height, and the edit box is redrawn; or the row stands at the line
+    // limit and scrolls, and parent and edit box are redrawn. Nothing moves, so of the parent only the edit
+    // box's place can have changed: that is what is redrawn of it. Both are invalidations without erase, which
+    // join the paint that the rich edit box has pending for the key.
+    const bool atLimit = lines > m_sMaxLines && m_sLineCount[row] == m_sMaxLines;
+    if (lines == m_sLineCount[row] || atLimit) {
+        if (atLimit) {
+            const RECT place = RectIn(edit, host);
+            InvalidateRect(host, &place, FALSE);
+        }
         InvalidateRect(edit, nullptr, FALSE);
         return;
     }
+    int gaps[3] = {};
+    for (int i = 1; i < m_iControlCount; ++i)
+        if (m_hEditBox[i] && m_hEditBox[i - 1])
+            gaps[i] = RectIn(m_hEditBox[i], host).top - RectIn(m_hEditBox[i - 1], host).bottom;
     m_sLineCount[row] = static_cast<short>(std::max(1, std::min(lines, static_cast<int>(m_sMaxLines))));
     PlaceRow(row);
     if (m_wndContactListBox && IsWindowVisible(m_wndContactListBox))
         ShowContactListBox(edit);
-    m_nEditcontrolWidth = rectIn(edit).right - rectIn(edit).left;
+    const RECT placed = RectIn(edit, host);
+    m_nEditcontrolWidth = placed.right - placed.left;
     for (int i = row + 1; i < m_iControlCount; ++i) {
-        if (!g_edit[i])
+        if (!m_hEditBox[i])
             continue;
-        const RECT above = rectIn(g_edit[i - 1]);
-        const RECT mine = rectIn(g_edit[i]);
+        const RECT above = RectIn(m_hEditBox[i - 1], host);
+        const RECT mine = RectIn(m_hEditBox[i], host);
         const int top = above.bottom + gaps[i];
-        SetWindowPos(g_edit[i], nullptr, mine.left, top, m_nEditcontrolWidth, CalcEditCtrlHeight(g_edit[i]),
+        SetWindowPos(m_hEditBox[i], nullptr, mine.left, top, m_nEditcontrolWidth, CalcEditCtrlHeight(m_hEditBox[i]),
                      SWP_NOZORDER | SWP_NOACTIVATE);
-        if (g_button[i]) {
-            const RECT button = rectIn(g_button[i]);
-            SetWindowPos(g_button[i], nullptr, button.left, button.top + (top - mine.top), 0, 0,
+        if (HWND button = GetButton(i)) {
+            const RECT r = RectIn(button, host);
+            SetWindowPos(button, nullptr, r.left, r.top + (top - mine.top), 0, 0,
                          SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOSIZE);
         }
     }
@@ -1138,21 +1277,19 @@ void CSearchEngineControl::ResizeControl(HWND edit, bool pasted)
     }
     int bottom = 0;
     for (int i = 0; i < m_iControlCount; ++i) {
-        if (g_edit[i])
-            bottom = std::max(bottom, static_cast<int>(rectIn(g_edit[i]).bottom));
-        if (g_button[i])
-            bottom = std::max(bottom, static_cast<int>(rectIn(g_button[i]).bottom));
+        if (m_hEditBox[i])
+            bottom = std::max(bottom, static_cast<int>(RectIn(m_hEditBox[i], host).bottom));
+        if (GetButton(i))
+            bottom = std::max(bottom, static_cast<int>(RectIn(GetButton(i), host).bottom));
     }
-    RECT host = rectIn(g_host);
-    (void)host;
     RECT hostWindow;
-    GetWindowRect(g_host, &hostWindow);
-    SetWindowPos(g_host, nullptr, 0, 0, hostWindow.right - hostWindow.left, bottom,
+    GetWindowRect(host, &hostWindow);
+    SetWindowPos(host, nullptr, 0, 0, hostWindow.right - hostWindow.left, bottom,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
     const std::vector<ISearchEngineNotify*> listeners = m_pNotify;
     for (ISearchEngineNotify* listener : listeners)
         listener->OnResize();
-    InvalidateRect(g_host, nullptr, TRUE);
+    InvalidateRect(host, nullptr, TRUE);
 }
 
 // ---- Marking ------------------------------------------------------------------------------------------------

@@ -12,12 +12,6 @@ const std::wstring kTemp = L"C:\\Users\\Ann\\AppData\\Local\\Temp\\";
 const std::wstring kMirror = kTemp + L"CFD Temp Folder";
 const std::wstring kRoot = std::wstring(kPhoneFoldersRoot) + L"\\";
 
-TEST(PhonePaths, RootIsTheNamespaceOfThePhones)
-{
-    EXPECT_EQ(std::wstring(kPhoneFoldersRoot).size(), kPhoneFoldersRootLength);
-    EXPECT_EQ(kRoot.size(), 82u);
-}
-
 TEST(PhonePaths, MirrorAndPhonePathsBothWays)
 {
     struct Case {

@@ -33,6 +33,8 @@ protected:
         service.UseStandIns();
         CSearchEngineControl::SetSearchLimit(1);
         CSearchEngineControl::SetAddressFilter(3);
+        // No serials remembered from an earlier test: the cache would answer for phones of that test.
+        CSearchEngineControl::m_vecDeviceSerials.clear();
     }
     void TearDown() override { TerminateAllInterfaces(); }
 

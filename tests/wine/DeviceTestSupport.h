@@ -123,14 +123,13 @@ inline HWND SelectionWindow()
 struct ModalRun {
     long result = 0;
     bool timedOut = false;
-    bool shown = false;
 };
 inline ModalRun RunSelectionWindow(CCSDWrapper& wrapper, const std::function<void(HWND window, HWND list)>& drive,
                                    DWORD timeoutMs = 15000)
 {
     ModalRun run;
     std::atomic<bool> finished{false};
-    std::atomic<bool> timedOut{false}, shown{false};
+    std::atomic<bool> timedOut{false};
     std::thread driver([&] {
         HWND window = nullptr;
         const bool visible = WaitUntil(
@@ -139,10 +138,8 @@ inline ModalRun RunSelectionWindow(CCSDWrapper& wrapper, const std::function<voi
                 return finished || (window && IsWindowVisible(window));
             },
             timeoutMs);
-        if (visible && !finished) {
-            shown = true;
+        if (visible && !finished)
             drive(window, GetDlgItem(window, zcmod::device::kDeviceListId));
-        }
         if (!WaitUntil([&] { return finished.load(); }, timeoutMs)) {
             timedOut = true;
             PostMessageW(SelectionWindow(), zcmod::device::kMsgEndModal, 0, 0);
@@ -152,7 +149,6 @@ inline ModalRun RunSelectionWindow(CCSDWrapper& wrapper, const std::function<voi
     finished = true;
     driver.join();
     run.timedOut = timedOut;
-    run.shown = shown;
     return run;
 }
 

@@ -224,26 +224,23 @@ TEST(ImageStore, SaveBitmapFormatsAndErrors)
     ASSERT_TRUE(MakeSolid(util, BT_IMAGE, 0, 1, 1, 0x0A0B0C));
     EXPECT_RESULT_ERROR(util, util.SaveBitmap(nullptr, BF_BMP, BT_IMAGE, 0), 0, ZBU_BAD_ARG1);
     // JPEG and GIF are refused; an unknown format answers with the rows read. Neither writes anything.
-    for (BitmapFormat refused : {BF_JPEG, BF_GIF}) {
-        EXPECT_RESULT_ERROR(util, util.SaveBitmap(file.c_str(), static_cast<BitmapFormat>(9), BT_IMAGE, 0), 1, ZBU_OK);
+    EXPECT_RESULT_ERROR(util, util.SaveBitmap(file.c_str(), static_cast<BitmapFormat>(9), BT_IMAGE, 0), 1, ZBU_OK);
+    for (BitmapFormat refused : {BF_JPEG, BF_GIF})
         EXPECT_RESULT_ERROR(util, util.SaveBitmap(file.c_str(), refused, BT_IMAGE, 0), 0, ZBU_BAD_FORMAT);
-    }
     EXPECT_EQ(GetFileAttributesW(file.c_str()), INVALID_FILE_ATTRIBUTES);
     util.SetJPEGCompressionFactor(200);
     EXPECT_RESULT_ERROR(util, util.EncodeSaveJPEG(nullptr, nullptr, nullptr), 0, ZBU_BAD_FORMAT);
     util.SetJPEGCompressionFactor(200);
     EXPECT_RESULT_ERROR(util, util.EncodeSaveGIF(nullptr, nullptr, 0), 0, ZBU_BAD_FORMAT);
 
-    // A 1 x 1 BMP is 58 bytes: the header pair and one row padded to 4.
+    // A 1 x 1 BMP is 58 bytes and says so after "BM" (the platform's reader ignores that length).
     const std::wstring bmp = scratch.File(L"one.bmp");
     ASSERT_EQ(util.SaveBitmap(bmp.c_str(), BF_BMP, BT_IMAGE, 0), 58);
-    const std::vector<uint8_t> bytes = ReadBytes(bmp);
-    ASSERT_EQ(bytes.size(), 58u);
-    EXPECT_EQ(std::vector<uint8_t>(bytes.begin(), bytes.begin() + 4), (std::vector<uint8_t>{'B', 'M', 58, 0}));
-    EXPECT_EQ((std::vector<int>{bytes[10], bytes[14], bytes[28]}), (std::vector<int>{54, 40, 24}));
-    EXPECT_EQ(std::vector<uint8_t>(bytes.begin() + 54, bytes.end()), (std::vector<uint8_t>{0x0C, 0x0B, 0x0A, 0}));
-
-    // BMP and PNG round trips are exact at 24 bits; the PNG writer answers with the file's length.
+    std::vector<uint8_t> head = ReadBytes(bmp);
+    head.resize(4);
+    EXPECT_EQ(head, (std::vector<uint8_t>{'B', 'M', 58, 0}));
+    // BMP and PNG round trips are exact at 24 bits (rows padded to 4 in the BMP); the PNG writer answers with the
+    // file's length.
     ASSERT_TRUE(MakeFrame(util, BT_BACKGROUND, 2, 13, 6, Gradient));
     const std::wstring bmp2 = scratch.File(L"grad.bmp");
     const std::wstring png = scratch.File(L"grad.png");

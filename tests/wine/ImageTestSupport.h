@@ -30,9 +30,7 @@ public:
     using CNBitmapUtil::m_nBlendFrame;
     using CNBitmapUtil::m_nBlendSet;
     using CNBitmapUtil::m_pBlendImage;
-    using CNBitmapUtil::MixColors;
     using CNBitmapUtil::PutPixel;
-    using CNBitmapUtil::TestColorMatch;
 };
 
 // A call's result and the error word it leaves in `util`, checked together.

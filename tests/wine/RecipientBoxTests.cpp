@@ -114,7 +114,8 @@ protected:
         // then answers nothing that an earlier test taught it.
         CSearchEngineControl::m_vecDeviceSerials.clear();
         static int phone = 0;
-        AddPhone(L"p" + std::to_wstring(++phone), cards);
+        phoneId = L"p" + std::to_wstring(++phone);
+        AddPhone(phoneId, cards);
     }
     void AddPhone(const std::wstring& id, const std::string& vcards)
     {
@@ -123,7 +124,7 @@ protected:
         std::ofstream(file.c_str(), std::ios::binary) << vcards;
         ASSERT_EQ(phones.Ctl(L"contacts " + id + L" \"" + file + L"\"").exitCode, 0u);
     }
-    static void HideContactList() { CSearchEngineControl::HideContactListBox(1); }
+    void HideContactList() { box->HideContactListBox(1); }
     void TearDown() override
     {
         box.reset();
@@ -154,8 +155,8 @@ protected:
         box = std::make_unique<CSearchEngineControl>(GetModuleHandleW(nullptr));
         RECT where = {10, 10, 420, 10 + rows * 60};
         ASSERT_TRUE(box->Create(nullptr, WS_CHILD | WS_VISIBLE, where, parent, 100, rows));
-        edit = CSearchEngineControl::GetEditBox(0);
-        list = CSearchEngineControl::GetContactListBox();
+        edit = box->GetEditBox(0);
+        list = box->GetContactListBox();
         box->SetFocusToEditBox(0);
         Recorder::Pump(30);
     }
@@ -194,6 +195,7 @@ protected:
     Phones phones;
     std::string cards = Card("Smith", "John", "TEL:555") + Card("Lee", "Ann", "TEL:040123") +
                         Card("Lee", "Ann", "EMAIL:ann@lee.org") + Card("Jones", "Mary Ann", "TEL:777");
+    std::wstring phoneId;
     HWND parent = nullptr;
     HWND edit = nullptr;
     HWND list = nullptr;
@@ -326,8 +328,8 @@ TEST_F(RecipientBox, TheListComesWithoutRewritingAndStaysOnEscape)
 TEST_F(RecipientBox, TabAndShiftTabMoveBetweenRowsAndOut)
 {
     Make(2);
-    HWND edit1 = CSearchEngineControl::GetEditBox(1);
-    HWND button0 = CSearchEngineControl::GetButton(0), button1 = CSearchEngineControl::GetButton(1);
+    HWND edit1 = box->GetEditBox(1);
+    HWND button0 = box->GetButton(0), button1 = box->GetButton(1);
     const struct {
         HWND from;
         bool shift;
@@ -356,7 +358,7 @@ TEST_F(RecipientBox, GrowsWithItsTextUpToTheLineLimit)
     Listener listener;
     box->RegisterNotifyIF(&listener);
     box->RegisterNotifyIF(&listener);  // once only
-    HWND edit1 = CSearchEngineControl::GetEditBox(1);
+    HWND edit1 = box->GetEditBox(1);
     auto height = [](HWND w) {
         RECT r;
         GetWindowRect(w, &r);
@@ -392,7 +394,7 @@ TEST_F(RecipientBox, GrowsWithItsTextUpToTheLineLimit)
     // The host holds the last row, edit box and button.
     RECT last, button;
     GetWindowRect(edit1, &last);
-    GetWindowRect(CSearchEngineControl::GetButton(1), &button);
+    GetWindowRect(box->GetButton(1), &button);
     MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&last), 2);
     MapWindowPoints(nullptr, parent, reinterpret_cast<POINT*>(&button), 2);
     EXPECT_EQ(host.bottom, std::max(last.bottom, button.bottom));
@@ -481,7 +483,7 @@ TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
     for (const auto& c : cases) {
         box->SetText(L"zed; ", 0);
         std::atomic<int> listed{-1}, filtered{-1};
-        std::atomic<bool> done{false};
+        std::atomic<bool> done{false}, emptied{false};
         std::thread driver([&] {
             HWND dialog = nullptr;
             for (int i = 0; i < 500 && !dialog; ++i, Sleep(20))
@@ -497,6 +499,12 @@ TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
                 return;
             HWND contacts = GetDlgItem(dialog, IDC_ZCMOD_RECIPIENTS_LIST);
             listed = static_cast<int>(SendMessageW(contacts, LVM_GETITEMCOUNT, 0, 0));
+            // The phone goes and comes back while the picker is open: the list follows it.
+            auto count = [&] { return static_cast<int>(SendMessageW(contacts, LVM_GETITEMCOUNT, 0, 0)); };
+            phones.Ctl(L"detach " + phoneId);
+            emptied = WaitUntil([&] { return count() == 0; }, 5000);
+            phones.Ctl(L"attach " + phoneId);
+            emptied = emptied && WaitUntil([&] { return count() == 4; }, 5000);
             SendMessageW(GetDlgItem(dialog, IDC_ZCMOD_RECIPIENTS_FILTER), WM_SETTEXT, 0,
                          reinterpret_cast<LPARAM>(L"smi"));
             filtered = static_cast<int>(SendMessageW(contacts, LVM_GETITEMCOUNT, 0, 0));
@@ -513,7 +521,7 @@ TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
             done = true;
         });
         RECT button;
-        GetWindowRect(CSearchEngineControl::GetButton(0), &button);
+        GetWindowRect(box->GetButton(0), &button);
         input::MoveTo({(button.left + button.right) / 2, (button.top + button.bottom) / 2});
         input::LeftDown();
         input::LeftUp();
@@ -521,10 +529,108 @@ TEST_F(RecipientBox, ThePickerAddsCheckedContactsOnOk)
         driver.join();
         Recorder::Pump(50);
         EXPECT_EQ(listed, 4);  // every contact of the phone, one line per number and address, in the user's order
+        EXPECT_TRUE(emptied);
         EXPECT_EQ(filtered, 1);
         EXPECT_EQ(Text(), c.text);
     }
     EXPECT_EQ(Effects(5, 21), static_cast<DWORD>(0));  // cancelled: "zed" alone, nothing underlined
+}
+
+// A paste by either key or by the paste message (an application's Edit menu) brings the clipboard's plain text
+// (not its italic rich text), grows the row up to the line limit and is searched after the pause like typed text.
+TEST_F(RecipientBox, APasteIsPlainTextGrowsTheRowAndIsSearched)
+{
+    Make(2);
+    HWND edit1 = box->GetEditBox(1);
+    auto rect = [](HWND w) {
+        RECT r;
+        GetWindowRect(w, &r);
+        return r;
+    };
+    enum { CtrlV, ShiftInsert, Message };
+    const struct {
+        int how;
+        const char* clip;
+        const wchar_t* searched;  // the text after the pause; null: a text of several lines
+        int lines;                // the row's height in lines
+    } cases[] = {
+        {CtrlV, "smi", L"Smith John <555>", 1},
+        {ShiftInsert, "ann", L"Ann Lee <040123>", 1},
+        {Message, "smi", L"Smith John <555>", 1},
+        {CtrlV, "a\r\nb\r\nc", nullptr, 3},
+        {ShiftInsert, "a\r\nb\r\nc\r\nd\r\ne", nullptr, 3},  // five lines: three shown, scrolled to the caret
+    };
+    int threeLines = 0;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.clip);
+        SetWindowTextW(edit, L"");
+        const std::string rtf = std::string("{\\rtf1\\ansi {\\i ") + c.clip + "}}";
+        const std::wstring plain(c.clip, c.clip + strlen(c.clip));
+        ASSERT_TRUE(OpenClipboard(parent));
+        EmptyClipboard();
+        for (const auto& data : {std::make_pair(RegisterClipboardFormatW(L"Rich Text Format"), rtf),
+                                 std::make_pair(UINT(CF_UNICODETEXT), std::string(reinterpret_cast<const char*>(
+                                     plain.c_str()), (plain.size() + 1) * sizeof(wchar_t)))}) {
+            HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, data.second.size() + 1);
+            memcpy(GlobalLock(memory), data.second.c_str(), data.second.size() + 1);
+            GlobalUnlock(memory);
+            SetClipboardData(data.first, memory);
+        }
+        CloseClipboard();
+        const RECT before = rect(edit1);
+        const LONG gap = before.top - rect(edit).bottom;
+        if (c.how == Message) {
+            SendMessageW(edit, WM_PASTE, 0, 0);
+        } else if (c.how == ShiftInsert) {
+            input::Press(VK_INSERT, true);
+        } else {
+            input::Key(VK_CONTROL, false);
+            input::Press('V');
+            input::Key(VK_CONTROL, true);
+        }
+        Recorder::Pump(60);
+        EXPECT_EQ(SendMessageW(edit, EM_GETLINECOUNT, 0, 0), static_cast<LRESULT>(std::count(plain.begin(), plain.end(), L'\n') + 1));
+        EXPECT_EQ(Effects(0, 1), 0u);  // the plain text, not the italic one
+        EXPECT_EQ(rect(edit1).top - rect(edit).bottom, gap);  // the row below keeps its distance
+        if (c.lines == 3) {
+            const int height = rect(edit).bottom - rect(edit).top;
+            EXPECT_TRUE(threeLines == 0 || height == threeLines);
+            threeLines = height;
+            EXPECT_EQ(SendMessageW(edit, EM_GETFIRSTVISIBLELINE, 0, 0) > 0, plain.size() > 7);
+        }
+        if (c.searched) {
+            EXPECT_EQ(Text(), plain);
+            WaitForSearch();
+            EXPECT_EQ(Text(), c.searched);
+            HideContactList();
+        }
+    }
+}
+
+// Two boxes in one window: each has its own rows, list and completion, and one outlives the other.
+TEST_F(RecipientBox, TwoBoxesInOneWindowWorkApart)
+{
+    Make();
+    auto other = std::make_unique<CSearchEngineControl>(GetModuleHandleW(nullptr));
+    RECT where = {10, 200, 420, 260};
+    ASSERT_TRUE(other->Create(nullptr, WS_CHILD | WS_VISIBLE, where, parent, 101, 1));
+    ASSERT_NE(other->GetEditBox(0), edit);
+    ASSERT_NE(other->GetContactListBox(), list);
+    other->SetFocusToEditBox(0);
+    Type(L"ann");
+    WaitForSearch();
+    wchar_t text[64] = {};
+    other->GetText(text, 0);
+    EXPECT_STREQ(text, L"Ann Lee <040123>");
+    EXPECT_TRUE(IsWindowVisible(other->GetContactListBox()));
+    EXPECT_FALSE(ListShown());
+    EXPECT_EQ(Text(), L"");
+    EXPECT_EQ(other->HasFocus(), 1);
+    EXPECT_EQ(box->HasFocus(), 0);
+    other.reset();
+    box->SetFocusToEditBox(0);
+    Type(L"smi;");
+    EXPECT_EQ(Text(), L"Smith John <555>;");
 }
 
 // One known, one unknown and one malformed recipient: underlined, plain, in italics; the theme's colours; the
