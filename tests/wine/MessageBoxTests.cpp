@@ -33,8 +33,8 @@ namespace {
 // What the helper thread saw of a box, in the box's client coordinates (as its layout reads them).
 struct Seen {
     HWND box = nullptr;
-    RECT window = {}, client = {}, text = {}, icon = {};
-    std::map<UINT, RECT> buttons;  // live buttons by id
+    RECT window = {}, client = {}, text = {}, icon = {}, row = {};
+    std::map<UINT, RECT> buttons;  // live buttons by id; `row` holds them all
     std::map<UINT, std::wstring> buttonTexts;
     std::wstring message, title;
     LONG_PTR exStyle = 0, textExStyle = 0;
@@ -88,6 +88,7 @@ Seen Look(HWND box)
         const UINT id = GetDlgCtrlID(child);
         if (lstrcmpiW(cls, L"Button") == 0 && (id == IDOK || id == IDCANCEL || id == IDYES || id == IDNO)) {
             s.buttons[id] = ClientRectOf(child, box);
+            UnionRect(&s.row, &s.row, &s.buttons[id]);
             GetWindowTextW(child, buffer, 2048);
             s.buttonTexts[id] = buffer;
         } else if (lstrcmpiW(cls, L"Static") == 0 && id == 0) {
@@ -398,14 +399,10 @@ TEST_F(MessageBoxes, CommonLayoutFollowsTheMeasuredTitleAndText)
         const int bw = Width(first), bh = Height(first);
         EXPECT_EQ(bw, 32);
         // The row: right-aligned, 5 apart, one pixel above the bottom.
-        int left = s.client.right, right = 0;
-        for (const auto& b : s.buttons) {
-            left = std::min<int>(left, b.second.left);
-            right = std::max<int>(right, b.second.right);
-            EXPECT_EQ(b.second.top, s.client.bottom - bh - 1);
-        }
-        EXPECT_EQ(left, s.client.right - n * bw - (15 + 5 * n));
-        EXPECT_EQ(right - left, n * bw + (n - 1) * 5);
+        EXPECT_EQ(s.row.bottom, s.client.bottom - 1);
+        EXPECT_EQ(Height(s.row), bh);
+        EXPECT_EQ(s.row.left, s.client.right - n * bw - (15 + 5 * n));
+        EXPECT_EQ(Width(s.row), n * bw + (n - 1) * 5);
         // The text: below the 30-pixel caption, from the margin or past the icon, to the right edge.
         EXPECT_EQ(s.text.top, 21 + 30);
         EXPECT_EQ(s.text.left, icon ? GetSystemMetrics(SM_CXICON) + 42 : 21);
@@ -464,14 +461,11 @@ TEST_F(MessageBoxes, OlderLayoutCentresTheRowUnderTheText)
         const RECT first = s.buttons.begin()->second;
         const int bw = Width(first), bh = Height(first);
         EXPECT_EQ(bh, 20);  // sized to the skin's pieces
-        int left = s.client.right, right = 0;
-        for (const auto& b : s.buttons) {
-            left = std::min<int>(left, b.second.left);
-            right = std::max<int>(right, b.second.right);
-            EXPECT_EQ(b.second.top, s.client.bottom - bh - 10);
-        }
-        EXPECT_EQ(right - left, n * bw + (n - 1) * 5);
-        EXPECT_EQ(left, (s.client.right - n * bw - (n - 1) * 5) / 2);
+        // The row: centred, 5 apart, ten pixels above the bottom.
+        EXPECT_EQ(s.row.bottom, s.client.bottom - 10);
+        EXPECT_EQ(Height(s.row), bh);
+        EXPECT_EQ(Width(s.row), n * bw + (n - 1) * 5);
+        EXPECT_EQ(s.row.left, (s.client.right - n * bw - (n - 1) * 5) / 2);
         EXPECT_EQ(s.text.left, (c.type & 0xF0) == MB_USERICON ? 16 + 42 : 21);
         EXPECT_EQ(s.text.top, 21);
         EXPECT_EQ(s.text.right, s.client.right);
