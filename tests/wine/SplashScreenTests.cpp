@@ -42,10 +42,7 @@ Calls g_calls;
 
 uint32_t ScreenPixel(POINT at)
 {
-    HDC screen = GetDC(nullptr);
-    const COLORREF c = GetPixel(screen, at.x, at.y);
-    ReleaseDC(nullptr, screen);
-    return (GetRValue(c) << 16) | (GetGValue(c) << 8) | GetBValue(c);
+    return testskin::CaptureScreen(RECT{at.x, at.y, at.x + 1, at.y + 1}).At(0, 0);
 }
 
 decltype(&SetLayeredWindowAttributes) g_realSetLayered;
@@ -59,12 +56,7 @@ BOOL WINAPI WatchSetLayered(HWND hwnd, COLORREF key, BYTE alpha, DWORD flags)
     if (g_calls.watch.x >= 0) {
         // The platform brings a window's pixels to the screen when its thread looks at its messages.
         UpdateWindow(hwnd);
-        for (int i = 0; i < 6; ++i) {
-            MSG msg;
-            while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-                DispatchMessageW(&msg);
-            Sleep(10);
-        }
+        msgseq::Recorder::Pump(60);
         g_calls.screenAtAlpha.push_back(ScreenPixel(g_calls.watch));
     }
     return result;
@@ -417,8 +409,7 @@ TEST_F(FaderTest, AlphaStepsAndWaits)
         EXPECT_EQ(g_calls.sleeps, c.sleeps);
         // On a compositor the screen shows the window's colour blended over the desktop by each alpha; on
         // Xvfb, which has none, the window's own colour from the first step on. Never the bare desktop then.
-        const COLORREF f = GetSysColor(COLOR_BTNFACE);
-        const uint32_t face = (GetRValue(f) << 16) | (GetGValue(f) << 8) | GetBValue(f);
+        const uint32_t face = testskin::Rgb(GetSysColor(COLOR_BTNFACE));
         for (size_t i = 0; i < g_calls.screenAtAlpha.size(); ++i) {
             const uint32_t seen = g_calls.screenAtAlpha[i];
             EXPECT_TRUE(seen == face || Near(seen, Blend(face, desktop, g_calls.alphas[i]), 3))
