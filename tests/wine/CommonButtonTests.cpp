@@ -48,7 +48,13 @@ uint32_t PixelOf(CVuikBitmap* bitmap, int x, int y)
 
 class CommonCheckButtons : public ::testing::Test {
 protected:
-    void SetUp() override { UseTheme(L"Default"); }
+    void SetUp() override
+    {
+        UseTheme(L"Default");
+        m_parent = m_rec.CreateParent("parent", RECT{100, 100, 420, 300});
+        SetForegroundWindow(m_parent);
+        Recorder::Pump(20);
+    }
     void TearDown() override
     {
         input::LeftUp();
@@ -60,16 +66,6 @@ protected:
     {
         m_registry.SetMachineTheme(theme);
         ASSERT_TRUE(ZCMOD_GetCommonZGR()) << "the theme module " << theme;
-    }
-    HWND Parent(DWORD exStyle = 0)
-    {
-        if (m_parent)
-            DestroyWindow(m_parent);
-        m_parent = m_rec.CreateParent("parent", RECT{100, 100, 420, 300});
-        SetWindowLongW(m_parent, GWL_EXSTYLE, GetWindowLongW(m_parent, GWL_EXSTYLE) | exStyle);
-        SetForegroundWindow(m_parent);
-        Recorder::Pump(20);
-        return m_parent;
     }
     // A dialog-like button of the platform's, to be taken over.
     HWND Native(const wchar_t* text, DWORD style, RECT r, UINT id = 50, bool visible = true)
@@ -89,7 +85,6 @@ protected:
 // button looks at rest, and disabled wins over every flag.
 TEST_F(CommonCheckButtons, CommonButtonStatesFollowInput)
 {
-    Parent();
     CVuikCommonButtonCtrl button;
     HWND hwnd = button.Create(m_parent, RECT{20, 20, 60, 60}, 7, WS_CHILD | WS_VISIBLE, 0, CommonButtonMedium);
     ASSERT_TRUE(hwnd);
@@ -129,7 +124,6 @@ TEST_F(CommonCheckButtons, CommonButtonStatesFollowInput)
 // told not to (the left piece's white corner shows which way it faces).
 TEST_F(CommonCheckButtons, CommonButtonSizesAndIcons)
 {
-    Parent();
     for (auto [size, pixels] : {std::make_pair(CommonButtonSmall, 24), std::make_pair(CommonButtonMedium, 32),
                                 std::make_pair(CommonButtonLarge, 40)}) {
         SCOPED_TRACE(pixels);
@@ -174,7 +168,6 @@ TEST_F(CommonCheckButtons, CommonButtonSizesAndIcons)
 // window holds none, and it goes back into the window when the control lets go.
 TEST_F(CommonCheckButtons, CommonButtonKeepsTheWindowText)
 {
-    Parent();
     HWND hwnd = Native(L"Close window", BS_PUSHBUTTON | BS_AUTORADIOBUTTON, RECT{10, 10, 90, 40});
     wchar_t text[64] = {};
     {
@@ -201,7 +194,6 @@ TEST_F(CommonCheckButtons, CommonButtonKeepsTheWindowText)
 // wraps and the button grows by its measuring.
 TEST_F(CommonCheckButtons, CheckButtonStylesFocusAndSizing)
 {
-    Parent();
     const struct {
         DWORD style;
         UINT firstId;
@@ -246,7 +238,6 @@ TEST_F(CommonCheckButtons, CheckButtonStylesFocusAndSizing)
 // mark loads turned so that the buffer's turn gives it back as drawn, and then turns it with everything else.
 TEST_F(CommonCheckButtons, CheckButtonMirrorsWhole)
 {
-    Parent();
     Capture shown[2];
     for (DWORD layout : {0u, 1u}) {
         CVuikLib::SetLayout(layout);
@@ -264,6 +255,7 @@ TEST_F(CommonCheckButtons, CheckButtonMirrorsWhole)
 // Every look of both families, in both themes and layouts, against reviewed pictures.
 TEST_F(CommonCheckButtons, Golden)
 {
+    DestroyWindow(m_parent);
     for (const wchar_t* theme : {L"Default", L"Graphite"})
         for (DWORD layout : {0u, 1u}) {
             UseTheme(theme);
@@ -312,7 +304,6 @@ TEST_F(CommonCheckButtons, Golden)
 // holds the theme's shared pictures, as an application's other buttons would.
 TEST_F(CommonCheckButtons, HandleHygiene)
 {
-    Parent();
     zcmod_test::HandleCounter counter;
     CVuikCommonButtonCtrl common;
     HWND hc = common.Create(m_parent, RECT{10, 10, 40, 40}, 1, WS_CHILD, 0, CommonButtonSmall);
