@@ -1,5 +1,6 @@
 // Holds the fast pixel arithmetic against its reference: every form of the byte blend, and the fast dithering
 // resize, on buffers, sizes and rectangles taken from the input. Any difference aborts.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -76,11 +77,19 @@ void CheckResize(Reader& in)
             t[i] = static_cast<uint8_t>(i * 131 + 17);
         return t;
     }();
-    ResizeDitherPixels(source, fast, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor, noiseBase, table.data());
     ResizeDitherPixelsReference(source, reference, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor, noiseBase,
                                 table.data());
-    if (fastBytes != referenceBytes)
-        abort();
+    // Every form, and the one the processor chooses, must give the reference's bytes.
+    static const std::vector<ResizeForm> forms = ResizeDitherForms();
+    for (size_t k = 0; k <= forms.size(); ++k) {
+        std::fill(fastBytes.begin(), fastBytes.end(), 0x33);
+        if (k < forms.size())
+            forms[k].resize(source, fast, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor, noiseBase, table.data());
+        else
+            ResizeDitherPixels(source, fast, srcX, srcY, srcW, srcH, dstW, dstH, edgeDivisor, noiseBase, table.data());
+        if (fastBytes != referenceBytes)
+            abort();
+    }
 }
 
 }  // namespace

@@ -24,6 +24,8 @@ struct BlendForm {
                   size_t count);
 };
 std::vector<BlendForm> BlendForms();
+// Whether this processor (and its system) runs AVX2 code.
+bool ProcessorHasAvx2();
 
 // Each of three bytes (b * (100 - percent) + a * percent) / 100; top byte zero.
 uint32_t MixColors(uint32_t a, uint32_t b, int percent);
@@ -66,5 +68,12 @@ void ResizeDitherPixels(const PixelView& source, PixelView& destination, int src
 void ResizeDitherPixelsReference(const PixelView& source, PixelView& destination, int srcX, int srcY, int srcW,
                                  int srcH, int dstW, int dstH, int edgeDivisor, int noiseBase,
                                  const uint8_t* noiseTable);
+// Every form of the resize that runs on this processor, the reference first, for tests and the fuzzer.
+struct ResizeForm {
+    const char* name;
+    void (*resize)(const PixelView& source, PixelView& destination, int srcX, int srcY, int srcW, int srcH, int dstW,
+                   int dstH, int edgeDivisor, int noiseBase, const uint8_t* noiseTable);
+};
+std::vector<ResizeForm> ResizeDitherForms();
 
 }  // namespace zcmod

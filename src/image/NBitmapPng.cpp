@@ -3,7 +3,9 @@
 #include <cstdio>
 #include <cstring>
 #include <new>
+#include <vector>
 
+#include "frame/Handles.h"
 #include "image/NBitmapInternal.h"
 #include "image/core/PngCodec.h"
 #include "zcmod/NBitmapUtil.h"
@@ -13,6 +15,45 @@ using namespace zcmod;
 namespace {
 
 const unsigned char kPngSignature[8] = {0x89, 0x50, 0x4E, 0x47, 0x0D, 0x0A, 0x1A, 0x0A};
+
+// A frame made before the decode, into whose memory the rows of an 8-bit RGB file are read directly: the
+// section is bottom-up, so file row y is its scan line height - 1 - y. This is the frame CreateBitmapFromData
+// would make from the decoded pixels, without the pixels' copy in between.
+class SectionRows : public PngRowTarget {
+public:
+    uint8_t* const* Rows(int width, int height) override
+    {
+        int stride = 0;
+        int size = 0;
+        if (!FrameGeometry(width, height, stride, size))
+            return nullptr;
+        void* bits = nullptr;
+        m_section.Reset(CreateSection24(width, height, &bits));
+        if (!m_section || !bits) {
+            m_section.Reset(nullptr);
+            return nullptr;
+        }
+        GdiFlush();
+        m_rows.resize(static_cast<size_t>(height));
+        for (int y = 0; y < height; ++y)
+            m_rows[static_cast<size_t>(y)] = static_cast<uint8_t*>(bits) + static_cast<size_t>(height - 1 - y) * stride;
+        m_width = width;
+        m_height = height;
+        return m_rows.data();
+    }
+
+    // The frame, when the rows went into it and it has this geometry; the caller owns it then.
+    HBITMAP Take(int width, int height)
+    {
+        return width == m_width && height == m_height ? m_section.Release() : nullptr;
+    }
+
+private:
+    BitmapHandle m_section;
+    std::vector<uint8_t*> m_rows;
+    int m_width = 0;
+    int m_height = 0;
+};
 
 }  // namespace
 
@@ -30,6 +71,8 @@ HBITMAP CNBitmapUtil::LoadPNGFile(const wchar_t* file, BitmapType type, int inde
     PngImage* image = new (std::nothrow) PngImage;
     HBITMAP frame = nullptr;
     if (image) {
+        SectionRows section;
+        image->target = &section;
         PngStatus status = PngStatus::LibraryFailed;
         try {
             status = DecodePngFile(f, *image);
@@ -55,6 +98,8 @@ HBITMAP CNBitmapUtil::LoadPNGFromMem(unsigned char* data, ULONGLONG size, Bitmap
     PngImage* image = new (std::nothrow) PngImage;
     if (!image)
         return SetError(ZBU_PNG_FAILED, nullptr);
+    SectionRows section;
+    image->target = &section;
     PngStatus status = PngStatus::LibraryFailed;
     try {
         status = DecodePngMemory(data, static_cast<size_t>(size), *image);
@@ -86,6 +131,22 @@ HBITMAP CNBitmapUtil::LoadPNG(int status, PngImage* image, BitmapType type, int 
     if (!record || !IsFrameIndex(index))
         return nullptr;
     const size_t expected = static_cast<size_t>(image->width) * static_cast<size_t>(image->height) * 3;
+    if (image->inTarget && image->target) {
+        // The rows are in a frame already: it takes the place CreateBitmapFromData would give a new one.
+        auto* rows = dynamic_cast<SectionRows*>(image->target);
+        HBITMAP made = rows ? rows->Take(image->width, image->height) : nullptr;
+        BITMAPINFO* info = made ? NewInfo24(image->width, image->height) : nullptr;
+        if (!info) {
+            if (made)
+                DeleteObject(made);
+            return nullptr;
+        }
+        if (record->m_hBitmap[index] && record->m_hBitmap[index] != made)
+            DeleteObject(record->m_hBitmap[index]);
+        record->m_hBitmap[index] = made;
+        AdoptInfo(record, info);
+        return made;
+    }
     if (image->pixels.size() < expected)
         return nullptr;
     HBITMAP frame = nullptr;

@@ -285,50 +285,78 @@ TEST(PixelMath, EveryBlendFormEqualsTheReference)
     AlphaBlendBytes(nullptr, one, one, untouched, 1);
     AlphaBlendBytes(one, one, one, nullptr, 1);
     EXPECT_EQ(untouched[0], 42);
-    // Every image and alpha byte over six backgrounds, through each form, against the formula written out:
-    // (image * (255 - alpha) + background * alpha) >> 8, so that 255 comes out 254 for every alpha.
-    Bytes image, alpha, background;
+    // Every image, alpha and background byte (all 2^24 triples), through each form, against the formula written
+    // out: (image * (255 - alpha) + background * alpha) >> 8, so that 255 comes out 254 for every alpha.
+    Bytes image, alpha;
     for (int i = 0; i < 256; ++i)
-        for (int a = 0; a < 256; ++a)
-            for (int b : {0, 1, 127, 128, 254, 255}) {
-                image.push_back(static_cast<uint8_t>(i));
-                alpha.push_back(static_cast<uint8_t>(a));
-                background.push_back(static_cast<uint8_t>(b));
-            }
-    for (const BlendForm& form : forms) {
-        Bytes result(image.size());
-        form.blend(image.data(), alpha.data(), background.data(), result.data(), image.size());
-        for (size_t k = 0; k < result.size(); ++k)
-            ASSERT_EQ(result[k], (image[k] * (255u - alpha[k]) + background[k] * alpha[k]) >> 8)
-                << form.name << " at " << k;
+        for (int a = 0; a < 256; ++a) {
+            image.push_back(static_cast<uint8_t>(i));
+            alpha.push_back(static_cast<uint8_t>(a));
+        }
+    for (int b = 0; b < 256; ++b) {
+        const Bytes background(image.size(), static_cast<uint8_t>(b));
+        for (const BlendForm& form : forms) {
+            Bytes result(image.size());
+            form.blend(image.data(), alpha.data(), background.data(), result.data(), image.size());
+            for (size_t k = 0; k < result.size(); ++k)
+                if (result[k] != (image[k] * (255u - alpha[k]) + static_cast<unsigned>(b) * alpha[k]) >> 8)
+                    FAIL() << form.name << ": image " << int(image[k]) << " alpha " << int(alpha[k])
+                           << " background " << b << " gives " << int(result[k]);
+        }
     }
 }
 
 TEST(ResizeDither, FastFormEqualsTheReferenceOnRandomPictures)
 {
     // Random sizes (1 pixel, odd widths, strides with and without padding), rectangles inside and past the
-    // edges, up- and down-scaling, with and without noise.
+    // edges, up- and down-scaling, with and without noise, through every form. Destinations reach several
+    // 16-pixel blocks with a tail, and small or negative edge divisors and large noise bases give fade factors
+    // beyond 16 bits.
     std::mt19937 random(11);
     const Bytes table = RandomTable(5);
+    const std::vector<ResizeForm> forms = ResizeDitherForms();
     for (int round = 0; round < 300; ++round) {
         const int sw = 1 + static_cast<int>(random() % 23), sh = 1 + static_cast<int>(random() % 17);
         Image src(sw, sh, sw * 3 + static_cast<int>(random() % 5));
         src.bytes = RandomBytes(random, src.bytes.size());
-        const int dw = 1 + static_cast<int>(random() % 31), dh = 1 + static_cast<int>(random() % 19);
+        const int dw = 1 + static_cast<int>(random() % (round % 2 ? 70 : 31)), dh = 1 + static_cast<int>(random() % 19);
         // Destinations a little larger or smaller than the scale's size, with tight or padded rows.
         const int vw = dw + static_cast<int>(random() % 5) - 2, vh = dh + static_cast<int>(random() % 5) - 2;
         const int stride = (vw > 0 ? vw : 1) * 3 + static_cast<int>(random() % 5);
         const int sx = static_cast<int>(random() % (sw + 2)) - 1, sy = static_cast<int>(random() % (sh + 2)) - 1;
         const int rw = static_cast<int>(random() % (sw + 3)), rh = static_cast<int>(random() % (sh + 3));
         const int divisor = random() % 3 == 0 ? 0 : static_cast<int>(random() % 9) - 2;
-        const int noise = static_cast<int>(random() % 600) - 100;
-        Image fast(vw > 0 ? vw : 0, vh > 0 ? vh : 0, stride, 0x33);
-        Image reference = fast;
-        PixelView fastView = fast.View(), referenceView = reference.View();
-        ResizeDitherPixels(src.View(), fastView, sx, sy, rw, rh, dw, dh, divisor, noise, table.data());
+        const int noise = random() % 7 == 0 ? (1 << 24) + 300 - static_cast<int>(random() % 600)
+                                            : static_cast<int>(random() % 600) - 100;
+        Image reference(vw > 0 ? vw : 0, vh > 0 ? vh : 0, stride, 0x33);
+        PixelView referenceView = reference.View();
         ResizeDitherPixelsReference(src.View(), referenceView, sx, sy, rw, rh, dw, dh, divisor, noise, table.data());
-        ASSERT_EQ(fast.bytes, reference.bytes) << "round " << round << ": " << sw << "x" << sh << " (" << sx << ", "
-                                               << sy << ", " << rw << ", " << rh << ") to " << dw << "x" << dh
-                                               << " in " << vw << "x" << vh << ", divisor " << divisor;
+        for (const ResizeForm& form : forms) {
+            Image fast(vw > 0 ? vw : 0, vh > 0 ? vh : 0, stride, 0x33);
+            PixelView fastView = fast.View();
+            form.resize(src.View(), fastView, sx, sy, rw, rh, dw, dh, divisor, noise, table.data());
+            ASSERT_EQ(fast.bytes, reference.bytes)
+                << form.name << ", round " << round << ": " << sw << "x" << sh << " (" << sx << ", " << sy << ", "
+                << rw << ", " << rh << ") to " << dw << "x" << dh << " in " << vw << "x" << vh << ", divisor "
+                << divisor << ", noise base " << noise;
+        }
+    }
+    // Pictures large enough that the noise index wraps: inside a block (301 wide), and at the end of a block
+    // and of a row (256 wide, 512 entries a row); the chosen form too.
+    Image src(97, 61);
+    src.bytes = RandomBytes(random, src.bytes.size());
+    for (const int width : {301, 256}) {
+        Image reference(width, 260, 0, 0x33);
+        PixelView referenceView = reference.View();
+        ResizeDitherPixelsReference(src.View(), referenceView, 0, 0, 96, 60, width, 260, 4, 200, table.data());
+        for (const ResizeForm& form : forms) {
+            Image fast(width, 260, 0, 0x33);
+            PixelView fastView = fast.View();
+            form.resize(src.View(), fastView, 0, 0, 96, 60, width, 260, 4, 200, table.data());
+            EXPECT_EQ(fast.bytes, reference.bytes) << form.name << ", " << width << " wide";
+        }
+        Image chosen(width, 260, 0, 0x33);
+        chosen.Resize(src, 0, 0, 96, 60, width, 260, 4, 200, table.data());
+        EXPECT_EQ(chosen.bytes, reference.bytes) << width << " wide";
     }
 }

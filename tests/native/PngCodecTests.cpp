@@ -76,6 +76,41 @@ PngStatus DecodeBytes(const Bytes& bytes, PngImage& image)
     return DecodePngMemory(bytes.data(), bytes.size(), image);
 }
 
+// Rows in a buffer of the test's, bottom-up with a padding byte after each row as a frame lays them out, or none
+// when refusing.
+struct RowsInBuffer : PngRowTarget {
+    bool refuse = false;
+    int calls = 0;
+    int width = 0;
+    int height = 0;
+    Bytes buffer;
+    std::vector<uint8_t*> rows;
+
+    uint8_t* const* Rows(int w, int h) override
+    {
+        ++calls;
+        if (refuse)
+            return nullptr;
+        width = w, height = h;
+        buffer.assign(static_cast<size_t>(w * 3 + 1) * h, 0xEE);
+        rows.resize(static_cast<size_t>(h));
+        for (int y = 0; y < h; ++y)
+            rows[static_cast<size_t>(y)] = buffer.data() + static_cast<size_t>(h - 1 - y) * (w * 3 + 1);
+        return rows.data();
+    }
+    // The rows in the file's order without their padding, which must be untouched.
+    Bytes Tight() const
+    {
+        Bytes tight;
+        for (int y = 0; y < height; ++y) {
+            const uint8_t* row = rows[static_cast<size_t>(y)];
+            tight.insert(tight.end(), row, row + width * 3);
+            EXPECT_EQ(row[width * 3], 0xEE) << "padding of row " << y;
+        }
+        return tight;
+    }
+};
+
 }  // namespace
 
 TEST(PngSuite, EveryFileFollowsTheDepthTable)
@@ -104,6 +139,28 @@ TEST(PngSuite, EveryFileFollowsTheDepthTable)
         EXPECT_EQ(DecodeFile(SuiteFile(name), fromFile), status);
         EXPECT_EQ(fromFile.pixels, image.pixels);
         EXPECT_EQ(fromFile.plane, image.plane);
+        // With rows of the caller's: 8-bit RGB (interlaced too) goes into them with the same bytes, from a file
+        // and from memory; every other layout, and a caller who gives no rows, gets `pixels` as before.
+        RowsInBuffer target, refusing, fileTarget;
+        refusing.refuse = true;
+        PngImage placed, refused, placedFromFile;
+        placed.target = &target, refused.target = &refusing, placedFromFile.target = &fileTarget;
+        EXPECT_EQ(DecodeBytes(ReadFileBytes(SuiteFile(name)), placed), status);
+        EXPECT_EQ(DecodeBytes(ReadFileBytes(SuiteFile(name)), refused), status);
+        EXPECT_EQ(DecodeFile(SuiteFile(name), placedFromFile), status);
+        EXPECT_EQ(refused.pixels, image.pixels);
+        if (colorType == 2 && depth == 8) {
+            EXPECT_TRUE(placed.inTarget && placedFromFile.inTarget && !refused.inTarget);
+            EXPECT_TRUE(placed.pixels.empty());
+            EXPECT_EQ(target.Tight(), image.pixels);
+            EXPECT_EQ(fileTarget.Tight(), image.pixels);
+            EXPECT_EQ(refusing.calls, 1);
+        } else {
+            EXPECT_FALSE(placed.inTarget);
+            EXPECT_EQ(placed.pixels, image.pixels);
+            EXPECT_EQ(placed.plane, image.plane);
+            EXPECT_EQ(target.calls + refusing.calls + fileTarget.calls, 0);
+        }
         EXPECT_EQ(image.bytesPerPixel, b);
         if (b < 1) {
             EXPECT_EQ(status, PngStatus::TooShallow);
@@ -168,6 +225,18 @@ TEST(PngMemory, SignatureAndTruncation)
     Bytes damaged = full;
     damaged[damaged.size() - 30] ^= 0x55;
     EXPECT_EQ(DecodeBytes(damaged, image), PngStatus::LibraryFailed);
+    // So does every cut of an 8-bit RGB file decoded into rows of the caller's, and the image says so.
+    const Bytes rgb = ReadFileBytes(SuiteFile("basn2c08.png"));
+    RowsInBuffer target;
+    for (size_t cut = 40; cut < rgb.size(); cut += 97) {
+        PngImage placed;
+        placed.target = &target;
+        EXPECT_EQ(DecodeBytes(Bytes(rgb.begin(), rgb.begin() + static_cast<std::ptrdiff_t>(cut)), placed),
+                  PngStatus::LibraryFailed)
+            << cut;
+        EXPECT_FALSE(placed.inTarget);
+        EXPECT_EQ(placed.target, &target);
+    }
 }
 
 TEST(PngWrite, RgbFileFromBottomUpRows)

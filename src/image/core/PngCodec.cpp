@@ -123,21 +123,17 @@ void ConvertRows(png_bytepp rows, png_colorp palette, int paletteCount, bool has
     }
 }
 
-// The common back end once the structures exist and the input is set up. Returns the status and fills
-// `image`. No object with a destructor is live in this function: the library leaves it by longjmp.
-PngStatus ReadPng(png_structp png, png_infop info, PngImage& image)
+// Whether the first bytes of a file (signature included) name an 8-bit RGB image in their header chunk.
+bool HeaderIsRgb8(const uint8_t* head, size_t headSize)
 {
-    if (setjmp(png_jmpbuf(png)))
-        return PngStatus::LibraryFailed;
-    png_set_sig_bytes(png, 8);
-    png_set_user_limits(png, kMaxDimension, kMaxDimension);
-    // libpng turns RGB and RGBA samples to blue, green, red order while it reads the rows, which spares the
-    // conversion a pass; it leaves grey and palette images alone.
-    png_read_png(png, info, PNG_TRANSFORM_BGR, nullptr);
+    return headSize >= 26 && std::memcmp(head + 12, "IHDR", 4) == 0 && head[24] == 8 && head[25] == 2;
+}
+
+// The layout the library read, and the conversion of its rows into `image`.
+PngStatus TakeRows(png_structp png, png_infop info, png_bytepp rows, PngImage& image)
+{
     const int colourType = png_get_color_type(png, info);
     const bool bgr = colourType == PNG_COLOR_TYPE_RGB || colourType == PNG_COLOR_TYPE_RGB_ALPHA;
-
-    png_bytepp rows = png_get_rows(png, info);
     const png_uint_32 width = png_get_image_width(png, info);
     const png_uint_32 height = png_get_image_height(png, info);
     const int depth = png_get_bit_depth(png, info) * png_get_channels(png, info);
@@ -163,6 +159,64 @@ PngStatus ReadPng(png_structp png, png_infop info, PngImage& image)
     return PngStatus::Ok;
 }
 
+// The common back end once the structures exist and the input is set up. Returns the status and fills
+// `image`. No object with a destructor is live in this function: the library leaves it by longjmp.
+// `rgb8`: the header names an 8-bit RGB image, whose rows may go straight into the image's target.
+PngStatus ReadPng(png_structp png, png_infop info, bool rgb8, PngImage& image)
+{
+    if (setjmp(png_jmpbuf(png)))
+        return PngStatus::LibraryFailed;
+    png_set_sig_bytes(png, 8);
+    png_set_user_limits(png, kMaxDimension, kMaxDimension);
+    if (!rgb8 || !image.target) {
+        // libpng turns RGB and RGBA samples to blue, green, red order while it reads the rows, which spares the
+        // conversion a pass; it leaves grey and palette images alone.
+        png_read_png(png, info, PNG_TRANSFORM_BGR, nullptr);
+        return TakeRows(png, info, png_get_rows(png, info), image);
+    }
+    // The steps of png_read_png with the same transform, the rows being the target's where it gives them.
+    png_read_info(png, info);
+    png_set_bgr(png);
+    (void)png_set_interlace_handling(png);
+    png_read_update_info(png, info);
+    const png_uint_32 width = png_get_image_width(png, info);
+    const png_uint_32 height = png_get_image_height(png, info);
+    uint8_t* const* targetRows = nullptr;
+    if (png_get_color_type(png, info) == PNG_COLOR_TYPE_RGB && png_get_bit_depth(png, info) == 8 &&
+        png_get_rowbytes(png, info) == static_cast<size_t>(width) * 3)
+        targetRows = image.target->Rows(static_cast<int>(width), static_cast<int>(height));
+    if (targetRows) {
+        png_read_image(png, const_cast<png_bytepp>(targetRows));
+        png_read_end(png, info);
+        image.width = static_cast<int>(width);
+        image.height = static_cast<int>(height);
+        image.bytesPerPixel = 3;
+        image.pixels.clear();
+        image.plane.clear();
+        image.inTarget = true;
+        return PngStatus::Ok;
+    }
+    // Rows of the library's own, freed with its structures, as png_read_png makes them.
+    png_bytepp rows = static_cast<png_bytepp>(png_malloc(png, height * sizeof(png_bytep)));
+    for (png_uint_32 y = 0; y < height; ++y)
+        rows[y] = nullptr;
+    png_set_rows(png, info, rows);
+    png_data_freer(png, info, PNG_DESTROY_WILL_FREE_DATA, PNG_FREE_ROWS);
+    for (png_uint_32 y = 0; y < height; ++y)
+        rows[y] = static_cast<png_bytep>(png_malloc(png, png_get_rowbytes(png, info)));
+    png_read_image(png, rows);
+    png_read_end(png, info);
+    return TakeRows(png, info, rows, image);
+}
+
+// Empties the image, keeping its target.
+void ClearImage(PngImage& image)
+{
+    PngRowTarget* target = image.target;
+    image = PngImage();
+    image.target = target;
+}
+
 bool HasPngSignature(const uint8_t* bytes, size_t size)
 {
     return bytes && size >= 8 && png_sig_cmp(const_cast<png_bytep>(bytes), 0, 8) == 0;
@@ -171,7 +225,7 @@ bool HasPngSignature(const uint8_t* bytes, size_t size)
 // Creates the library's structures, lets `install` set up the input, reads, and destroys them again.
 // `plausible` is false when the header asks for more than the input could hold: nothing is read then.
 template <class Install>
-PngStatus Decode(bool plausible, Install install, PngImage& image)
+PngStatus Decode(bool plausible, bool rgb8, Install install, PngImage& image)
 {
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     if (!png)
@@ -184,11 +238,11 @@ PngStatus Decode(bool plausible, Install install, PngImage& image)
     PngStatus status = PngStatus::LibraryFailed;
     if (plausible) {
         install(png);
-        status = ReadPng(png, info, image);
+        status = ReadPng(png, info, rgb8, image);
     }
     png_destroy_read_struct(&png, &info, nullptr);
     if (status != PngStatus::Ok && status != PngStatus::TooShallow)
-        image = PngImage();
+        ClearImage(image);
     return status;
 }
 
@@ -196,18 +250,18 @@ PngStatus Decode(bool plausible, Install install, PngImage& image)
 
 PngStatus DecodePngMemory(const uint8_t* data, size_t size, PngImage& image)
 {
-    image = PngImage();
+    ClearImage(image);
     if (!HasPngSignature(data, size))
         return PngStatus::NotPng;
     MemoryReader reader{data, size, 8};
     return Decode(
-        !HeaderAsksTooMuch(data, size, size),
+        !HeaderAsksTooMuch(data, size, size), HeaderIsRgb8(data, size),
         [&reader](png_structp png) { png_set_read_fn(png, &reader, ReadFromMemory); }, image);
 }
 
 PngStatus DecodePngFile(std::FILE* file, PngImage& image)
 {
-    image = PngImage();
+    ClearImage(image);
     if (!file)
         return PngStatus::NotPng;
     uint8_t head[26];
@@ -224,7 +278,7 @@ PngStatus DecodePngFile(std::FILE* file, PngImage& image)
     if (std::fseek(file, 8, SEEK_SET) != 0)
         return PngStatus::LibraryFailed;
     return Decode(
-        total == 0 || !HeaderAsksTooMuch(head, got, total), [file](png_structp png) { png_init_io(png, file); }, image);
+        total == 0 || !HeaderAsksTooMuch(head, got, total), HeaderIsRgb8(head, got), [file](png_structp png) { png_init_io(png, file); }, image);
 }
 
 namespace {

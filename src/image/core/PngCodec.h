@@ -16,6 +16,17 @@ enum class PngStatus {
     TooShallow        // fewer than 8 bits per pixel (ZBU_BAD_FORMAT); width and height are known
 };
 
+// Memory of the caller's that the rows of an 8-bit RGB file may be decoded into directly (a frame's own pixels),
+// which spares the copy through `pixels`.
+class PngRowTarget {
+public:
+    virtual ~PngRowTarget() = default;
+    // Called once the header is read, for an 8-bit RGB file only: `height` row pointers in the file's order, each
+    // with room for 3 * width bytes, or null to have the rows go into `pixels` as for any other layout. The rows
+    // are written as blue, green, red, exactly as `pixels` would hold them.
+    virtual uint8_t* const* Rows(int width, int height) = 0;
+};
+
 // A decoded PNG: tight top-down blue, green, red rows, and for an 8-bit RGBA file the transparency plane
 // (255 - alpha in all three bytes). The file's bytes per pixel decide the conversion:
 //   1 palette: the entry's colours; 1 grey: the byte three times; 2: the first byte three times;
@@ -27,6 +38,8 @@ struct PngImage {
     int bytesPerPixel = 0;
     std::vector<uint8_t> pixels;
     std::vector<uint8_t> plane;  // empty unless bytesPerPixel is 4
+    PngRowTarget* target = nullptr;  // set by the caller before decoding; kept by the decoders
+    bool inTarget = false;           // the rows were decoded into the target, and `pixels` is empty
 };
 
 // Decodes a PNG held in memory. A read past the end of the block is an error of the library's.
