@@ -1,6 +1,7 @@
 // The skinned combo box with the shipped themes' pieces: choosing by mouse and keyboard through the drop-down
-// the library draws, a ComboBoxEx32's icon and indent, the tooltip of a long item, pixel goldens of the closed
-// control in its states, and handle hygiene over many drop-downs. Pixels are read from the screen.
+// the library draws (a ComboBoxEx32's icons indented there), hover and focus, the tooltip of a long item,
+// pixel goldens of the closed control in its states, and handle hygiene over many drop-downs. Pixels are read
+// from the screen.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -20,26 +21,15 @@
 
 namespace {
 
-using testskin::Capture;
 using msgseq::input;
 using msgseq::Recorder;
-
-uint32_t Rgb(COLORREF c)
-{
-    return (GetRValue(c) << 16) | (GetGValue(c) << 8) | GetBValue(c);
-}
+using testskin::Capture;
+using testskin::Rgb;
 
 const uint32_t kListSelected = 0x73BEFF;  // 0xFFBE73 as the platform's COLORREF
-const uint32_t kListNormal = 0xFFFFFF;
 const COLORREF kIconColours[] = {RGB(200, 30, 30), RGB(30, 160, 30), RGB(30, 30, 200)};
-
-struct Theme {
-    const wchar_t* name;
-    const char* tag;
-    COLORREF window;
-};
-const Theme kDefault = {L"Default", "Default", RGB(0xf2, 0xf5, 0xf9)};
-const Theme kGraphite = {L"Graphite", "Graphite", RGB(0x23, 0x27, 0x2e)};
+const std::vector<const wchar_t*> kPhones = {L"Nokia 6230i", L"Sony Ericsson K750", L"Motorola RAZR V3",
+                                             L"Samsung D500", L"Siemens S65"};
 
 // The combo's state fields, for pictures of a state that input can't hold still (pressed opens the list).
 class CProbeCombo : public CVuikComboBoxCtrl {
@@ -51,72 +41,62 @@ public:
         DeleteBackBuffer();
         InvalidateRect(m_hWnd, nullptr, FALSE);
         UpdateWindow(m_hWnd);
-        msgseq::Recorder::Pump(20);  // the screen shows what was drawn once the window's surface is flushed
+        Recorder::Pump(20);  // the screen shows what was drawn once the window's surface is flushed
     }
 };
 
-// What the parent hears: selection changes.
-struct ParentLog {
-    WNDPROC previous = nullptr;
-    int selChanges = 0;
-};
-ParentLog g_log;
-
+// The parent counts selection changes and, as a plain parent does, doesn't hand owner drawing back.
+WNDPROC g_parentProc = nullptr;
+int g_selChanges = 0;
 LRESULT CALLBACK LoggingParent(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     if (message == WM_COMMAND && HIWORD(wParam) == CBN_SELCHANGE)
-        ++g_log.selChanges;
-    // A parent of the plain kind, that doesn't hand owner drawing back to its children.
+        ++g_selChanges;
     if (message == WM_DRAWITEM)
         return TRUE;
-    return CallWindowProcW(g_log.previous, hwnd, message, wParam, lParam);
+    return CallWindowProcW(g_parentProc, hwnd, message, wParam, lParam);
 }
 
 class ComboBox : public ::testing::Test {
-protected:
+public:
     void SetUp() override
     {
         INITCOMMONCONTROLSEX classes = {sizeof(classes), ICC_USEREX_CLASSES};
         InitCommonControlsEx(&classes);
         m_font = CreateFontW(-12, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0, NONANTIALIASED_QUALITY, 0,
                              L"Tahoma");
-        UseTheme(kDefault);
+        m_images = ImageList_Create(16, 16, ILC_COLOR24, 3, 0);
+        for (COLORREF colour : kIconColours) {
+            HBITMAP bitmap = testskin::MakeSection(16, 16, [&](int, int) { return Rgb(colour); });
+            ImageList_Add(m_images, bitmap, nullptr);
+            DeleteObject(bitmap);
+        }
     }
     void TearDown() override
     {
         Destroy();
         DeleteObject(m_font);
-        if (m_images)
-            ImageList_Destroy(m_images);
-        g_log = ParentLog();
+        ImageList_Destroy(m_images);
         SetCursorPos(0, 0);
     }
-    void UseTheme(const Theme& theme)
-    {
-        m_theme = theme;
-        m_registry.SetMachineTheme(theme.name);
-        m_panelSkin.SetSkinDef({theme.window, theme.window});
-    }
 
-    // A panel in the theme's window colour at (60, 60) holding the combo at (10, 10), 220 wide.
-    void Make(const std::vector<const wchar_t*>& items, DWORD style = CBS_DROPDOWNLIST, bool ex = false,
-              bool rtl = false, int select = 0)
+    // The combo at (10, 10) of a panel at (60, 60), 220 wide; a ComboBoxEx32 gives item i the icon i % 3 and
+    // an indent of i.
+    void Make(const std::vector<const wchar_t*>& items, bool ex = false, bool rtl = false, int select = 0)
     {
         Destroy();
-        m_panel.SetSkin(&m_panelSkin);
-        m_panel.Create(msgseq::PlainClass(), nullptr, RECT{60, 60, 300, 260}, L"", 0,
-                       WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, rtl ? WS_EX_LAYOUTRTL : 0, nullptr);
-        ASSERT_TRUE(m_panel.m_hWnd);
-        g_log = ParentLog();
-        g_log.previous = reinterpret_cast<WNDPROC>(
-            SetWindowLongPtrW(m_panel.m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(LoggingParent)));
-        const DWORD all = WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | style;
+        HWND panel = m_panel.Open(RECT{60, 60, 300, 260}, rtl);
+        ASSERT_TRUE(panel);
+        g_selChanges = 0;
+        g_parentProc = reinterpret_cast<WNDPROC>(
+            SetWindowLongPtrW(panel, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(LoggingParent)));
+        const DWORD style = WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_VSCROLL | CBS_DROPDOWNLIST |
+                            (ex ? 0 : CBS_OWNERDRAWFIXED | CBS_HASSTRINGS);
+        m_outer = CreateWindowExW(0, ex ? WC_COMBOBOXEXW : WC_COMBOBOXW, L"", style, 10, 10, 220, 150, panel,
+                                  reinterpret_cast<HMENU>(7), GetModuleHandleW(nullptr), nullptr);
+        ASSERT_TRUE(m_outer);
+        SendMessageW(m_outer, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), 0);
         if (ex) {
-            m_outer = CreateWindowExW(0, WC_COMBOBOXEXW, L"", all, 10, 10, 220, 150, m_panel.m_hWnd,
-                                      reinterpret_cast<HMENU>(7), GetModuleHandleW(nullptr), nullptr);
-            ASSERT_TRUE(m_outer);
-            SendMessageW(m_outer, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), 0);
-            MakeImages();
             SendMessageW(m_outer, CBEM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(m_images));
             for (size_t i = 0; i < items.size(); ++i) {
                 COMBOBOXEXITEMW item = {};
@@ -127,274 +107,206 @@ protected:
                 item.iIndent = static_cast<int>(i);
                 SendMessageW(m_outer, CBEM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
             }
-            ASSERT_TRUE(m_combo.SubclassWindow(m_outer));
-            ASSERT_EQ(m_combo.GetComboBoxEx(), m_outer);
-        } else {
-            m_outer = CreateWindowExW(0, WC_COMBOBOXW, L"", all | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS, 10, 10, 220,
-                                      150, m_panel.m_hWnd, reinterpret_cast<HMENU>(7), GetModuleHandleW(nullptr),
-                                      nullptr);
-            ASSERT_TRUE(m_outer);
-            SendMessageW(m_outer, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), 0);
-            ASSERT_TRUE(m_combo.SubclassWindow(m_outer));
+        }
+        ASSERT_TRUE(m_combo.SubclassWindow(m_outer));
+        ASSERT_EQ(m_combo.GetComboBoxEx(), ex ? m_outer : nullptr);
+        if (!ex)
             for (const wchar_t* item : items)
                 m_combo.AddItem(item);
-        }
         m_combo.SetCurSel(select);
-        SetForegroundWindow(m_panel.m_hWnd);
-        RedrawWindow(m_panel.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-        msgseq::Recorder::Pump(20);
-    }
-    void MakeImages()
-    {
-        if (m_images)
-            return;
-        m_images = ImageList_Create(16, 16, ILC_COLOR24, 3, 0);
-        for (COLORREF colour : kIconColours) {
-            uint32_t* bits = nullptr;
-            HBITMAP bitmap = testskin::MakeSection(16, 16, [&](int, int) { return Rgb(colour); }, &bits);
-            ImageList_Add(m_images, bitmap, nullptr);
-            DeleteObject(bitmap);
-        }
+        m_panel.Paint();
     }
     void Destroy()
     {
         if (m_combo.m_hWnd && IsWindow(m_combo.m_hWnd))
             SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, FALSE, 0);
-        m_panel.DeleteBackBuffer();
-        if (m_panel.m_hWnd && IsWindow(m_panel.m_hWnd))
-            DestroyWindow(m_panel.m_hWnd);
-        m_panel.m_hWnd = m_outer = nullptr;
+        m_panel.Close();
+        m_outer = nullptr;
         m_combo.UnsubclassWindow(1);
         m_combo.m_hWnd = nullptr;
     }
 
     Capture Closed() const { return testskin::CaptureOnScreen(m_combo.m_hWnd); }
     bool Dropped() const { return SendMessageW(m_combo.m_hWnd, CB_GETDROPPEDSTATE, 0, 0) != 0; }
-    POINT ScreenOf(HWND hwnd, int x, int y) const
+    static POINT ScreenOf(HWND hwnd, int x, int y)
     {
         POINT p = {x, y};
         MapWindowPoints(hwnd, nullptr, &p, 1);
         return p;
     }
-    // A click where `target` is under the mouse: the click waits until the screen has the window there.
-    void Click(POINT screen, HWND target)
+    static RECT ItemRect(HWND list, int i)
     {
-        msgseq::input::MoveTo(screen);
-        EXPECT_TRUE(Recorder::PumpUntil([&] { return WindowFromPoint(screen) == target; })) << "the window isn't there";
-        msgseq::input::LeftDown();
-        msgseq::Recorder::Pump(10);
-        msgseq::input::LeftUp();
+        RECT item = {};
+        SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+        return item;
     }
-    uint32_t Piece(int state, int which, int x, int y)
+    void Open()
     {
-        CVuikComboBoxStateSkin* s = m_combo.GetSkin()->GetStateSkin(state);
-        CVuikBitmap* b = which == 0 ? s->m_pLeft : which == 1 ? s->m_pMiddle : s->m_pRight;
-        return testskin::ReadBitmap(b->GetPrimary()).At(x, y);
+        SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, TRUE, 0);
+        ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); }));
+        Recorder::Pump(30);
     }
 
-    zcmod_test::SuiteRegistry m_registry;
     testskin::LibraryState m_library;
-    Theme m_theme = kDefault;
+    testskin::ThemedPanel m_panel;
     HFONT m_font = nullptr;
     HIMAGELIST m_images = nullptr;
-    testskin::CTestSkin m_panelSkin;
-    testskin::CTestPanel m_panel;
     HWND m_outer = nullptr;
     CProbeCombo m_combo;
 };
 
-const std::vector<const wchar_t*> kPhones = {L"Nokia 6230i", L"Sony Ericsson K750", L"Motorola RAZR V3",
-                                             L"Samsung D500", L"Siemens S65"};
-
-// The user opens the list and chooses, once with the mouse and once with the keyboard; the list's items are
-// the library's (the selected one in its highlight), and the closed control shows the choice afterwards.
+// The user opens the list and chooses, with the mouse and with the keyboard, and on the closed control with
+// an arrow key; the list's items are the library's (the hovered one in its highlight, a ComboBoxEx32's icons
+// moved in by 10 pixels a level), and the closed control shows each choice.
 TEST_F(ComboBox, ChoosesWithMouseAndKeyboard)
 {
-    const struct {
-        const char* what;
-        bool ex;
-    } cases[] = {{"ComboBox", false}, {"ComboBoxEx32", true}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        Make(kPhones, CBS_DROPDOWNLIST, c.ex);
+    for (bool ex : {false, true}) {
+        SCOPED_TRACE(ex ? "ComboBoxEx32" : "ComboBox");
+        Make(kPhones, ex);
         ASSERT_TRUE(m_combo.GetSkin() && m_combo.SkinIsValid());
         const Capture first = Closed();
 
-        // Mouse: a click on the arrow opens the list, a click on the third item chooses it.
+        // A click on the arrow opens the list, a click on the third item chooses it. The click waits until
+        // the screen has the window under the mouse.
         RECT r;
         GetClientRect(m_combo.m_hWnd, &r);
-        Click(ScreenOf(m_combo.m_hWnd, r.right - 8, r.bottom / 2), m_combo.m_hWnd);
+        const POINT arrow = ScreenOf(m_combo.m_hWnd, r.right - 8, r.bottom / 2);
+        input::MoveTo(arrow);
+        EXPECT_TRUE(Recorder::PumpUntil([&] { return WindowFromPoint(arrow) == m_combo.m_hWnd; }));
+        input::Click(arrow);
         ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); })) << "the list didn't open";
         HWND list = m_combo.GetList();
-        RECT item;
-        SendMessageW(list, LB_GETITEMRECT, 2, reinterpret_cast<LPARAM>(&item));
-        msgseq::input::MoveTo(ScreenOf(list, item.left + 40, (item.top + item.bottom) / 2));
+        const RECT item = ItemRect(list, 2);
+        input::MoveTo(ScreenOf(list, item.left + 40, (item.top + item.bottom) / 2));
         ASSERT_TRUE(Recorder::PumpUntil([&] { return SendMessageW(list, LB_GETCURSEL, 0, 0) == 2; }));
-        msgseq::Recorder::Pump(30);
+        Recorder::Pump(30);
         const Capture open = testskin::CaptureOnScreen(list);
         EXPECT_EQ(open.At(2, (item.top + item.bottom) / 2), kListSelected) << "the hovered item isn't highlighted";
-        EXPECT_EQ(open.At(2, item.top - 4), kListNormal);
-        msgseq::input::LeftDown();
-        msgseq::input::LeftUp();
+        EXPECT_EQ(open.At(2, item.top - 4), 0xFFFFFFu);
+        for (int i = 0; ex && i < 3; ++i) {
+            const RECT ri = ItemRect(list, i);
+            const int x = ri.left + 5 + 10 * i;
+            EXPECT_EQ(open.At(x + 8, ri.top + 4), Rgb(kIconColours[i])) << "item " << i;
+            EXPECT_TRUE(i == 0 || open.At(x - 2, ri.top + 4) != Rgb(kIconColours[i])) << "item " << i;
+        }
+        input::LeftDown();
+        input::LeftUp();
         ASSERT_TRUE(Recorder::PumpUntil([&] { return !Dropped(); })) << "the list didn't close";
-        msgseq::Recorder::Pump(30);
+        Recorder::Pump(30);
         EXPECT_EQ(m_combo.GetCurSel(), 2);
-        EXPECT_EQ(g_log.selChanges, 1);
+        EXPECT_EQ(g_selChanges, 1);
         const Capture chosen = Closed();
         EXPECT_FALSE(chosen.pixels == first.pixels) << "the closed control still shows the first item";
 
-        // Keyboard: F4 opens, two steps down, Enter chooses and closes.
+        // F4 opens, two steps down, Enter chooses and closes.
         SetFocus(m_combo.m_hWnd);
         input::Press(VK_F4);
         ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); }));
-        input::Press(VK_DOWN);
-        input::Press(VK_DOWN);
-        input::Press(VK_RETURN);
+        for (WORD key : {VK_DOWN, VK_DOWN, VK_RETURN})
+            input::Press(key);
         ASSERT_TRUE(Recorder::PumpUntil([&] { return !Dropped(); }));
-        msgseq::Recorder::Pump(30);
+        Recorder::Pump(30);
         EXPECT_EQ(m_combo.GetCurSel(), 4);
         const Capture last = Closed();
         EXPECT_FALSE(last.pixels == chosen.pixels);
 
-        // Keyboard on the closed control: an arrow key chooses without opening, and the picture follows.
+        // An arrow key on the closed control chooses without opening, and the picture follows.
         input::Press(VK_UP);
         EXPECT_TRUE(Recorder::PumpUntil([&] { return m_combo.GetCurSel() == 3; }));
-        msgseq::Recorder::Pump(30);
+        Recorder::Pump(30);
         EXPECT_FALSE(Dropped());
         EXPECT_FALSE(Closed().pixels == last.pixels) << "the closed control didn't repaint the new choice";
     }
 }
 
 // The closed control: the mouse over it gives the hover look, a focused one at rest looks the same, and the
-// mouse leaving gives the normal look back. The arrow piece's colours tell the state.
+// mouse leaving gives the normal look back. The top line, in the outline's colour, tells the state.
 TEST_F(ComboBox, HoverAndFocusLookAlike)
 {
     Make(kPhones);
     RECT r;
     GetClientRect(m_combo.m_hWnd, &r);
-    const int arrowX = r.right / 2, y = 0;  // the top line, in the outline's colour of the state
-    const uint32_t normal = Piece(COMBOBOX_STATE_NORMAL, 1, 1, 0), hover = Piece(COMBOBOX_STATE_HOVER, 1, 1, 0);
+    const auto topLine = [&](int state) {
+        return testskin::ReadBitmap(m_combo.GetSkin()->GetStateSkin(state)->m_pMiddle->GetPrimary()).At(1, 0);
+    };
+    const uint32_t normal = topLine(COMBOBOX_STATE_NORMAL), hover = topLine(COMBOBOX_STATE_HOVER);
     ASSERT_NE(normal, hover);
-    SetFocus(m_panel.m_hWnd);
-    msgseq::Recorder::Pump(20);
-    EXPECT_EQ(Closed().At(arrowX, y), normal);
-    msgseq::input::MoveTo(ScreenOf(m_combo.m_hWnd, 40, 12));
-    ASSERT_TRUE(Recorder::PumpUntil([&] { return m_combo.GetState() == COMBOBOX_STATE_HOVER; }));
-    msgseq::Recorder::Pump(20);
-    EXPECT_EQ(Closed().At(arrowX, y), hover);
-    msgseq::input::MoveTo(ScreenOf(m_panel.m_hWnd, 5, 180));
-    ASSERT_TRUE(Recorder::PumpUntil([&] { return m_combo.GetState() == COMBOBOX_STATE_NORMAL; }));
-    msgseq::Recorder::Pump(20);
-    EXPECT_EQ(Closed().At(arrowX, y), normal);
-    SetFocus(m_combo.m_hWnd);
-    msgseq::Recorder::Pump(20);
-    EXPECT_TRUE(m_combo.HasFocus());
-    EXPECT_EQ(Closed().At(arrowX, y), hover) << "a focused combo at rest looks like one under the mouse";
-}
-
-// A ComboBoxEx32 shows its item's icon in the closed control at the caption's start, without the indent; the
-// list moves each item's icon in by 10 pixels a level.
-TEST_F(ComboBox, ExIconClosedWithoutIndentListWithIt)
-{
-    for (int select : {0, 2}) {
-        SCOPED_TRACE(select);
-        Make(kPhones, CBS_DROPDOWNLIST, true, false, select);
-        const int left = m_combo.GetSkin()->GetStateSkin(0)->m_pLeft->GetWidth();
-        const Capture closed = Closed();
-        RECT r;
-        GetClientRect(m_combo.m_hWnd, &r);
-        EXPECT_EQ(closed.At(left + 8, r.bottom / 2), Rgb(kIconColours[select % 3])) << "closed icon";
-        EXPECT_NE(closed.At(left + 20 + 8, r.bottom / 2), Rgb(kIconColours[select % 3]));
-
-        SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, TRUE, 0);
-        ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); }));
-        msgseq::Recorder::Pump(30);
-        HWND list = m_combo.GetList();
-        const Capture open = testskin::CaptureOnScreen(list);
-        for (int i = 0; i < 3; ++i) {
-            RECT item;
-            SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
-            const int x = item.left + 5 + 10 * i;
-            EXPECT_EQ(open.At(x + 8, item.top + 4), Rgb(kIconColours[i])) << "item " << i;
-            if (i) {
-                EXPECT_NE(open.At(x - 2, item.top + 4), Rgb(kIconColours[i])) << "item " << i;
-            }
-        }
-        SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, FALSE, 0);
-        Recorder::PumpUntil([&] { return !Dropped(); });
+    const struct {
+        void (*act)(ComboBox&);
+        EComboBoxState state;
+        uint32_t look;
+    } steps[] = {
+        {[](ComboBox& t) { SetFocus(t.m_panel.Hwnd()); }, COMBOBOX_STATE_NORMAL, normal},
+        {[](ComboBox& t) { input::MoveTo(ScreenOf(t.m_combo.m_hWnd, 40, 12)); }, COMBOBOX_STATE_HOVER, hover},
+        {[](ComboBox& t) { input::MoveTo(ScreenOf(t.m_panel.Hwnd(), 5, 180)); }, COMBOBOX_STATE_NORMAL, normal},
+        // A focused combo at rest looks like one under the mouse.
+        {[](ComboBox& t) { SetFocus(t.m_combo.m_hWnd); }, COMBOBOX_STATE_NORMAL, hover},
+    };
+    for (const auto& step : steps) {
+        SCOPED_TRACE(&step - steps);
+        step.act(*this);
+        ASSERT_TRUE(Recorder::PumpUntil([&] { return m_combo.GetState() == step.state; }));
+        Recorder::Pump(20);
+        EXPECT_EQ(Closed().At(r.right / 2, 0), step.look);
     }
+    EXPECT_TRUE(m_combo.HasFocus());
 }
 
-// An item that fits gets no tip; the mouse on a long one shows the whole text beside the item's start, with
-// every run of ampersands as one.
+// An item that fits gets no tip; the mouse on a long one shows the whole text (its ampersands collapsed)
+// beside the item's start; the tip goes on an item that fits and when the mouse leaves the list.
 TEST_F(ComboBox, LongItemShowsTipBesideIt)
 {
-    const std::vector<const wchar_t*> items = {
-        L"Short", L"Tom &&&& Jerry: a name much too long for the list to show it whole", L"A&&B", L"Fits"};
-    Make(items);
-    SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, TRUE, 0);
-    ASSERT_TRUE(Recorder::PumpUntil([&] { return Dropped(); }));
+    Make({L"Short", L"Tom &&&& Jerry: a name much too long for the list to show it whole", L"A&&B", L"Fits"});
+    Open();
     HWND list = m_combo.GetList();
     HWND tip = m_combo.GetListCtrl().GetToolTip();
     ASSERT_TRUE(tip);
-    auto hover = [&](int index) {
-        RECT item;
-        SendMessageW(list, LB_GETITEMRECT, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
-        msgseq::input::MoveTo(ScreenOf(list, item.left + 20, (item.top + item.bottom) / 2));
-        msgseq::Recorder::Pump(60);
-        return item;
+    const auto hover = [&](int index) {
+        const RECT item = ItemRect(list, index);
+        input::MoveTo(ScreenOf(list, item.left + 20, (item.top + item.bottom) / 2));
+        Recorder::Pump(60);
+        return Recorder::PumpUntil([&] { return IsWindowVisible(tip) != FALSE; }, index == 1 ? 2000 : 100);
     };
-    hover(0);
-    EXPECT_FALSE(IsWindowVisible(tip)) << "a short item got a tip";
-    const RECT item = hover(1);
-    ASSERT_TRUE(Recorder::PumpUntil([&] { return IsWindowVisible(tip) != FALSE; })) << "no tip for the long item";
+    EXPECT_FALSE(hover(0)) << "a short item got a tip";
+    ASSERT_TRUE(hover(1)) << "no tip for the long item";
     EXPECT_EQ(m_combo.GetListCtrl().GetTipText(), L"Tom & Jerry: a name much too long for the list to show it whole");
     RECT shown;
     GetWindowRect(tip, &shown);
+    const RECT item = ItemRect(list, 1);
     const POINT start = ScreenOf(list, item.left, item.top);
     EXPECT_EQ(shown.left, start.x + 3);
     EXPECT_EQ(shown.top, start.y);
-    hover(3);
-    EXPECT_FALSE(IsWindowVisible(tip)) << "the tip stayed on an item that fits";
-    // The tip goes when the mouse leaves the list.
-    hover(1);
-    ASSERT_TRUE(Recorder::PumpUntil([&] { return IsWindowVisible(tip) != FALSE; }));
-    msgseq::input::MoveTo(ScreenOf(m_panel.m_hWnd, 5, 5));
+    EXPECT_FALSE(hover(3)) << "the tip stayed on an item that fits";
+    ASSERT_TRUE(hover(1));
+    input::MoveTo(ScreenOf(m_panel.Hwnd(), 5, 5));
     EXPECT_TRUE(Recorder::PumpUntil([&] { return !IsWindowVisible(tip); }, 1000)) << "the tip outlived the mouse";
 }
 
 // The closed control in its states, in both themes and both layouts: one golden each, the states stacked.
 TEST_F(ComboBox, Goldens)
 {
-    for (const Theme* theme : {&kDefault, &kGraphite})
+    const struct {
+        EComboBoxState state;
+        bool focus, disabled, empty, ex;
+    } states[] = {{COMBOBOX_STATE_NORMAL, false, false, false, false}, {COMBOBOX_STATE_HOVER, false, false, false, false},
+                  {COMBOBOX_STATE_PRESSED, false, false, false, false}, {COMBOBOX_STATE_NORMAL, true, false, false, false},
+                  {COMBOBOX_STATE_NORMAL, false, true, false, false},  {COMBOBOX_STATE_NORMAL, false, false, true, false},
+                  {COMBOBOX_STATE_NORMAL, false, false, false, true}};
+    for (const testskin::Theme& theme : testskin::kThemes)
         for (bool rtl : {false, true}) {
-            UseTheme(*theme);
+            m_panel.UseTheme(theme);
             testskin::LibraryState layout(rtl ? 1 : 0);
-            const std::string name = std::string("combo_states_") + theme->tag + (rtl ? "_rtl" : "_ltr");
+            const std::string name = std::string("combo_states_") + theme.tag + (rtl ? "_rtl" : "_ltr");
             SCOPED_TRACE(name);
-            std::vector<uint32_t> strip;
-            int width = 0, height = 0;
-            const struct {
-                EComboBoxState state;
-                bool focus, disabled, empty, ex;
-            } states[] = {{COMBOBOX_STATE_NORMAL, false, false, false, false},
-                          {COMBOBOX_STATE_HOVER, false, false, false, false},
-                          {COMBOBOX_STATE_PRESSED, false, false, false, false},
-                          {COMBOBOX_STATE_NORMAL, true, false, false, false},
-                          {COMBOBOX_STATE_NORMAL, false, true, false, false},
-                          {COMBOBOX_STATE_NORMAL, false, false, true, false},
-                          {COMBOBOX_STATE_NORMAL, false, false, false, true}};
+            testskin::Strip strip;
             for (const auto& s : states) {
-                Make(kPhones, CBS_DROPDOWNLIST, s.ex, rtl, s.empty ? -1 : 1);
+                Make(kPhones, s.ex, rtl, s.empty ? -1 : 1);
                 EnableWindow(m_outer, !s.disabled);
-                SetFocus(m_panel.m_hWnd);
+                SetFocus(m_panel.Hwnd());
                 m_combo.Force(s.state, s.focus);
-                const Capture c = Closed();
-                width = c.width;
-                height += c.height;
-                strip.insert(strip.end(), c.pixels.begin(), c.pixels.end());
+                strip.Add(Closed());
             }
-            EXPECT_TRUE(zcmod_test::MatchesGolden(name, width, height, strip.data()));
+            EXPECT_TRUE(zcmod_test::MatchesGolden(name, strip.width, strip.height, strip.pixels.data()));
         }
 }
 
@@ -408,8 +320,7 @@ TEST_F(ComboBox, DropDownCyclesLeaveNoHandles)
         SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, TRUE, 0);
         UpdateWindow(list);
         if (tip) {
-            RECT item;
-            SendMessageW(list, LB_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&item));
+            const RECT item = ItemRect(list, 1);
             SendMessageW(list, WM_MOUSEMOVE, 0, MAKELPARAM(item.left + 10, item.top + 2));
         }
         SendMessageW(m_combo.m_hWnd, CB_SHOWDROPDOWN, FALSE, 0);

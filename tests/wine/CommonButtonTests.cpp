@@ -28,7 +28,7 @@ struct ForcedCommonButton : CVuikCommonButtonCtrl {
     int forced = -1;
     int GetGraphicalState() override { return forced >= 0 ? forced : CVuikCommonButtonCtrl::GetGraphicalState(); }
 };
-struct HoverCheckButton : CVuikCheckButtonCtrl {
+struct HoverCheckButton : CVuikCheckButtonCtrl {  // the hover look without a mouse
     void SetHover(bool on) { m_bHover = on; }
 };
 
@@ -48,7 +48,13 @@ uint32_t PixelOf(CVuikBitmap* bitmap, int x, int y)
 
 class CommonCheckButtons : public ::testing::Test {
 protected:
-    void SetUp() override { UseTheme(L"Default"); }
+    void SetUp() override
+    {
+        UseTheme(L"Default");
+        m_parent = m_rec.CreateParent("parent", RECT{100, 100, 420, 300});
+        SetForegroundWindow(m_parent);
+        Recorder::Pump(20);
+    }
     void TearDown() override
     {
         input::LeftUp();
@@ -61,34 +67,12 @@ protected:
         m_registry.SetMachineTheme(theme);
         ASSERT_TRUE(ZCMOD_GetCommonZGR()) << "the theme module " << theme;
     }
-    HWND Parent(DWORD exStyle = 0)
-    {
-        if (m_parent)
-            DestroyWindow(m_parent);
-        m_parent = m_rec.CreateParent("parent", RECT{100, 100, 420, 300});
-        SetWindowLongW(m_parent, GWL_EXSTYLE, GetWindowLongW(m_parent, GWL_EXSTYLE) | exStyle);
-        SetForegroundWindow(m_parent);
-        Recorder::Pump(20);
-        return m_parent;
-    }
     // A dialog-like button of the platform's, to be taken over.
     HWND Native(const wchar_t* text, DWORD style, RECT r, UINT id = 50, bool visible = true)
     {
         return CreateWindowExW(0, L"Button", text, WS_CHILD | (visible ? WS_VISIBLE : 0) | style, r.left, r.top,
                                r.right - r.left, r.bottom - r.top, m_parent, reinterpret_cast<HMENU>(UINT_PTR(id)),
                                nullptr, nullptr);
-    }
-    static Capture Shown(HWND hwnd)
-    {
-        RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-        return CaptureWindow(hwnd);
-    }
-    static void MoveTo(HWND hwnd, int x, int y)
-    {
-        POINT p = {x, y};
-        ClientToScreen(hwnd, &p);
-        input::MoveTo(p);
-        Recorder::Pump(30);
     }
 
     zcmod_test::SuiteRegistry m_registry;
@@ -101,29 +85,28 @@ protected:
 // button looks at rest, and disabled wins over every flag.
 TEST_F(CommonCheckButtons, CommonButtonStatesFollowInput)
 {
-    Parent();
     CVuikCommonButtonCtrl button;
     HWND hwnd = button.Create(m_parent, RECT{20, 20, 60, 60}, 7, WS_CHILD | WS_VISIBLE, 0, CommonButtonMedium);
     ASSERT_TRUE(hwnd);
     ASSERT_TRUE(button.SkinIsValid());
     CVuikCommonButtonSkin* skin = button.GetSkin();
-    MoveTo(m_parent, 250, 150);
+    MoveOver(m_parent, 250, 150);
     const struct {
         void (*act)(HWND);
         int state;
         const char* what;
     } steps[] = {
         {[](HWND) {}, CommonNormal, "at rest"},
-        {[](HWND h) { MoveTo(h, 16, 16); }, CommonHover, "over"},
+        {[](HWND h) { MoveOver(h, 16, 16); }, CommonHover, "over"},
         {[](HWND) { input::LeftDown(); Recorder::Pump(30); }, CommonFocusedPressed, "pressed (and focused)"},
-        {[](HWND h) { MoveTo(GetParent(h), 250, 150); }, CommonFocused, "dragged off: at rest"},
-        {[](HWND h) { MoveTo(h, 16, 16); }, CommonFocusedPressed, "back on"},
+        {[](HWND h) { MoveOver(GetParent(h), 250, 150); }, CommonFocused, "dragged off: at rest"},
+        {[](HWND h) { MoveOver(h, 16, 16); }, CommonFocusedPressed, "back on"},
         {[](HWND) { input::LeftUp(); Recorder::Pump(40); }, CommonFocusedHover, "released over it"},
         // The leave is seen by the window system's tracking timer (the hover time, 400 ms).
-        {[](HWND h) { MoveTo(GetParent(h), 250, 150); Recorder::Pump(600); }, CommonFocused, "mouse off"},
+        {[](HWND h) { MoveOver(GetParent(h), 250, 150); Recorder::Pump(600); }, CommonFocused, "mouse off"},
         {[](HWND) { input::Key(VK_SPACE, false); Recorder::Pump(30); }, CommonFocused, "Space held, mouse off: at rest"},
         {[](HWND) { input::Key(VK_SPACE, true); Recorder::Pump(30); }, CommonFocused, "Space released"},
-        {[](HWND h) { MoveTo(h, 10, 10); }, CommonFocusedHover, "over, focused"},
+        {[](HWND h) { MoveOver(h, 10, 10); }, CommonFocusedHover, "over, focused"},
         {[](HWND h) { SetFocus(GetParent(h)); }, CommonHover, "focus gone"},
         {[](HWND h) { SendMessageW(h, BM_SETSTATE, 1, 0); EnableWindow(h, FALSE); }, CommonDisabled, "disabled"},
     };
@@ -136,56 +119,30 @@ TEST_F(CommonCheckButtons, CommonButtonStatesFollowInput)
     }
 }
 
-// Three sizes from the theme; a window larger than the picture shows its parent in the rest.
-TEST_F(CommonCheckButtons, CommonButtonSizes)
+// Three sizes from the theme (the golden pins their pictures); a window larger than the picture shows its
+// parent in the rest. Icons: a disabled icon of its own; right to left an icon turns with the layout unless
+// told not to (the left piece's white corner shows which way it faces).
+TEST_F(CommonCheckButtons, CommonButtonSizesAndIcons)
 {
-    Parent();
-    const struct {
-        ECommonButtonSize size;
-        int pixels;
-        UINT firstId;
-    } cases[] = {{CommonButtonSmall, 24, 5030}, {CommonButtonMedium, 32, 5037}, {CommonButtonLarge, 40, 5044}};
-    for (const auto& c : cases) {
+    for (auto [size, pixels] : {std::make_pair(CommonButtonSmall, 24), std::make_pair(CommonButtonMedium, 32),
+                                std::make_pair(CommonButtonLarge, 40)}) {
+        SCOPED_TRACE(pixels);
         CVuikCommonButtonCtrl button;
-        HWND hwnd = button.Create(m_parent, RECT{10, 10, 100, 100}, 1, WS_CHILD | WS_VISIBLE, 0, c.size);
+        HWND hwnd = button.Create(m_parent, RECT{10, 10, 100, 100}, 1, WS_CHILD | WS_VISIBLE, 0, size);
         RECT r;
         GetClientRect(hwnd, &r);
-        EXPECT_EQ(r.right, c.pixels);
-        EXPECT_EQ(r.bottom, c.pixels);
-        const CVuikCommonButtonSkinDef def = *button.GetSkin();
-        EXPECT_EQ(def.m_States[0].m_nBitmapId, c.firstId);
-        EXPECT_EQ(def.m_States[6].m_nBitmapId, c.firstId + 6);
-        EXPECT_EQ(def.m_States[3].m_nIconOffsetX, 1);
-        EXPECT_EQ(def.m_States[4].m_nIconOffsetX, 0);
+        EXPECT_EQ(r.right, pixels);
+        EXPECT_EQ(r.bottom, pixels);
         EXPECT_TRUE(button.SkinIsValid());
         EXPECT_EQ(CVuikLib::GetResourceInstance(), GetModuleHandleW(nullptr)) << "the resource instance is put back";
-        MoveWindow(hwnd, 10, 10, c.pixels + 10, c.pixels, TRUE);
+        MoveWindow(hwnd, 10, 10, pixels + 10, pixels, TRUE);
         const Capture shown = Shown(hwnd);
-        EXPECT_EQ(shown.At(c.pixels + 5, c.pixels / 2), shown.At(c.pixels + 8, 2)) << "the parent's, not the skin's";
-    }
-}
-
-// Icons: -1 gives the disabled state the same icon; right to left an icon turns with the layout unless told
-// not to (the left piece's white corner shows which way it faces).
-TEST_F(CommonCheckButtons, IconsAndTheirMirroring)
-{
-    Parent();
-    {
-    CVuikCommonButtonCtrl button;
-    button.Create(m_parent, RECT{10, 10, 50, 50}, 1, WS_CHILD | WS_VISIBLE, 0, CommonButtonLarge);
-    const struct {
-        UINT disabled;
-        UINT expected;
-    } ids[] = {{static_cast<UINT>(-1), IDB_BUTTON_GLYPH}, {IDB_BUTTON_LEFT, IDB_BUTTON_LEFT}};
-    for (const auto& c : ids) {
-        button.SetButtonIcon(IDB_BUTTON_GLYPH, c.disabled, 0);
+        EXPECT_EQ(shown.At(pixels + 5, pixels / 2), shown.At(pixels + 8, 2)) << "the parent's, not the skin's";
+        button.SetButtonIcon(IDB_BUTTON_GLYPH, IDB_BUTTON_LEFT, 0);
         const CVuikCommonButtonSkinDef def = *button.GetSkin();
-        EXPECT_EQ(def.m_States[CommonDisabled].m_nIconId, c.expected);
-        for (int s = 1; s < CommonStateCount; ++s)
-            EXPECT_EQ(def.m_States[s].m_nIconId, static_cast<UINT>(IDB_BUTTON_GLYPH));
-        EXPECT_TRUE(button.GetSkin()->GetStateSkin(CommonDisabled).GetIconBitmap());
+        EXPECT_EQ(def.m_States[CommonDisabled].m_nIconId, static_cast<UINT>(IDB_BUTTON_LEFT));
+        EXPECT_EQ(def.m_States[CommonFocusedHover].m_nIconId, static_cast<UINT>(IDB_BUTTON_GLYPH));
     }
-    }  // the pictures go with the button: each layout below loads them afresh
 
     const struct {
         DWORD layout;
@@ -193,14 +150,15 @@ TEST_F(CommonCheckButtons, IconsAndTheirMirroring)
         bool whiteAtLeft;  // of the icon as shown
     } cases[] = {{0, 0, true}, {0, 1, true}, {1, 0, false}, {1, 1, true}};
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "layout " << c.layout << " no mirror " << c.noMirror);
         CVuikLib::SetLayout(c.layout);
         CVuikCommonButtonCtrl icon;
         HWND hwnd = icon.Create(m_parent, RECT{60, 10, 100, 50}, 2, WS_CHILD | WS_VISIBLE, 0, CommonButtonLarge);
         icon.SetButtonIcon(IDB_BUTTON_LEFT, static_cast<UINT>(-1), c.noMirror);
         const Capture shown = Shown(hwnd);
         // The 4 x 20 icon sits at x 18..21, y 10..29 of the 40 x 40 face.
-        EXPECT_EQ(shown.At(18, 10) == 0xFFFFFF, c.whiteAtLeft) << "layout " << c.layout << " no mirror " << c.noMirror;
-        EXPECT_EQ(shown.At(21, 10) == 0xFFFFFF, !c.whiteAtLeft) << "layout " << c.layout << " no mirror " << c.noMirror;
+        EXPECT_EQ(shown.At(18, 10) == 0xFFFFFF, c.whiteAtLeft);
+        EXPECT_EQ(shown.At(21, 10) == 0xFFFFFF, !c.whiteAtLeft);
         DestroyWindow(hwnd);
         CVuikLib::SetLayout(0);
     }
@@ -210,7 +168,6 @@ TEST_F(CommonCheckButtons, IconsAndTheirMirroring)
 // window holds none, and it goes back into the window when the control lets go.
 TEST_F(CommonCheckButtons, CommonButtonKeepsTheWindowText)
 {
-    Parent();
     HWND hwnd = Native(L"Close window", BS_PUSHBUTTON | BS_AUTORADIOBUTTON, RECT{10, 10, 90, 40});
     wchar_t text[64] = {};
     {
@@ -232,30 +189,34 @@ TEST_F(CommonCheckButtons, CommonButtonKeepsTheWindowText)
     EXPECT_STREQ(text, L"Shut");
 }
 
-// The style picks the check box's or the radio button's marks, by bits; multi-line text wraps and the
-// button grows by its measuring.
-TEST_F(CommonCheckButtons, CheckButtonStylesAndSizing)
+// The style picks the check box's or the radio button's marks, by bits, and the button takes the mark's
+// height plus 2; the focus rectangle goes round everything (the golden pins the six looks); multi-line text
+// wraps and the button grows by its measuring.
+TEST_F(CommonCheckButtons, CheckButtonStylesFocusAndSizing)
 {
-    Parent();
     const struct {
         DWORD style;
         UINT firstId;
     } cases[] = {
-        {BS_CHECKBOX, 5100},    {BS_AUTOCHECKBOX, 5100},    {BS_AUTO3STATE, 5100}, {BS_RADIOBUTTON, 5106},
-        {BS_3STATE, 5106},      {BS_AUTORADIOBUTTON, 5106}, {BS_PUSHBUTTON, 5100},
+        {BS_CHECKBOX, 5100}, {BS_AUTOCHECKBOX, 5100}, {BS_AUTO3STATE, 5100}, {BS_RADIOBUTTON, 5106},
+        {BS_3STATE, 5106},   {BS_AUTORADIOBUTTON, 5106}, {BS_PUSHBUTTON, 5100},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "style " << c.style);
         CVuikCheckButtonCtrl check;
         ASSERT_TRUE(check.SubclassWindow(Native(L"Remember me", c.style, RECT{10, 10, 200, 30})));
         const CVuikCheckButtonSkinDef def = *check.GetSkin();
-        EXPECT_EQ(def.m_States[0].m_nBitmapId, c.firstId) << "style " << c.style;
-        EXPECT_EQ(def.m_States[CheckChecked].m_crText, 0x505050u);
-        EXPECT_EQ(def.m_States[CheckCheckedDisabled].m_crText, 0xCECECEu);
+        EXPECT_EQ(def.m_States[0].m_nBitmapId, c.firstId);
         EXPECT_TRUE(check.SkinIsValid());
         RECT r;
         GetClientRect(check.m_hWnd, &r);
-        EXPECT_EQ(r.bottom, 16 + 2) << "the mark's height, plus 2";
+        EXPECT_EQ(r.bottom, 16 + 2);
         EXPECT_GT(r.right, 16 + 10 + 40);
+        const Capture unfocused = Shown(check.m_hWnd);
+        SetFocus(check.m_hWnd);
+        const Capture focused = Shown(check.m_hWnd);
+        EXPECT_NE(focused.pixels, unfocused.pixels) << "the focus rectangle";
+        EXPECT_EQ(focused.At(9, 9), unfocused.At(9, 9));
     }
 
     CVuikCheckButtonCtrl multi;
@@ -264,57 +225,19 @@ TEST_F(CommonCheckButtons, CheckButtonStylesAndSizing)
     EXPECT_TRUE(multi.IsMultiline());
     RECT r;
     GetClientRect(multi.m_hWnd, &r);
-    const int lineHeight = 17;  // a 14-pixel font's line
-    EXPECT_GE(r.bottom, 2 * lineHeight + 6) << "wrapped over several lines, plus 6";
-    int width = r.right;
-    for (int i = 0; i < 3; ++i) {
+    EXPECT_GE(r.bottom, 2 * 17 + 6) << "wrapped over several lines of a 14-pixel font, plus 6";
+    for (int i = 0, width = r.right; i < 3; ++i, width = r.right) {
         multi.SizeToContent();
         GetClientRect(multi.m_hWnd, &r);
-        EXPECT_GE(r.right, width - 0) << "measured in its own width, it never shrinks";
+        EXPECT_GE(r.right, width) << "measured in its own width, it never shrinks";
         EXPECT_LE(r.right, width + 6) << "and grows by at most 6";
-        width = r.right;
     }
-}
-
-// The six looks of a check button as the flags say, and the focus rectangle round everything.
-TEST_F(CommonCheckButtons, CheckButtonLooks)
-{
-    Parent();
-    HoverCheckButton check;
-    HWND hwnd = Native(L"Option", BS_AUTOCHECKBOX, RECT{10, 10, 120, 30});
-    ASSERT_TRUE(check.SubclassWindow(hwnd));
-    CVuikCheckButtonSkin* skin = check.GetSkin();
-    const struct {
-        int check;
-        bool hover, enabled;
-        int state;
-    } cases[] = {
-        {0, false, true, CheckUnchecked},  {0, true, true, CheckUncheckedHover},  {0, true, false, CheckUncheckedDisabled},
-        {1, false, true, CheckChecked},    {1, true, true, CheckCheckedHover},    {1, false, false, CheckCheckedDisabled},
-    };
-    for (const auto& c : cases) {
-        check.SetCheck(c.check);
-        check.SetHover(c.hover);
-        EnableWindow(hwnd, c.enabled);
-        const Capture shown = Shown(hwnd);
-        EXPECT_EQ(check.GetGraphicalState(), c.state);
-        EXPECT_EQ(check.GetCheck(), c.check);
-        EXPECT_TRUE(Close(shown.At(9, 9), PixelOf(skin->GetStateSkin(c.state).GetBitmap(), 8, 8))) << "state " << c.state;
-    }
-    check.SetHover(false);
-    EnableWindow(hwnd, TRUE);
-    const Capture unfocused = Shown(hwnd);
-    SetFocus(hwnd);
-    const Capture focused = Shown(hwnd);
-    EXPECT_NE(focused.pixels, unfocused.pixels) << "the focus rectangle";
-    EXPECT_EQ(focused.At(9, 9), unfocused.At(9, 9));
 }
 
 // Right to left a check button's buffer, mark and text together, is the left-to-right one mirrored whole: the
 // mark loads turned so that the buffer's turn gives it back as drawn, and then turns it with everything else.
 TEST_F(CommonCheckButtons, CheckButtonMirrorsWhole)
 {
-    Parent();
     Capture shown[2];
     for (DWORD layout : {0u, 1u}) {
         CVuikLib::SetLayout(layout);
@@ -332,6 +255,7 @@ TEST_F(CommonCheckButtons, CheckButtonMirrorsWhole)
 // Every look of both families, in both themes and layouts, against reviewed pictures.
 TEST_F(CommonCheckButtons, Golden)
 {
+    DestroyWindow(m_parent);
     for (const wchar_t* theme : {L"Default", L"Graphite"})
         for (DWORD layout : {0u, 1u}) {
             UseTheme(theme);
@@ -380,7 +304,6 @@ TEST_F(CommonCheckButtons, Golden)
 // holds the theme's shared pictures, as an application's other buttons would.
 TEST_F(CommonCheckButtons, HandleHygiene)
 {
-    Parent();
     zcmod_test::HandleCounter counter;
     CVuikCommonButtonCtrl common;
     HWND hc = common.Create(m_parent, RECT{10, 10, 40, 40}, 1, WS_CHILD, 0, CommonButtonSmall);
@@ -392,17 +315,14 @@ TEST_F(CommonCheckButtons, HandleHygiene)
     const auto changeStates = [&](int rounds) {
         for (int i = 0; i < rounds; ++i) {
             HWND hwnd = windows[i % 3];
-            switch (i / 3 % 4) {
-                case 0: SendMessageW(hwnd, BM_SETCHECK, 1, 0); break;
-                case 1: SendMessageW(hwnd, WM_SETFOCUS, 0, 0); SendMessageW(hwnd, BM_SETSTATE, 1, 0); break;
-                case 2: EnableWindow(hwnd, FALSE); break;
-                default:
-                    EnableWindow(hwnd, TRUE);
-                    SendMessageW(hwnd, WM_KILLFOCUS, 0, 0);
-                    SendMessageW(hwnd, BM_SETSTATE, 0, 0);
-                    SendMessageW(hwnd, BM_SETCHECK, 0, 0);
-                    break;
-            }
+            const int step = i / 3 % 4;
+            SendMessageW(hwnd, step == 1 ? WM_SETFOCUS : step == 3 ? WM_KILLFOCUS : WM_NULL, 0, 0);
+            if (step == 0 || step == 3)
+                SendMessageW(hwnd, BM_SETCHECK, step == 0, 0);
+            if (step == 1 || step == 3)
+                SendMessageW(hwnd, BM_SETSTATE, step == 1, 0);
+            if (step >= 2)
+                EnableWindow(hwnd, step == 3);
             if (i % 15 >= 12)  // a burst of changes costs one build: one change in five is painted
                 SendMessageW(hwnd, WM_PAINT, 0, 0);
         }
@@ -429,10 +349,7 @@ TEST_F(CommonCheckButtons, HandleHygiene)
         }
     };
     // The kept controls' buffers are built (if dropped) before each count, whatever dropped them in between.
-    const auto paintKept = [&] {
-        for (HWND hwnd : windows)
-            SendMessageW(hwnd, WM_PAINT, 0, 0);
-    };
+    const auto paintKept = [&] { changeStates(0); };
     lives(1);
     paintKept();
     before = counter.Live();

@@ -36,7 +36,6 @@ struct Look {
 const Look kLooks[] = {{L"Default", false}, {L"Default", true}, {L"Graphite", false}, {L"Graphite", true}};
 
 COLORREF ThemeColour(UINT id) { return DkhLoadColor(nullptr, id); }
-uint32_t Rgb(COLORREF c) { return (GetRValue(c) << 16) | (GetGValue(c) << 8) | GetBValue(c); }
 bool Dark(uint32_t pixel) { return ((pixel >> 16 & 0xFF) + (pixel >> 8 & 0xFF) + (pixel & 0xFF)) < 3 * 0x70; }
 
 // What the screen shows of a window, its whole rectangle or its client area, left to right as the eye sees
@@ -52,6 +51,13 @@ Capture CaptureScreen(HWND hwnd, bool clientOnly = false)
             std::swap(r.left, r.right);
     }
     return testskin::CaptureScreen(r);
+}
+
+int Height(HWND hwnd)
+{
+    RECT r = {};
+    GetClientRect(hwnd, &r);
+    return r.bottom;
 }
 
 void InsertColumn(HWND list, int index, const wchar_t* text, int width, int format)
@@ -162,15 +168,7 @@ TEST_F(EditCtrlTest, TypingKeepsTheBorderAndShowsTheParent)
                 DestroyWindow(parent);
                 continue;
             }
-            if (!look.rtl) {  // (in a mirrored window the client's piece comes through the parent's OnRepaint)
-                EXPECT_EQ(c.At(w - 8, h / 2), right) << "the parent under the text";
-            }
-            const int textSide = look.rtl ? w - 14 : 14;
-            int ink = 0;
-            for (int x = textSide - 8; x < textSide + 8; ++x)
-                for (int y = 3; y < h - 3; ++y)
-                    ink += Near(c.At(x, y), Rgb(ThemeColour(ZGR_COLOR_TEXT)), 60);
-            EXPECT_GT(ink, 4) << "the typed text is drawn near the leading edge";
+            // The golden pins the rest: the parent under the text, the typed text near the leading edge.
             EXPECT_TRUE(zcmod_test::MatchesGolden(look.Name("edit"), c.width, c.height, c.pixels.data()));
 
             // Disabled: the state follows, the border stays.
@@ -311,9 +309,9 @@ TEST_F(ListViewCtrlTest, AnyStyleBecomesAnOwnerDrawnReportView)
     }
 }
 
-// Columns and rows in both themes and layouts: the header's gradient, line, separators and left-aligned text
-// clipped to its column; a click and the Down key select rows that the owner draws in the highlight, while the
-// header stays painted.
+// Columns and rows in both themes and layouts: a click and the Down key select rows that the owner draws in
+// the highlight, while the header stays painted. The golden pins the header's gradient, line, separators and
+// left-aligned text clipped to its column, and the rows.
 TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
 {
     for (const Look& look : kLooks) {
@@ -328,8 +326,7 @@ TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
         AddColumns();
         SetForegroundWindow(m_owner);
         Recorder::Pump(40);
-        const COLORREF headerText = ThemeColour(ZGR_COLOR_LISTVIEW_HEADER_TEXT);
-        EXPECT_EQ(ctrl.GetHeaderSkin()->GetTextColor(), headerText);
+        EXPECT_EQ(ctrl.GetHeaderSkin()->GetTextColor(), ThemeColour(ZGR_COLOR_LISTVIEW_HEADER_TEXT));
 
         input::Click(RowPoint(2, 40));
         Recorder::Pump(60);
@@ -340,45 +337,7 @@ TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
         EXPECT_EQ(ListView_GetNextItem(list, -1, LVNI_SELECTED), 3);
         RedrawWindow(list, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
         Recorder::Pump(20);
-
-        const Capture rows = CaptureScreen(list, true);
-        const int x = look.rtl ? rows.width - 4 : 4;
-        auto rowPixel = [&](int row) {
-            POINT p = RowPoint(row, 4);
-            ScreenToClient(list, &p);
-            return rows.At(x, p.y);
-        };
-        EXPECT_EQ(rowPixel(3), Rgb(m_highlight));
-        EXPECT_EQ(rowPixel(2), Rgb(m_fill));
-
-        const Capture head = CaptureScreen(ctrl.GetHeader(), true);
-        const int hh = head.height, mid = hh / 2;
-        EXPECT_GE(hh, 19) << "the header's font sets its height";
-        auto at = [&](int x0, int y) { return head.At(look.rtl ? head.width - 1 - x0 : x0, y); };
-        EXPECT_EQ(at(5, hh - 1), 0xD2D2D2u);
-        EXPECT_TRUE(Near(at(5, 0), 0xFFFFFF, 2) && Near(at(5, hh - 2), 0xF4F4F5, 3)) << std::hex << at(5, hh - 2);
-        // (The third column's long text covers its own separator.)
-        for (int right : {120, 230}) {
-            // (A mirrored context may put a one-pixel line one pixel further.)
-            EXPECT_TRUE(at(right - 1, mid) == 0xD2D2D2u || (look.rtl && at(right, mid) == 0xD2D2D2u)) << right;
-            EXPECT_EQ(at(right - 1, mid - 5), at(right - 5, mid - 5)) << "a separator is only 8 pixels long";
-        }
-        // Each column's text starts 10 pixels in, left-aligned even where the column says right; the long
-        // one ends at its column's edge.
-        auto firstInk = [&](int from, int to) {
-            for (int x0 = from; x0 < to; ++x0)
-                for (int y = 0; y < hh; ++y)
-                    if (Dark(at(x0, y)))
-                        return x0;
-            return -1;
-        };
-        EXPECT_EQ(firstInk(0, 10), -1);
-        for (int left : {0, 120, 230}) {
-            const int ink = firstInk(left, left + 60);
-            EXPECT_TRUE(ink >= left + 10 && ink <= left + 12) << left << ": " << ink;
-        }
-        EXPECT_EQ(firstInk(320, head.width), -1) << "the long text is clipped to its column";
-
+        EXPECT_GE(Height(ctrl.GetHeader()), 19) << "the header's font sets its height";
         const Capture whole = CaptureScreen(list);
         EXPECT_TRUE(zcmod_test::MatchesGolden(look.Name("listview"), whole.width, whole.height, whole.pixels.data()));
         DestroyWindow(m_owner);

@@ -33,8 +33,8 @@ namespace {
 // What the helper thread saw of a box, in the box's client coordinates (as its layout reads them).
 struct Seen {
     HWND box = nullptr;
-    RECT window = {}, client = {}, text = {}, icon = {};
-    std::map<UINT, RECT> buttons;  // live buttons by id
+    RECT window = {}, client = {}, text = {}, icon = {}, row = {};
+    std::map<UINT, RECT> buttons;  // live buttons by id; `row` holds them all
     std::map<UINT, std::wstring> buttonTexts;
     std::wstring message, title;
     LONG_PTR exStyle = 0, textExStyle = 0;
@@ -88,6 +88,7 @@ Seen Look(HWND box)
         const UINT id = GetDlgCtrlID(child);
         if (lstrcmpiW(cls, L"Button") == 0 && (id == IDOK || id == IDCANCEL || id == IDYES || id == IDNO)) {
             s.buttons[id] = ClientRectOf(child, box);
+            UnionRect(&s.row, &s.row, &s.buttons[id]);
             GetWindowTextW(child, buffer, 2048);
             s.buttonTexts[id] = buffer;
         } else if (lstrcmpiW(cls, L"Static") == 0 && id == 0) {
@@ -107,30 +108,20 @@ Seen Look(HWND box)
     return s;
 }
 
-// A real click: the cursor moves to the middle of `target` and the left button goes down and up there.
-void SendMouse(DWORD flags, int x = 0, int y = 0)
-{
-    INPUT input = {};
-    input.type = INPUT_MOUSE;
-    input.mi.dwFlags = flags;
-    if (flags & MOUSEEVENTF_ABSOLUTE) {
-        input.mi.dx = (x * 65535 + GetSystemMetrics(SM_CXSCREEN) / 2) / (GetSystemMetrics(SM_CXSCREEN) - 1);
-        input.mi.dy = (y * 65535 + GetSystemMetrics(SM_CYSCREEN) / 2) / (GetSystemMetrics(SM_CYSCREEN) - 1);
-    }
-    SendInput(1, &input, sizeof(INPUT));
-    Sleep(40);
-}
-
+// A real click from the helper thread: the cursor moves to the middle of `target` (the last step small), and
+// the left button goes down and up there.
 void PostClick(HWND target)
 {
-    RECT r;
-    GetWindowRect(target, &r);
     SetForegroundWindow(GetAncestor(target, GA_ROOT));
-    const int x = (r.left + r.right) / 2, y = (r.top + r.bottom) / 2;
-    SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, x - 3, y - 2);
-    SendMouse(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE, x, y);
-    SendMouse(MOUSEEVENTF_LEFTDOWN);
-    SendMouse(MOUSEEVENTF_LEFTUP);
+    const POINT c = msgseq::input::Centre(target);
+    msgseq::input::MoveTo(POINT{c.x - 3, c.y - 2});
+    Sleep(40);
+    msgseq::input::MoveTo(c);
+    Sleep(40);
+    msgseq::input::LeftDown();
+    Sleep(40);
+    msgseq::input::LeftUp();
+    Sleep(40);
 }
 
 void PostKey(HWND box, WPARAM key)
@@ -211,40 +202,29 @@ BoxRun RunBox(const std::function<int()>& show, Action action, UINT id = 0,
 int Width(const RECT& r) { return r.right - r.left; }
 int Height(const RECT& r) { return r.bottom - r.top; }
 
-// The extent of one line of `text` in the suite's font of `height` and `weight`, or in `font`.
-SIZE Measure(const wchar_t* text, HFONT font)
+// The extent of one line of `text` in the suite's font of `height` and `weight`, or without a height in the
+// window caption's font.
+SIZE Measure(const wchar_t* text, int height = 0, int weight = 0)
 {
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = 500;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, 500, &metrics, 0);
+    LOGFONTW lf = metrics.lfCaptionFont;
+    if (height) {
+        DkhLoadFont(&lf);
+        lf.lfHeight = height;
+        lf.lfWeight = weight;
+        lf.lfCharSet = DEFAULT_CHARSET;
+    }
+    HFONT font = CreateFontIndirectW(&lf);
     HDC dc = GetDC(nullptr);
     HGDIOBJ old = SelectObject(dc, font);
     RECT r = {0, 0, 0, 0};
     DrawTextW(dc, text, -1, &r, DT_CALCRECT);
     SelectObject(dc, old);
     ReleaseDC(nullptr, dc);
+    DeleteObject(font);
     return SIZE{r.right, r.bottom};
-}
-
-SIZE MeasureSuite(const wchar_t* text, int height, int weight)
-{
-    LOGFONTW lf = {};
-    DkhLoadFont(&lf);
-    lf.lfHeight = height;
-    lf.lfWeight = weight;
-    lf.lfCharSet = DEFAULT_CHARSET;
-    HFONT font = CreateFontIndirectW(&lf);
-    const SIZE size = Measure(text, font);
-    DeleteObject(font);
-    return size;
-}
-
-SIZE MeasureCaption(const wchar_t* text)
-{
-    NONCLIENTMETRICSW metrics = {};
-    metrics.cbSize = 500;
-    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, 500, &metrics, 0);
-    HFONT font = CreateFontIndirectW(&metrics.lfCaptionFont);
-    const SIZE size = Measure(text, font);
-    DeleteObject(font);
-    return size;
 }
 
 class MessageBoxes : public ::testing::Test {
@@ -333,10 +313,7 @@ TEST_F(MessageBoxes, EachTypeKeepsItsButtonsAndReturnsTheChoice)
         const auto show = c.common ? Common(L"Delete the message?", L"Messages", c.type)
                                    : Plain(L"Delete the message?", L"Messages", c.type);
         BoxRun run = RunBox(show, c.action, c.id);
-        EXPECT_FALSE(run.hung) << "window " << run.seen.window.left << "," << run.seen.window.top << " "
-                               << Width(run.seen.window) << "x" << Height(run.seen.window) << " button at "
-                               << run.seen.buttons[c.id].left << "," << run.seen.buttons[c.id].top << " "
-                               << Width(run.seen.buttons[c.id]) << "x" << Height(run.seen.buttons[c.id]);
+        EXPECT_FALSE(run.hung);
         EXPECT_EQ(run.result, c.result);
         std::vector<UINT> live;
         for (const auto& b : run.seen.buttons)
@@ -353,24 +330,19 @@ TEST_F(MessageBoxes, EachTypeKeepsItsButtonsAndReturnsTheChoice)
     }
 }
 
+// The common box's buttons carry the language's words; the older box has its own four until the application
+// names string ids.
 TEST_F(MessageBoxes, ButtonsCarryTheLanguagesWordsAndTheCaptionsGiven)
 {
-    for (const wchar_t* language : {L"eng", L"heb"}) {
-        SetUpResources(language, L"Default");
-        BoxRun run = RunBox(Common(L"?", L"T", MB_YESNOCANCEL), Click, IDYES);
-        EXPECT_FALSE(run.hung);
-        EXPECT_EQ(run.seen.buttonTexts[IDYES], LanguageString(ZLR_STR_MSGBOX_YES));
-        EXPECT_EQ(run.seen.buttonTexts[IDNO], LanguageString(ZLR_STR_MSGBOX_NO));
-        EXPECT_EQ(run.seen.buttonTexts[IDCANCEL], LanguageString(ZLR_STR_MSGBOX_CANCEL));
-        EXPECT_EQ(std::wstring(language) == L"heb", run.seen.buttonTexts[IDYES] == L"\x05DB\x05DF");
-    }
-    // The older box: its own four words until the application names string ids.
     BoxRun run = RunBox(Plain(L"?", L"T", MB_OKCANCEL), Click, IDOK);
     EXPECT_EQ(run.seen.buttonTexts[IDOK], L"OK");
     EXPECT_EQ(run.seen.buttonTexts[IDCANCEL], L"Cancel");
-    CVuikMessageBox::SetButtonCaptions(ZCMOD_GetCommonZLR(), ZLR_STR_MSGBOX_OK, ZLR_STR_MSGBOX_CANCEL,
-                                       ZLR_STR_MSGBOX_YES, ZLR_STR_MSGBOX_NO);
     SetUpResources(L"heb", L"Default");
+    run = RunBox(Common(L"?", L"T", MB_YESNOCANCEL), Click, IDYES);
+    EXPECT_EQ(run.result, IDYES);
+    EXPECT_EQ(run.seen.buttonTexts[IDYES], L"\x05DB\x05DF");
+    EXPECT_EQ(run.seen.buttonTexts[IDNO], LanguageString(ZLR_STR_MSGBOX_NO));
+    EXPECT_EQ(run.seen.buttonTexts[IDCANCEL], LanguageString(ZLR_STR_MSGBOX_CANCEL));
     CVuikMessageBox::SetButtonCaptions(ZCMOD_GetCommonZLR(), ZLR_STR_MSGBOX_OK, ZLR_STR_MSGBOX_CANCEL,
                                        ZLR_STR_MSGBOX_YES, ZLR_STR_MSGBOX_NO);
     run = RunBox(Plain(L"?", L"T", MB_YESNO), Click, IDNO);
@@ -427,14 +399,10 @@ TEST_F(MessageBoxes, CommonLayoutFollowsTheMeasuredTitleAndText)
         const int bw = Width(first), bh = Height(first);
         EXPECT_EQ(bw, 32);
         // The row: right-aligned, 5 apart, one pixel above the bottom.
-        int left = s.client.right, right = 0;
-        for (const auto& b : s.buttons) {
-            left = std::min<int>(left, b.second.left);
-            right = std::max<int>(right, b.second.right);
-            EXPECT_EQ(b.second.top, s.client.bottom - bh - 1);
-        }
-        EXPECT_EQ(left, s.client.right - n * bw - (15 + 5 * n));
-        EXPECT_EQ(right - left, n * bw + (n - 1) * 5);
+        EXPECT_EQ(s.row.bottom, s.client.bottom - 1);
+        EXPECT_EQ(Height(s.row), bh);
+        EXPECT_EQ(s.row.left, s.client.right - n * bw - (15 + 5 * n));
+        EXPECT_EQ(Width(s.row), n * bw + (n - 1) * 5);
         // The text: below the 30-pixel caption, from the margin or past the icon, to the right edge.
         EXPECT_EQ(s.text.top, 21 + 30);
         EXPECT_EQ(s.text.left, icon ? GetSystemMetrics(SM_CXICON) + 42 : 21);
@@ -446,7 +414,7 @@ TEST_F(MessageBoxes, CommonLayoutFollowsTheMeasuredTitleAndText)
             EXPECT_EQ(Width(s.icon), 32);
         }
         // Height: twice the text, the title, the buttons and 63.
-        const SIZE title = MeasureSuite(c.title, 17, FW_NORMAL);
+        const SIZE title = Measure(c.title, 17, FW_NORMAL);
         EXPECT_EQ(Height(s.window), 2 * Height(s.text) + title.cy + bh + 63);
         const int minWidth = 40 + 42 + title.cx;  // the close button's picture is 40 wide
         EXPECT_GE(Width(s.window), minWidth);
@@ -454,7 +422,7 @@ TEST_F(MessageBoxes, CommonLayoutFollowsTheMeasuredTitleAndText)
         if (c.titleDecides) {
             EXPECT_EQ(Width(s.window), minWidth);
         }
-        const int lineHeight = MeasureSuite(L"W", 15, FW_MEDIUM).cy;
+        const int lineHeight = Measure(L"W", 15, FW_MEDIUM).cy;
         if (c.wraps) {
             // The limit is half the desktop less the margins; the word is broken onto more lines.
             EXPECT_LE(Width(s.window), icon ? GetSystemMetrics(SM_CXICON) + 84 + half - 63 : half - 42 + 63);
@@ -493,20 +461,17 @@ TEST_F(MessageBoxes, OlderLayoutCentresTheRowUnderTheText)
         const RECT first = s.buttons.begin()->second;
         const int bw = Width(first), bh = Height(first);
         EXPECT_EQ(bh, 20);  // sized to the skin's pieces
-        int left = s.client.right, right = 0;
-        for (const auto& b : s.buttons) {
-            left = std::min<int>(left, b.second.left);
-            right = std::max<int>(right, b.second.right);
-            EXPECT_EQ(b.second.top, s.client.bottom - bh - 10);
-        }
-        EXPECT_EQ(right - left, n * bw + (n - 1) * 5);
-        EXPECT_EQ(left, (s.client.right - n * bw - (n - 1) * 5) / 2);
+        // The row: centred, 5 apart, ten pixels above the bottom.
+        EXPECT_EQ(s.row.bottom, s.client.bottom - 10);
+        EXPECT_EQ(Height(s.row), bh);
+        EXPECT_EQ(Width(s.row), n * bw + (n - 1) * 5);
+        EXPECT_EQ(s.row.left, (s.client.right - n * bw - (n - 1) * 5) / 2);
         EXPECT_EQ(s.text.left, (c.type & 0xF0) == MB_USERICON ? 16 + 42 : 21);
         EXPECT_EQ(s.text.top, 21);
         EXPECT_EQ(s.text.right, s.client.right);
-        EXPECT_EQ(Height(s.window), Height(s.text) + MeasureCaption(c.title).cy + bh + 63);
+        EXPECT_EQ(Height(s.window), Height(s.text) + Measure(c.title).cy + bh + 63);
         EXPECT_LE(Width(s.window), std::max(half - 42 + 42, n * bw + (n + 1) * 21 + 1));
-        EXPECT_GE(Width(s.window), GetSystemMetrics(SM_CXSIZE) + 42 + MeasureCaption(c.title).cx);
+        EXPECT_GE(Width(s.window), GetSystemMetrics(SM_CXSIZE) + 42 + Measure(c.title).cx);
     }
 }
 

@@ -14,6 +14,7 @@
 
 #include "HandleCounter.h"
 #include "RtlDialogIds.h"
+#include "TestSkins.h"
 #include "TestSupport.h"
 #include "frame/core/DialogTemplate.h"
 #include "zcmod/CommonModuleState.h"
@@ -86,14 +87,6 @@ Layout CreateAndMeasure(const void* dialogTemplate, const std::vector<zcmod::Dia
     return layout;
 }
 
-bool SameItems(const zcmod::DialogItemInfo& a, const zcmod::DialogItemInfo& b)
-{
-    return a.helpId == b.helpId && a.style == b.style && a.exStyle == b.exStyle && a.x == b.x && a.y == b.y &&
-           a.cx == b.cx && a.cy == b.cy && a.id == b.id && a.windowClass.text == b.windowClass.text &&
-           a.windowClass.ordinal == b.windowClass.ordinal && a.title.text == b.title.text &&
-           a.creationData == b.creationData;
-}
-
 uint32_t DwordAt(const std::vector<uint8_t>& bytes, size_t offset)
 {
     return bytes[offset] | (bytes[offset + 1] << 8) | (bytes[offset + 2] << 16) | (static_cast<uint32_t>(bytes[offset + 3]) << 24);
@@ -144,22 +137,18 @@ TEST(RtlHelper, FlipsTemplatesOfBothLayoutsAndMirrorsEveryControl)
 
         DLGTEMPLATE* flipped = CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(c.id), 1);
         EXPECT_EQ(flipped, asLoaded) << "the loaded resource itself changes";
+        // Nothing but the layout bit of the dialog's extended style changes.
         const std::vector<uint8_t> after = TemplateBytes(TestModule(), c.id, flipped);
         for (size_t i = 0; i < after.size(); ++i)
             EXPECT_EQ(after[i], original[i] | (i == styleOffset + 2 ? 0x40 : 0)) << "byte " << i;
         EXPECT_EQ(DwordAt(after, styleOffset), before.exStyle | WS_EX_LAYOUTRTL);
-        zcmod::DialogTemplateInfo parsed;
-        ASSERT_TRUE(zcmod::ParseDialogTemplate(after.data(), after.size(), parsed));
-        ASSERT_EQ(parsed.items.size(), before.items.size());
-        for (size_t i = 0; i < parsed.items.size(); ++i)
-            EXPECT_TRUE(SameItems(parsed.items[i], before.items[i])) << "item " << i;
 
         // Nothing clears the bit again.
         EXPECT_EQ(DwordAt(TemplateBytes(TestModule(), c.id, CRTLHelper::FlipDialog(TestModule(), MAKEINTRESOURCEW(c.id), 0)),
                           styleOffset) & WS_EX_LAYOUTRTL,
                   static_cast<uint32_t>(WS_EX_LAYOUTRTL));
 
-        const Layout rtl = CreateAndMeasure(flipped, parsed.items);
+        const Layout rtl = CreateAndMeasure(flipped, before.items);
         EXPECT_TRUE(rtl.rtl);
         EXPECT_EQ(rtl.clientWidth, ltr.clientWidth);
         for (const auto& [id, r] : ltr.controls) {
@@ -248,12 +237,14 @@ TEST(RtlHelper, LanguageIdFromTheRegistry)
 
 namespace {
 
-// A dialog of one of the library's templates that runs `step` once it is up; the step closes it.
+// A dialog of one of the library's templates that runs `step` once it is up; the step closes it, else the
+// watchdog does after five seconds.
 class ProbeDialog : public CDkhDialog {
 public:
     explicit ProbeDialog(WORD id) : CDkhDialog(id) {}
     std::function<void(ProbeDialog&)> step;
     int closings = 0;
+    bool watchdogFired = false;
     HBRUSH BackgroundBrush() const { return m_hBackgroundBrush; }
     HBRUSH NullBrush() const { return m_hNullBrush; }
 
@@ -262,6 +253,7 @@ protected:
     {
         const INT_PTR result = CDkhDialog::OnInitDialog();
         SetTimer(m_hWnd, 1, 10, nullptr);
+        SetTimer(m_hWnd, 2, 5000, nullptr);
         return result;
     }
     INT_PTR DialogProc(UINT message, WPARAM wParam, LPARAM lParam) override
@@ -271,6 +263,10 @@ protected:
             if (step)
                 step(*this);
             return 1;
+        }
+        if (message == WM_TIMER && wParam == 2) {
+            watchdogFired = true;
+            EndDialog(m_hWnd, -2);
         }
         return CDkhDialog::DialogProc(message, wParam, lParam);
     }
@@ -285,31 +281,6 @@ protected:
         CDkhDialog::OnCancel();
     }
 };
-
-HWND g_watchedDialog = nullptr;
-bool g_watchdogFired = false;
-
-void CALLBACK Watchdog(HWND, UINT, UINT_PTR, DWORD)
-{
-    g_watchdogFired = true;
-    if (g_watchedDialog)
-        EndDialog(g_watchedDialog, -2);
-}
-
-COLORREF PixelAfter(HWND dialog, UINT message)
-{
-    HDC screen = GetDC(nullptr);
-    HDC dc = CreateCompatibleDC(screen);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, 8, 8);
-    ReleaseDC(nullptr, screen);
-    HGDIOBJ old = SelectObject(dc, bitmap);
-    SendMessageW(dialog, message, reinterpret_cast<WPARAM>(dc), 0);
-    const COLORREF pixel = GetPixel(dc, 3, 3);
-    SelectObject(dc, old);
-    DeleteObject(bitmap);
-    DeleteDC(dc);
-    return pixel;
-}
 
 }  // namespace
 
@@ -354,7 +325,6 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
         HBRUSH brush = nullptr;
         dialog.step = [&](ProbeDialog& d) {
             seen = d.GetSafeHwnd();
-            g_watchedDialog = seen;
             brush = d.BackgroundBrush();
             EXPECT_EQ(CDkhDialog::FromHandle(seen), &d);
             EXPECT_NE(GetDlgItem(seen, c.controlId), nullptr);
@@ -387,7 +357,9 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
             }
             DeleteDC(dc);
             EXPECT_EQ(d.NullBrush(), GetStockObject(NULL_BRUSH));
-            EXPECT_EQ(PixelAfter(seen, WM_ERASEBKGND), c.background);
+            testskin::Canvas erased(8, 8);
+            SendMessageW(seen, WM_ERASEBKGND, reinterpret_cast<WPARAM>(static_cast<HDC>(erased)), 0);
+            EXPECT_EQ(GetPixel(erased, 3, 3), c.background);
 
             // A click carries its notification in the high word; only the whole word 1 or 2 closes.
             SendMessageW(seen, WM_COMMAND, MAKEWPARAM(IDOK, EN_CHANGE), 0);
@@ -395,13 +367,9 @@ TEST(DkhDialog, MapColoursAndBrushesOfAModalDialog)
             EXPECT_EQ(d.closings, 0);
             PostMessageW(seen, WM_COMMAND, c.closer, 0);
         };
-        g_watchdogFired = false;
-        const UINT_PTR watchdog = SetTimer(nullptr, 0, 5000, Watchdog);
         const INT_PTR result = dialog.DoModal(nullptr);
-        KillTimer(nullptr, watchdog);
-        g_watchedDialog = nullptr;
         state.m_pResHandler = restore.handler;
-        ASSERT_FALSE(g_watchdogFired) << "the dialog never closed";
+        ASSERT_FALSE(dialog.watchdogFired) << "the dialog never closed";
         EXPECT_EQ(result, static_cast<INT_PTR>(c.closer));
         ASSERT_NE(seen, nullptr);
         EXPECT_EQ(CDkhDialog::FromHandle(seen), nullptr) << "WM_DESTROY leaves the map";
@@ -442,8 +410,7 @@ TEST(RecipientRules, OnARichEditBox)
         const wchar_t* text;
         int start;
         int end;
-    } carets[] = {{2, 1, L"Ann <1>", 0, 7}, {10, 1, L"b\U0001F600b", 9, 13}, {14, 1, L"12", 15, 17},
-                  {8, 1, L"b\U0001F600b", 9, 13}};
+    } carets[] = {{10, 1, L"b\U0001F600b", 9, 13}, {8, 1, L"b\U0001F600b", 9, 13}};
     for (const auto& c : carets) {
         SCOPED_TRACE(c.caret);
         SendMessageW(edit, EM_SETSEL, c.caret, c.caret);

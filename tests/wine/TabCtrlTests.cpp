@@ -1,6 +1,7 @@
 // The skinned tab control, with the gallery's pieces of both themes: switching by mouse and keyboard, rows
-// behind the selected one, no tabs, the strip repainted through the parent, right to left, pixel goldens and
-// handle hygiene. Pixels are read from the screen, where a right-to-left window shows mirrored.
+// behind the selected one, no tabs, the strip repainted through the parent, a missing piece, right to left,
+// pixel goldens and handle hygiene. Pixels are read from the screen, where a right-to-left window shows
+// mirrored.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -16,23 +17,16 @@
 namespace {
 
 using testskin::Capture;
+using testskin::Rgb;
 
-struct Theme {
-    const char* name;
+// The gallery's pieces of each shipped theme (as testskin::kThemes), and their text colour.
+const struct {
     UINT firstId;
-    COLORREF strip;  // the parent's colour, behind the tabs
     COLORREF text;
-};
-const Theme kDefault = {"Default", IDB_GALLERY_TAB_DEFAULT, RGB(0xf2, 0xf5, 0xf9), RGB(0x20, 0x26, 0x2e)};
-const Theme kGraphite = {"Graphite", IDB_GALLERY_TAB_GRAPHITE, RGB(0x23, 0x27, 0x2e), RGB(0xe8, 0xec, 0xf1)};
+} kArt[] = {{IDB_GALLERY_TAB_DEFAULT, RGB(0x20, 0x26, 0x2e)}, {IDB_GALLERY_TAB_GRAPHITE, RGB(0xe8, 0xec, 0xf1)}};
 
 const std::vector<const wchar_t*> kThree = {L"General", L"Display", L"Phone"};
 const std::vector<const wchar_t*> kFive = {L"General", L"Display", L"Phone", L"Advanced", L"About"};
-
-uint32_t Rgb(COLORREF c)
-{
-    return (GetRValue(c) << 16) | (GetGValue(c) << 8) | GetBValue(c);
-}
 
 // What the parent hears from the tab control: selection changes and requests for the strip.
 struct ParentLog {
@@ -60,48 +54,45 @@ protected:
                              L"Tahoma");
         m_bold = CreateFontW(-12, 0, 0, 0, FW_BOLD, 0, 0, 0, DEFAULT_CHARSET, 0, 0, NONANTIALIASED_QUALITY, 0,
                              L"Tahoma");
-        UseTheme(kDefault);
+        UseTheme(0);
     }
     void TearDown() override
     {
-        Destroy();
+        m_panel.Close();  // takes the tab control with it
         DeleteObject(m_font);
         DeleteObject(m_bold);
         g_log = ParentLog();
     }
 
-    void UseTheme(const Theme& theme)
+    void UseTheme(int theme)
     {
         m_theme = theme;
-        m_skin.SetSkinDef(Def(theme.firstId));
+        m_panel.UseTheme(testskin::kThemes[theme]);
+        m_skin.SetSkinDef(Def());
         m_skin.Load();
-        ASSERT_TRUE(m_skin.IsValid()) << theme.name;
-        m_panelSkin.SetSkinDef({theme.strip, theme.strip});
+        ASSERT_TRUE(m_skin.IsValid()) << theme;
     }
-    CVuikTabSkinDef Def(UINT firstId) const
+    CVuikTabSkinDef Def() const
     {
         CVuikTabSkinDef def = {};
         for (int i = 0; i < TAB_PIECE_COUNT; ++i)
-            def.m_nFrameBitmapIds[i] = i == IDB_GALLERY_TAB_SPARE ? 0 : firstId + i;
-        def.m_crText = def.m_crSelectedText = m_theme.text;
+            def.m_nFrameBitmapIds[i] = i == IDB_GALLERY_TAB_SPARE ? 0 : kArt[m_theme].firstId + i;
+        def.m_crText = def.m_crSelectedText = kArt[m_theme].text;
         def.m_hFont = m_font;
         def.m_hSelectedFont = m_bold;
         return def;
     }
 
-    // A parent in the strip's colour at (60, 60) with the tab control filling it, painted.
+    // A panel in the strip's colour at (60, 60) with the tab control filling it, painted.
     void Make(const std::vector<const wchar_t*>& names, int width, int height, DWORD style = 0, bool rtl = false,
               int select = 0)
     {
-        Destroy();
-        m_panel.SetSkin(&m_panelSkin);
-        m_panel.Create(msgseq::PlainClass(), nullptr, RECT{60, 60, 60 + width, 60 + height}, L"", 0,
-                       WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN, rtl ? WS_EX_LAYOUTRTL : 0, nullptr);
-        ASSERT_TRUE(m_panel.m_hWnd);
+        HWND panel = m_panel.Open(RECT{60, 60, 60 + width, 60 + height}, rtl);
+        ASSERT_TRUE(panel);
         g_log = ParentLog();
         g_log.previous = reinterpret_cast<WNDPROC>(
-            SetWindowLongPtrW(m_panel.m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(LoggingParent)));
-        ASSERT_TRUE(m_tabs.Create(m_panel.m_hWnd, RECT{0, 0, width, height}, 7, WS_CHILD | WS_VISIBLE | style,
+            SetWindowLongPtrW(panel, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(LoggingParent)));
+        ASSERT_TRUE(m_tabs.Create(panel, RECT{0, 0, width, height}, 7, WS_CHILD | WS_VISIBLE | style,
                                   rtl ? WS_EX_LAYOUTRTL : 0));
         g_log.tab = m_tabs.m_hWnd;
         SendMessageW(m_tabs.m_hWnd, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), 0);
@@ -110,59 +101,45 @@ protected:
             m_tabs.InsertItem(static_cast<int>(i), names[i]);
         m_tabs.SetSkin(&m_skin);
         m_tabs.SetCurSel(select);
-        SetForegroundWindow(m_panel.m_hWnd);
-        RedrawWindow(m_panel.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-        msgseq::Recorder::Pump(20);
-    }
-    void Destroy()
-    {
-        m_panel.DeleteBackBuffer();  // the object outlives its window here
-        if (m_panel.m_hWnd && IsWindow(m_panel.m_hWnd))
-            DestroyWindow(m_panel.m_hWnd);  // takes the tab control with it
-        m_panel.m_hWnd = m_tabs.m_hWnd = nullptr;
+        m_panel.Paint();
     }
 
-    // The tab control as the screen shows it.
     Capture Screen() const { return testskin::CaptureOnScreen(m_tabs.m_hWnd); }
-    // Where the point (x, y) of the control's client area lies on the screen, and in Screen().
-    POINT ToScreen(int x, int y) const
-    {
-        POINT p = {x, y};
-        MapWindowPoints(m_tabs.m_hWnd, nullptr, &p, 1);
-        return p;
-    }
-    POINT OnCapture(int x, int y) const
-    {
-        RECT r;
-        GetWindowRect(m_tabs.m_hWnd, &r);
-        const POINT p = ToScreen(x, y);
-        return POINT{p.x - r.left, p.y - r.top};
-    }
     RECT Item(int i) const
     {
         RECT r = {};
         m_tabs.GetItemRect(i, &r);
         return r;
     }
-    // The colour of the selected tab's accent bar and of a resting tab's face, from the pieces themselves.
+    // The point (x, y) of the control's client area, on the screen and in Screen().
+    POINT ToScreen(int x, int y) const
+    {
+        POINT p = {x, y};
+        MapWindowPoints(m_tabs.m_hWnd, nullptr, &p, 1);
+        return p;
+    }
+    uint32_t At(const Capture& c, int x, int y) const
+    {
+        RECT r;
+        GetWindowRect(m_tabs.m_hWnd, &r);
+        const POINT p = ToScreen(x, y);
+        return c.At(p.x - r.left, p.y - r.top);
+    }
+    // The selected tab's accent bar, from the piece itself.
     uint32_t Accent() { return m_skin.GetPiece(TAB_PIECE_SELECTED_MIDDLE)->GetPixel(0, 0); }
-    uint32_t RestingFace(int row) { return m_skin.GetPiece(TAB_PIECE_MIDDLE)->GetPixel(0, row); }
-    // Colour of the screen at the top of tab i's middle, where a selected tab shows its accent bar.
+    // The screen at the top of tab i's middle, where a selected tab shows its accent bar.
     uint32_t TopOf(const Capture& c, int i)
     {
         const RECT r = Item(i);
-        const bool multi = m_tabs.GetRowCount() > 1;
-        const POINT p = OnCapture((r.left + r.right) / 2, multi ? r.top - 3 : r.top);
-        return c.At(p.x, p.y);
+        return At(c, (r.left + r.right) / 2, m_tabs.GetRowCount() > 1 ? r.top - 3 : r.top);
     }
 
     testskin::LibraryState m_library;  // pictures from the test program, left to right
-    Theme m_theme = kDefault;
+    testskin::ThemedPanel m_panel;
+    int m_theme = 0;
     HFONT m_font = nullptr;
     HFONT m_bold = nullptr;
     CVuikTabSkin m_skin;
-    testskin::CTestSkin m_panelSkin;
-    testskin::CTestPanel m_panel;
     CVuikTabCtrl m_tabs;
 };
 
@@ -170,109 +147,81 @@ protected:
 // notification and the picture agree, left to right and right to left (where tab 0 is on the right).
 TEST_F(TabCtrl, SwitchesByClickAndArrowKeys)
 {
-    const struct {
-        const char* what;
-        DWORD style;
-        int width;
-        bool rtl;
-    } cases[] = {
-        {"one row", 0, 420, false},
-        {"one row, right to left", 0, 420, true},
-        {"several rows", TCS_MULTILINE, 220, false},
-        {"several rows, right to left", TCS_MULTILINE, 220, true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        Make(kFive, c.width, 150, c.style, c.rtl);
-        ASSERT_EQ(m_tabs.GetRowCount(), c.style ? 2 : 1);
-        EXPECT_EQ(TopOf(Screen(), 0), Accent());
+    for (DWORD style : {0, TCS_MULTILINE})
+        for (bool rtl : {false, true}) {
+            SCOPED_TRACE(testing::Message() << (style ? "several rows" : "one row") << (rtl ? ", right to left" : ""));
+            Make(kFive, style ? 220 : 420, 150, style, rtl);
+            ASSERT_EQ(m_tabs.GetRowCount(), style ? 2 : 1);
+            EXPECT_EQ(TopOf(Screen(), 0), Accent());
 
-        // A click on tab 2, where the screen shows it.
-        RECT r = Item(2);
-        const POINT click = ToScreen((r.left + r.right) / 2, (r.top + r.bottom) / 2);
-        msgseq::input::MoveTo(click);
-        msgseq::input::LeftDown();
-        msgseq::input::LeftUp();
-        msgseq::Recorder::Pump(60);
-        EXPECT_EQ(m_tabs.GetCurSel(), 2);
-        EXPECT_EQ(g_log.selChanges, 1);
-        Capture shown = Screen();
-        EXPECT_EQ(TopOf(shown, 2), Accent());
-        EXPECT_NE(TopOf(shown, 0), Accent()) << "the old selection still shows";
-
-        // The arrow keys move the selection one tab each way.
-        SetFocus(m_tabs.m_hWnd);
-        for (WORD key : {VK_RIGHT, VK_LEFT, VK_LEFT}) {
-            const int before = m_tabs.GetCurSel();
-            msgseq::input::Press(key);
+            const RECT r = Item(2);
+            msgseq::input::Click(ToScreen((r.left + r.right) / 2, (r.top + r.bottom) / 2));
             msgseq::Recorder::Pump(60);
-            const int now = m_tabs.GetCurSel();
-            EXPECT_EQ(now, before + (key == VK_RIGHT ? 1 : -1));
-            shown = Screen();
-            EXPECT_EQ(TopOf(shown, now), Accent()) << "tab " << now;
-            EXPECT_NE(TopOf(shown, before), Accent()) << "tab " << before;
+            EXPECT_EQ(m_tabs.GetCurSel(), 2);
+            EXPECT_EQ(g_log.selChanges, 1);
+            Capture shown = Screen();
+            EXPECT_EQ(TopOf(shown, 2), Accent());
+            EXPECT_NE(TopOf(shown, 0), Accent()) << "the old selection still shows";
+
+            SetFocus(m_tabs.m_hWnd);
+            for (WORD key : {VK_RIGHT, VK_LEFT, VK_LEFT}) {
+                const int before = m_tabs.GetCurSel();
+                msgseq::input::Press(key);
+                msgseq::Recorder::Pump(60);
+                const int now = m_tabs.GetCurSel();
+                EXPECT_EQ(now, before + (key == VK_RIGHT ? 1 : -1));
+                shown = Screen();
+                EXPECT_EQ(TopOf(shown, now), Accent()) << "tab " << now;
+                EXPECT_NE(TopOf(shown, before), Accent()) << "tab " << before;
+            }
+            EXPECT_EQ(g_log.selChanges, 4);
+            SetCursorPos(0, 0);
         }
-        EXPECT_EQ(g_log.selChanges, 4);
-        SetCursorPos(0, 0);
-    }
 }
 
-// In several rows the platform brings the selected tab's row to the front; the skin draws the rows behind
-// it reaching down under the row in front, and the front row without that.
+// In several rows the platform brings the selected tab's row to the front; the rows behind it reach down
+// under the row in front, the front row doesn't (the goldens show the selection in the last tab).
 TEST_F(TabCtrl, RowsBehindTheSelectedOneReachUnderIt)
 {
-    for (int select : {0, 4}) {
-        SCOPED_TRACE(select);
-        Make(kFive, 220, 150, TCS_MULTILINE, false, select);
-        ASSERT_EQ(m_tabs.GetRowCount(), 2);
-        const RECT front = Item(select);
-        const int back = select == 0 ? 4 : 0;
-        const RECT behind = Item(back);
-        EXPECT_GT(front.top, behind.top) << "the selected row is in front";
-        const Capture shown = Screen();
-        EXPECT_EQ(TopOf(shown, select), Accent());
-        EXPECT_NE(TopOf(shown, back), Accent());
-        // A resting tab is UNSELECTED_HEIGHT (19) rows high from 1 row below its rectangle's top (4 down,
-        // 3 up for several rows); behind the front row it reaches 6 rows further.
-        const int x = (behind.left + behind.right) / 2;
-        EXPECT_NE(shown.At(x, behind.top + 20), Rgb(m_theme.strip)) << "the back row stops short";
-        const int frontResting = select == 0 ? 1 : 3;
-        const RECT r = Item(frontResting);
-        EXPECT_EQ(shown.At(r.left + 5, r.top + 10), RestingFace(9));  // beside the label
-        EXPECT_EQ(shown.At(r.left + 5, r.top + 21), Rgb(m_theme.strip)) << "the front row reaches down";
-    }
+    Make(kFive, 220, 150, TCS_MULTILINE, false, 0);
+    ASSERT_EQ(m_tabs.GetRowCount(), 2);
+    const RECT behind = Item(4), resting = Item(1);
+    EXPECT_GT(Item(0).top, behind.top) << "the selected row is in front";
+    const Capture shown = Screen();
+    // A resting tab is 19 rows high from 1 row below its rectangle's top; behind the front row 6 more.
+    EXPECT_NE(At(shown, (behind.left + behind.right) / 2, behind.top + 20), Rgb(testskin::kThemes[0].window));
+    EXPECT_EQ(At(shown, resting.left + 5, resting.top + 10), m_skin.GetPiece(TAB_PIECE_MIDDLE)->GetPixel(0, 9));
+    EXPECT_EQ(At(shown, resting.left + 5, resting.top + 21), Rgb(testskin::kThemes[0].window));
 }
 
-// Moving the selection asks the parent for the strip above the tabs, from the top to tab 0's bottom; a
-// paint without a change doesn't.
+// Moving the selection asks the parent for the strip above the tabs, from the top to tab 0's bottom (the first
+// paint too: its selection is new to the control); a paint without a change doesn't.
 TEST_F(TabCtrl, SelectionChangeRepaintsTheStripThroughTheParent)
 {
     Make(kFive, 220, 150, TCS_MULTILINE, false, 0);
-    ASSERT_EQ(g_log.strips.size(), 1u) << "the first paint has a selection the control hasn't drawn yet";
-    EXPECT_EQ(g_log.strips[0].bottom, Item(0).bottom);
     const struct {
         int select;  // -1: repaint only
         size_t strips;
-    } steps[] = {{-1, 0}, {2, 1}, {-1, 0}, {4, 1}, {4, 0}, {1, 1}};
+    } steps[] = {{-2, 1}, {-1, 0}, {2, 1}, {-1, 0}, {4, 1}, {4, 0}, {1, 1}};
     for (const auto& s : steps) {
         SCOPED_TRACE(s.select);
-        g_log.strips.clear();
-        if (s.select >= 0)
-            m_tabs.SetCurSel(s.select);
-        InvalidateRect(m_tabs.m_hWnd, nullptr, FALSE);
-        UpdateWindow(m_tabs.m_hWnd);
+        if (s.select >= -1) {
+            g_log.strips.clear();
+            if (s.select >= 0)
+                m_tabs.SetCurSel(s.select);
+            InvalidateRect(m_tabs.m_hWnd, nullptr, FALSE);
+            UpdateWindow(m_tabs.m_hWnd);
+        }
         ASSERT_EQ(g_log.strips.size(), s.strips);
         if (s.strips) {
-            const RECT strip = g_log.strips[0];
-            EXPECT_EQ(strip.left, 0);
-            EXPECT_EQ(strip.top, 0);
-            EXPECT_EQ(strip.right, 220);
-            EXPECT_EQ(strip.bottom, Item(0).bottom) << "tab 0 is in row " << Item(0).top / 24;
+            const RECT strip = g_log.strips[0], expected = {0, 0, 220, Item(0).bottom};
+            EXPECT_TRUE(EqualRect(&strip, &expected)) << strip.right << " " << strip.bottom;
         }
     }
 }
 
-// Without tabs the panel fills the control from the top; the colour the control reports is the panel's.
+// Without tabs the panel fills the control from the top; the colour the control reports is the panel's, and
+// without a skin it reports none.
 TEST_F(TabCtrl, WithoutTabsThePanelStartsAtTheTop)
 {
     Make({}, 200, 100, 0, false, -1);
@@ -286,7 +235,6 @@ TEST_F(TabCtrl, WithoutTabsThePanelStartsAtTheTop)
         ASSERT_EQ(shown.At(100, y), face) << y;
     }
     EXPECT_EQ(shown.At(100, 99), border);
-    // Without a skin there is no colour to report.
     m_tabs.SetSkin(nullptr);
     EXPECT_EQ(SendMessageW(m_tabs.m_hWnd, WM_VUIK_TAB_GETBKCLR, 0, 0), 0);
 }
@@ -302,7 +250,7 @@ TEST_F(TabCtrl, APieceMissingLeavesThePaintToThePlatform)
                  {TAB_PIECE_SELECTED_MIDDLE, false}, {TAB_PIECE_SEPARATOR, false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.piece);
-        CVuikTabSkinDef def = Def(m_theme.firstId);
+        CVuikTabSkinDef def = Def();
         def.m_nFrameBitmapIds[c.piece] = IDB_TEST_MISSING;
         CVuikTabSkin skin;
         skin.SetSkinDef(def);
@@ -314,7 +262,7 @@ TEST_F(TabCtrl, APieceMissingLeavesThePaintToThePlatform)
         InvalidateRect(m_tabs.m_hWnd, nullptr, TRUE);
         UpdateWindow(m_tabs.m_hWnd);
         EXPECT_EQ(m_tabs.GetBackBuffer() != nullptr, c.valid);
-        Destroy();
+        m_panel.Close();
     }
 }
 
@@ -327,23 +275,20 @@ TEST_F(TabCtrl, Goldens)
         DWORD style;
         int width;
         int select;
-    } shapes[] = {
-        {"one_row", &kThree, 0, 300, 1},
-        {"rows", &kFive, TCS_MULTILINE, 220, 4},
-    };
-    for (const Theme* theme : {&kDefault, &kGraphite}) {
-        UseTheme(*theme);
+    } shapes[] = {{"one_row", &kThree, 0, 300, 1}, {"rows", &kFive, TCS_MULTILINE, 220, 4}};
+    for (int theme : {0, 1}) {
+        UseTheme(theme);
         for (const auto& s : shapes)
             for (bool rtl : {false, true}) {
                 const std::string name =
-                    std::string("tabs_") + s.name + "_" + theme->name + (rtl ? "_rtl" : "_ltr");
+                    std::string("tabs_") + s.name + "_" + testskin::kThemes[theme].tag + (rtl ? "_rtl" : "_ltr");
                 SCOPED_TRACE(name);
                 Make(*s.names, s.width, 110, s.style, rtl, s.select);
                 const Capture shown = Screen();
                 EXPECT_TRUE(zcmod_test::MatchesGolden(name, shown.width, shown.height, shown.pixels.data()));
             }
     }
-    UseTheme(kDefault);
+    UseTheme(0);
     Make({L"Only"}, 160, 80);
     const Capture shown = Screen();
     EXPECT_TRUE(zcmod_test::MatchesGolden("tabs_single_Default_ltr", shown.width, shown.height, shown.pixels.data()));
@@ -354,7 +299,7 @@ TEST_F(TabCtrl, Goldens)
 TEST_F(TabCtrl, CreateSwitchDestroyLeavesNoHandles)
 {
     Make({}, 220, 120);
-    HWND parent = m_panel.m_hWnd;
+    HWND parent = m_panel.Hwnd();
     zcmod_test::HandleCounter counter;
     auto cycle = [&](int switches) {
         CVuikTabCtrl tabs;

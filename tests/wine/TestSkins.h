@@ -3,7 +3,8 @@
 //                quarter (to see mirroring) and a masked picture in the middle, each optional; it counts its
 //                draws, which are the builds of a buffer;
 //   CTestButton  a control on CVuikButtonImpl over a "Button" window; CTestPanel one on CVuikWindowImpl;
-//   Capture      the pixels of a bitmap or of what a window shows; Canvas a memory context to draw on.
+//   Capture      the pixels of a bitmap or of what a window shows; Canvas a memory context to draw on;
+//   ThemedPanel  a top-level panel of a shipped theme's window colour, for the controls of the shipped themes.
 #pragma once
 
 #include <windows.h>
@@ -14,6 +15,7 @@
 
 #include "ImageTestSupport.h"
 #include "MessageSequence.h"
+#include "TestSupport.h"
 #include "zcmod/VuikBaseSkinImpl.h"
 #include "zcmod/VuikBitmap.h"
 #include "zcmod/VuikButtonImpl.h"
@@ -228,6 +230,22 @@ inline Capture CaptureWindow(HWND hwnd)
     return canvas.Read();
 }
 
+// A window's client area as it shows after a paint of its own.
+inline Capture Shown(HWND hwnd)
+{
+    RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
+    return CaptureWindow(hwnd);
+}
+
+// The mouse moved by real input to (x, y) of `hwnd`'s client area, and the move handled.
+inline void MoveOver(HWND hwnd, int x, int y)
+{
+    POINT p = {x, y};
+    ClientToScreen(hwnd, &p);
+    msgseq::input::MoveTo(p);
+    msgseq::Recorder::Pump(30);
+}
+
 // A rectangle of the screen as it shows.
 inline Capture CaptureScreen(const RECT& r)
 {
@@ -245,6 +263,32 @@ inline Capture CaptureOnScreen(HWND hwnd)
     GetWindowRect(hwnd, &r);
     return CaptureScreen(r);
 }
+
+// Pixels outside `hwnd`'s window region (the capture taken at its top left) read 0.
+inline Capture& CutToRegion(Capture& c, HWND hwnd)
+{
+    HRGN region = CreateRectRgn(0, 0, 0, 0);
+    if (GetWindowRgn(hwnd, region) != ERROR)
+        for (int i = 0; i < c.width * c.height; ++i)
+            if (!PtInRegion(region, i % c.width, i / c.width))
+                c.pixels[i] = 0;
+    DeleteObject(region);
+    return c;
+}
+
+inline uint32_t Rgb(COLORREF c) { return (GetRValue(c) << 16) | (GetGValue(c) << 8) | GetBValue(c); }
+
+// Captures of one width stacked from the top down: one golden for several states.
+struct Strip {
+    int width = 0, height = 0;
+    std::vector<uint32_t> pixels;
+    void Add(const Capture& c)
+    {
+        width = c.width;
+        height += c.height;
+        pixels.insert(pixels.end(), c.pixels.begin(), c.pixels.end());
+    }
+};
 
 // A picture put together from captures, over a background colour: one golden for many controls.
 struct Sheet {
@@ -294,6 +338,60 @@ private:
     DWORD m_layout = CVuikLib::GetLayout();
     bool m_autoScale = CVuikLib::GetAutoScale();
     double m_scaleX = Lib::m_ScaleX, m_scaleY = Lib::m_ScaleY;
+};
+
+// The shipped themes and the window colour their controls stand on.
+struct Theme {
+    const wchar_t* name;
+    const char* tag;
+    COLORREF window;
+};
+const Theme kThemes[] = {{L"Default", "Default", RGB(0xf2, 0xf5, 0xf9)}, {L"Graphite", "Graphite", RGB(0x23, 0x27, 0x2e)}};
+
+// A top-level popup in the window colour of the theme in use (the machine's, until the object goes), at a
+// place on the screen, left to right or mirrored.
+class ThemedPanel {
+public:
+    ThemedPanel() { UseTheme(kThemes[0]); }
+    ~ThemedPanel() { Close(); }
+    ThemedPanel(const ThemedPanel&) = delete;
+    ThemedPanel& operator=(const ThemedPanel&) = delete;
+    void UseTheme(const Theme& theme)
+    {
+        m_theme = theme;
+        m_registry.SetMachineTheme(theme.name);
+        m_skin.SetSkinDef({theme.window, theme.window});
+    }
+    const Theme& CurrentTheme() const { return m_theme; }
+    HWND Open(const RECT& rect, bool rtl)
+    {
+        Close();
+        m_panel.SetSkin(&m_skin);
+        m_panel.Create(msgseq::PlainClass(), nullptr, rect, L"", 0, WS_POPUP | WS_VISIBLE | WS_CLIPCHILDREN,
+                       rtl ? WS_EX_LAYOUTRTL : 0, nullptr);
+        return m_panel.m_hWnd;
+    }
+    // In front, and painted with its children.
+    void Paint()
+    {
+        SetForegroundWindow(m_panel.m_hWnd);
+        RedrawWindow(m_panel.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+        msgseq::Recorder::Pump(20);
+    }
+    void Close()
+    {
+        m_panel.DeleteBackBuffer();  // the object outlives its window
+        if (m_panel.m_hWnd && IsWindow(m_panel.m_hWnd))
+            DestroyWindow(m_panel.m_hWnd);
+        m_panel.m_hWnd = nullptr;
+    }
+    HWND Hwnd() const { return m_panel.m_hWnd; }
+
+private:
+    zcmod_test::SuiteRegistry m_registry;
+    Theme m_theme = kThemes[0];
+    CTestSkin m_skin;
+    CTestPanel m_panel;
 };
 
 }  // namespace testskin
