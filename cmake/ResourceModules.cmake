@@ -32,6 +32,9 @@ function(zcmod_theme_art theme outdir outvar)
     file(GLOB own_sources CONFIGURE_DEPENDS ${ARG_FAMILIES}/*.py)
     list(APPEND art_sources ${own_sources})
     set(families ${ARG_FAMILIES})
+  elseif(EXISTS ${PROJECT_SOURCE_DIR}/themes/${theme}/ZCMOD_${theme}.rc)
+    # The theme's colour strings are checked against its palette.
+    list(APPEND art_sources ${PROJECT_SOURCE_DIR}/themes/${theme}/ZCMOD_${theme}.rc)
   endif()
   add_custom_command(OUTPUT ${outdir}/art.rc
     COMMAND /usr/bin/python3 ${PROJECT_SOURCE_DIR}/themes/art/render.py ${theme} ${outdir} ${families}

@@ -148,7 +148,9 @@ TEST_F(PhoneFileDialog, PhoneUnpluggedDuringADownloadLeavesNoPartialFile)
 {
     const std::wstring serial = phones.New(L"slow", L"--copydelay 20");
     const std::wstring phoneDocs = phones.Folder(L"slow") + L"\\files\\C";
-    WriteFile(phoneDocs + L"\\big.bin", std::string(2 << 20, 'x'));  // some 30 blocks of 20 ms
+    // Some 250 blocks of 20 ms: the unplug, a controller process started on a busy machine, must come while the
+    // copy runs; the copy stops there, so the size costs nothing when it does.
+    WriteFile(phoneDocs + L"\\big.bin", std::string(16 << 20, 'x'));
     std::thread unplug([&] {
         Sleep(150);
         phones.Ctl(L"detach slow");

@@ -13,6 +13,7 @@ shape or a colour rule changes every state and both themes together."""
 import hashlib
 import importlib.util
 import pathlib
+import re
 import subprocess
 import sys
 
@@ -59,12 +60,35 @@ def render_clip(clip, palette, out):
     return True
 
 
+# The theme's colour strings that name a colour of the palette: controls fill and write with the strings,
+# pictures are drawn with the palette, and the two meet at every edge.
+SHARED_COLOURS = {"ZGR_COLOR_WINDOW": "window", "ZGR_COLOR_DIALOG_BACKGROUND": "window", "ZGR_COLOR_TEXT": "text",
+                  "ZGR_COLOR_DIALOG_TEXT": "text", "ZGR_COLOR_TEXT_DISABLED": "text_disabled",
+                  "ZGR_COLOR_ACCENT": "accent", "ZGR_COLOR_BORDER": "border"}
+
+
+def check_theme_colours(theme, palette):
+    """Stops the build when the theme's script gives one of the shared colours otherwise than the palette."""
+    script = HERE.parent / theme / ("ZCMOD_%s.rc" % theme)
+    if not script.exists():
+        return
+    given = dict(re.findall(r'^\s*(ZGR_COLOR_\w+)\s+"([^"]*)"', script.read_text(encoding="utf-8"), re.M))
+    for name, key in SHARED_COLOURS.items():
+        colour = palette[key].lstrip("#")
+        wanted = ",".join(str(int(colour[i:i + 2], 16)) for i in (0, 2, 4))
+        if name in given and given[name].replace(" ", "") != wanted:
+            sys.exit("render.py: %s gives %s \"%s\", the %s palette's %s is \"%s\""
+                     % (script.name, name, given[name], theme, key, wanted))
+
+
 def main():
     if len(sys.argv) not in (3, 4) or sys.argv[1] not in PALETTES:
         sys.exit("usage: render.py {%s} OUTPUT_DIR [FAMILIES_DIR]" % "|".join(sorted(PALETTES)))
     theme, out = sys.argv[1], pathlib.Path(sys.argv[2])
     folder = pathlib.Path(sys.argv[3]) if len(sys.argv) == 4 else HERE / "families"
     palette = PALETTES[theme]
+    if len(sys.argv) == 3:
+        check_theme_colours(theme, palette)
     (out / "svg").mkdir(parents=True, exist_ok=True)
     seen_ids, seen_names = {}, {}
     redrawn = False
