@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "DrivenModal.h"
 #include "ServiceTestSupport.h"
 #include "TestSkins.h"
 #include "zcmod/PhoneFileDialog.h"
@@ -250,27 +251,10 @@ void Enter(HWND dialog, const std::wstring& text)
     PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
 }
 
-// Runs `steps` on a second thread while the dialog runs on this one; a watchdog closes every window of this
-// thread after 20 s so that a stuck dialog fails the test instead of hanging the suite.
+// Runs `call` with `steps` driving it from a second thread, under a watchdog.
 INT_PTR RunDriven(const std::function<INT_PTR()>& call, const std::function<void(DWORD)>& steps)
 {
-    const DWORD self = GetCurrentThreadId();
-    std::atomic<bool> done{false};
-    std::thread driver([&] { steps(self); });
-    std::thread watchdog([&] {
-        for (int i = 0; i < 2000 && !done; ++i)
-            Sleep(10);
-        if (!done) {
-            ADD_FAILURE() << "the dialog did not end in 20 s";
-            EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
-                              0);
-        }
-    });
-    const INT_PTR result = call();
-    done = true;
-    driver.join();
-    watchdog.join();
-    return result;
+    return zcmod_test::RunDriven(call, steps);
 }
 BOOL RunDriven(BOOL (*call)(OPENFILENAMEW*), OPENFILENAMEW& ofn, const std::function<void(DWORD)>& steps)
 {

@@ -19,6 +19,7 @@
 #include <thread>
 #include <vector>
 
+#include "DrivenModal.h"
 #include "ServiceTestSupport.h"
 #include "zcmod/PhoneFileDialog.h"
 
@@ -320,30 +321,14 @@ bool DoubleClick(HWND dialog, const std::wstring& text)
     return true;
 }
 
-// Runs the open dialog on this thread while `drive` (which must end it) steps through it from another; a
-// watchdog cancels every window of this thread after 20 s, so that a stuck dialog fails rather than hangs.
+// Runs the open dialog on this thread while `drive` (which must end it) steps through it from another, under a
+// watchdog.
 BOOL RunDriven(OPENFILENAMEW& ofn, const std::function<void(HWND)>& drive)
 {
-    const DWORD self = GetCurrentThreadId();
-    std::atomic<bool> done{false};
-    std::thread driver([&] {
+    return zcmod_test::RunDriven([&] { return CFD_GetOpenFileName(&ofn); }, [&](DWORD self) {
         if (HWND dialog = FindFileDialog(self))
             drive(dialog);
     });
-    std::thread watchdog([&] {
-        for (int i = 0; i < 2000 && !done; ++i)
-            Sleep(10);
-        if (!done) {
-            ADD_FAILURE() << "the dialog did not end in 20 s";
-            EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
-                              0);
-        }
-    });
-    const BOOL result = CFD_GetOpenFileName(&ofn);
-    done = true;
-    driver.join();
-    watchdog.join();
-    return result;
 }
 
 // Without a first folder the user walks in from the desktop: My Computer, the phones, the phone, its drive and

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "DeviceTestSupport.h"
+#include "DrivenModal.h"
 #include "FileDlgTestIds.h"
 #include "Golden.h"
 #include "HandleCounter.h"
@@ -66,34 +67,17 @@ HWND FindFileDialog(DWORD thread)
     return found;
 }
 
-// Runs `call` on this thread while `steps` drives it from another; a watchdog cancels every window of this
-// thread after 20 s, so that a stuck dialog fails the test rather than hang the suite.
+// Runs `call` on this thread while `steps` drives its dialog from another, under a watchdog.
 template <class Call>
 auto RunDriven(Call call, const std::function<void(HWND)>& steps) -> decltype(call())
 {
-    const DWORD self = GetCurrentThreadId();
-    std::atomic<bool> done{false};
-    std::thread driver([&] {
+    return zcmod_test::RunDriven(call, [&](DWORD self) {
         HWND dialog = FindFileDialog(self);
         if (!dialog)
             return;
         Sleep(100);  // let CDN_INITDONE and the first paint pass
         steps(dialog);
     });
-    std::thread watchdog([&] {
-        for (int i = 0; i < 2000 && !done; ++i)
-            Sleep(10);
-        if (!done) {
-            ADD_FAILURE() << "the dialog did not end in 20 s";
-            EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
-                              0);
-        }
-    });
-    const auto result = call();
-    done = true;
-    driver.join();
-    watchdog.join();
-    return result;
 }
 
 void Cancel(HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0); }
