@@ -89,7 +89,6 @@ public:
         wc.lpfnWndProc = PanelProc;
         wc.hInstance = GetModuleHandleW(nullptr);
         wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
         wc.lpszClassName = kPanelClass;
         RegisterClassExW(&wc);
         m_panel = CreateWindowExW(0, kPanelClass, L"", WS_CHILD | WS_VISIBLE, 20, 60, 360, 40, host, nullptr,
@@ -123,20 +122,20 @@ public:
 
     void Paint(HDC dc, const RECT& area) override
     {
-        HBRUSH back = CreateSolidBrush(RGB(0xF4, 0xF4, 0xF4));
+        HBRUSH back = CreateSolidBrush(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW));
         FillRect(dc, &area, back);
         DeleteObject(back);
         HFONT title = SuiteFont(20, FW_BOLD), body = SuiteFont(13);
         HGDIOBJ old = SelectObject(dc, title);
         SetBkMode(dc, TRANSPARENT);
         Text(dc, 20, 16, L"CVuikFileDlg: the platform's open and save dialogs in the suite's skin",
-             RGB(0x20, 0x20, 0x20));
+             DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         SelectObject(dc, body);
         int y = 110;
         y = Text(dc, 20, y, L"A top band, a strip carrying the folder list and the toolbar, and a side bar.",
-                 RGB(0x40, 0x40, 0x40));
+                 DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         if (!m_result.empty())
-            y = Text(dc, 20, y + 4, m_result, RGB(0x10, 0x50, 0x90));
+            y = Text(dc, 20, y + 4, m_result, DkhLoadColor(nullptr, ZGR_COLOR_ACCENT));
         if (m_shots[0]) {
             HDC memory = CreateCompatibleDC(dc);
             HGDIOBJ was = SelectObject(memory, m_shots[0]);
@@ -180,6 +179,15 @@ private:
 
     static LRESULT CALLBACK PanelProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
     {
+        if (message == WM_ERASEBKGND) {
+            // The strip of buttons on the theme's window colour.
+            RECT r;
+            GetClientRect(hwnd, &r);
+            HBRUSH back = CreateSolidBrush(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW));
+            FillRect(reinterpret_cast<HDC>(wParam), &r, back);
+            DeleteObject(back);
+            return 1;
+        }
         if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED && s_page) {
             if (LOWORD(wParam) == kOpenId || LOWORD(wParam) == kSaveId)
                 s_page->Run(LOWORD(wParam) == kSaveId);

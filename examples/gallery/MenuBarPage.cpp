@@ -263,19 +263,19 @@ public:
 
     void Paint(HDC dc, const RECT& area) override
     {
-        HBRUSH back = CreateSolidBrush(RGB(0xF4, 0xF4, 0xF4));
+        HBRUSH back = CreateSolidBrush(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW));
         FillRect(dc, &area, back);
         DeleteObject(back);
         HFONT title = SuiteFont(20, FW_BOLD);
         HFONT body = SuiteFont(13);
         HGDIOBJ old = SelectObject(dc, title);
         SetBkMode(dc, TRANSPARENT);
-        Text(dc, 20, 16, L"CVuikMenuBarCtrl: a platform menu as a drawn bar", RGB(0x20, 0x20, 0x20));
+        Text(dc, 20, 16, L"CVuikMenuBarCtrl: a platform menu as a drawn bar", DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         SelectObject(dc, body);
         const int x = kFrameX + kFrameWidth + 30;
         int y = kFrameY;
         for (int i = 0; i < kShots; ++i) {
-            y = Text(dc, x, y, kTour[i].caption, RGB(0x40, 0x40, 0x40)) + 4;
+            y = Text(dc, x, y, kTour[i].caption, DkhLoadColor(nullptr, ZGR_COLOR_TEXT)) + 4;
             if (m_shots[i].bitmap) {
                 HDC memory = CreateCompatibleDC(dc);
                 HGDIOBJ was = SelectObject(memory, m_shots[i].bitmap);
@@ -288,7 +288,7 @@ public:
         }
         Text(dc, kFrameX, kFrameY + kFrameHeight + 20,
              L"Popups are the platform's, every item owner-drawn by the library; the bar's buttons are skinned.",
-             RGB(0x40, 0x40, 0x40));
+             DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         SelectObject(dc, old);
         DeleteObject(title);
         DeleteObject(body);

@@ -126,7 +126,6 @@ public:
         wc.lpfnWndProc = PanelProc;
         wc.hInstance = GetModuleHandleW(nullptr);
         wc.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-        wc.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
         wc.lpszClassName = kPanelClass;
         RegisterClassExW(&wc);
         m_panel = CreateWindowExW(0, kPanelClass, L"", WS_CHILD | WS_VISIBLE, 20, 60, 360, 40, host, nullptr,
@@ -168,21 +167,21 @@ public:
 
     void Paint(HDC dc, const RECT& area) override
     {
-        HBRUSH back = CreateSolidBrush(RGB(0xF4, 0xF4, 0xF4));
+        HBRUSH back = CreateSolidBrush(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW));
         FillRect(dc, &area, back);
         DeleteObject(back);
         HFONT title = SuiteFont(20, FW_BOLD), body = SuiteFont(13);
         HGDIOBJ old = SelectObject(dc, title);
         SetBkMode(dc, TRANSPARENT);
-        Text(dc, 20, 16, L"CNFileDialog: the phone in the platform's file dialog", RGB(0x20, 0x20, 0x20));
+        Text(dc, 20, 16, L"CNFileDialog: the phone in the platform's file dialog", DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         SelectObject(dc, body);
         int y = 110;
         y = Text(dc, 20, y, L"My Computer \x2192 Phones \x2192 Sample phone: a folder of the phone's files.",
-                 RGB(0x40, 0x40, 0x40));
+                 DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         y = Text(dc, 20, y, L"A file chosen there is a path of the local mirror; DownloadFile brings its bytes.",
-                 RGB(0x40, 0x40, 0x40));
+                 DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         if (!m_result.empty())
-            y = Text(dc, 20, y + 4, m_result, RGB(0x10, 0x50, 0x90));
+            y = Text(dc, 20, y + 4, m_result, DkhLoadColor(nullptr, ZGR_COLOR_ACCENT));
         if (m_shot) {
             HDC memory = CreateCompatibleDC(dc);
             HGDIOBJ was = SelectObject(memory, m_shot);
@@ -241,6 +240,15 @@ private:
 
     static LRESULT CALLBACK PanelProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
     {
+        if (message == WM_ERASEBKGND) {
+            // The strip of buttons on the theme's window colour.
+            RECT r;
+            GetClientRect(hwnd, &r);
+            HBRUSH back = CreateSolidBrush(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW));
+            FillRect(reinterpret_cast<HDC>(wParam), &r, back);
+            DeleteObject(back);
+            return 1;
+        }
         if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED && s_page) {
             if (LOWORD(wParam) == kOpenId)
                 s_page->Open();

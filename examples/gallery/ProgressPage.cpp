@@ -124,17 +124,17 @@ public:
 
     void Paint(HDC dc, const RECT& area) override
     {
-        HBRUSH back = CreateSolidBrush(RGB(0xF4, 0xF4, 0xF4));
+        HBRUSH back = CreateSolidBrush(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW));
         FillRect(dc, &area, back);
         DeleteObject(back);
         HFONT title = SuiteFont(20, FW_BOLD);
         HFONT body = SuiteFont(13);
         HGDIOBJ old = SelectObject(dc, title);
         SetBkMode(dc, TRANSPARENT);
-        Text(dc, 20, 16, L"CCommonProgressDlg: a waiting window while work runs", RGB(0x20, 0x20, 0x20));
+        Text(dc, 20, 16, L"CCommonProgressDlg: a waiting window while work runs", DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         SelectObject(dc, body);
         int y = kPanelY + kPanelHeight + 16;
-        const COLORREF ink = RGB(0x40, 0x40, 0x40);
+        const COLORREF ink = DkhLoadColor(nullptr, ZGR_COLOR_TEXT);
         y = Text(dc, 20, y, L"The work runs on its own thread and counts its steps in the", ink);
         y = Text(dc, 20, y, L"dialog's text; DoModal returns what it returned. The close", ink);
         y = Text(dc, 20, y, L"button does nothing while the work runs.", ink);
@@ -142,7 +142,7 @@ public:
         y = Text(dc, 20, y,
                  m_ran ? Format(L"Last run: DoModal returned %lld pictures copied.", static_cast<long long>(m_result))
                        : std::wstring(L"Press the button to run it."),
-                 RGB(0x20, 0x20, 0x20));
+                 DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
         if (m_job.copy) {
             y = Text(dc, 20, y + 24, L"The dialog half-way through:", ink) + 6;
             HDC memory = CreateCompatibleDC(dc);
