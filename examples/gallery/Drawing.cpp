@@ -55,6 +55,13 @@ std::wstring Format(const wchar_t* format, ...)
     return buffer;
 }
 
+void FillThemed(HDC dc, const RECT& rect, UINT colourId)
+{
+    HBRUSH brush = CreateSolidBrush(DkhLoadColor(nullptr, colourId));
+    FillRect(dc, &rect, brush);
+    DeleteObject(brush);
+}
+
 const wchar_t* WindowClass(const wchar_t* name, WNDPROC proc, UINT style)
 {
     const HINSTANCE module = GetModuleHandleW(nullptr);

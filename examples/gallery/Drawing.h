@@ -19,6 +19,9 @@ std::wstring SelectedFace(HDC dc);
 // Text at (x, y) in the current font; returns the y below it.
 int Text(HDC dc, int x, int y, const std::wstring& text, COLORREF color);
 
+// Fills `rect` with a colour of the theme (ZGR_COLOR_WINDOW and the like).
+void FillThemed(HDC dc, const RECT& rect, UINT colourId);
+
 // A filled rectangle with a one-pixel frame.
 void Swatch(HDC dc, const RECT& rect, COLORREF fill, COLORREF frame);
 

@@ -122,9 +122,7 @@ public:
 
     void Paint(HDC dc, const RECT& area) override
     {
-        HBRUSH back = CreateSolidBrush(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW));
-        FillRect(dc, &area, back);
-        DeleteObject(back);
+        FillThemed(dc, area, ZGR_COLOR_WINDOW);
         HFONT title = SuiteFont(20, FW_BOLD), body = SuiteFont(13);
         HGDIOBJ old = SelectObject(dc, title);
         SetBkMode(dc, TRANSPARENT);
@@ -183,9 +181,7 @@ private:
             // The strip of buttons on the theme's window colour.
             RECT r;
             GetClientRect(hwnd, &r);
-            HBRUSH back = CreateSolidBrush(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW));
-            FillRect(reinterpret_cast<HDC>(wParam), &r, back);
-            DeleteObject(back);
+            FillThemed(reinterpret_cast<HDC>(wParam), r, ZGR_COLOR_WINDOW);
             return 1;
         }
         if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED && s_page) {

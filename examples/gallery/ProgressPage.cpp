@@ -124,9 +124,7 @@ public:
 
     void Paint(HDC dc, const RECT& area) override
     {
-        HBRUSH back = CreateSolidBrush(DkhLoadColor(nullptr, ZGR_COLOR_WINDOW));
-        FillRect(dc, &area, back);
-        DeleteObject(back);
+        FillThemed(dc, area, ZGR_COLOR_WINDOW);
         HFONT title = SuiteFont(20, FW_BOLD);
         HFONT body = SuiteFont(13);
         HGDIOBJ old = SelectObject(dc, title);
