@@ -8,14 +8,15 @@
 #include "Drawing.h"
 #include "GalleryPage.h"
 #include "zcmod/CommonAboutDlg.h"
-#include "zcmod/CommonModuleState.h"
-#include "zcmod/RTLHelper.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
 
 namespace {
 
+using gallery::DrawBitmap;
 using gallery::Format;
+using gallery::RightToLeftLanguage;
+using gallery::SnapshotWindow;
 using gallery::SuiteFont;
 using gallery::Swatch;
 using gallery::Text;
@@ -42,7 +43,7 @@ public:
                                   GetModuleHandleW(nullptr), nullptr);
         SetWindowLongPtrW(m_panel, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
         m_font = SuiteFont(14);
-        HWND button = CreateWindowExW(0, L"BUTTON", Hebrew() ? L"\x05D0\x05D5\x05D3\x05D5\x05EA..." : L"About Desk Hub Gallery...",
+        HWND button = CreateWindowExW(0, L"BUTTON", RightToLeftLanguage() ? L"\x05D0\x05D5\x05D3\x05D5\x05EA..." : L"About Desk Hub Gallery...",
                                       WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, 0, 0, 240, 30, m_panel,
                                       reinterpret_cast<HMENU>(static_cast<INT_PTR>(kOpenButton)),
                                       GetModuleHandleW(nullptr), nullptr);
@@ -84,13 +85,7 @@ public:
         if (m_snapshot) {
             SelectObject(dc, bold);
             y = Text(dc, left, y, Format(L"The box as the button opened it (closed with %d)", static_cast<int>(m_result)), text) + 6;
-            BITMAP info = {};
-            GetObjectW(m_snapshot, sizeof(info), &info);
-            HDC memory = CreateCompatibleDC(dc);
-            HGDIOBJ previous = SelectObject(memory, m_snapshot);
-            BitBlt(dc, left, y, info.bmWidth, info.bmHeight, memory, 0, 0, SRCCOPY);
-            SelectObject(memory, previous);
-            DeleteDC(memory);
+            DrawBitmap(dc, left, y, m_snapshot);
         }
         SelectObject(dc, old);
         DeleteObject(heading);
@@ -110,16 +105,10 @@ public:
     }
 
 private:
-    static bool Hebrew()
-    {
-        CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
-        return CRTLHelper::IsRTL(handler ? handler->GetLanguageName() : nullptr) != 0;
-    }
-
     // Opens the box; with `capture`, a timer of its modal loop keeps a picture of it and presses its OK button.
     void Open(bool capture)
     {
-        const bool hebrew = Hebrew();
+        const bool hebrew = RightToLeftLanguage();
         tagABOUTBOXPARAMS params = {};
         params.m_hStringModule = params.m_hIconModule = GetModuleHandleW(nullptr);
         params.m_hParent = GetAncestor(m_host, GA_ROOT);
@@ -146,19 +135,9 @@ private:
             return;
         KillTimer(m_panel, kCaptureTimer);
         RedrawWindow(box, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
-        RECT rect = {};
-        GetWindowRect(box, &rect);
-        HDC source = GetWindowDC(box);
-        SetLayout(source, 0);  // the pixels as the screen shows them
-        HDC memory = CreateCompatibleDC(source);
         if (m_snapshot)
             DeleteObject(m_snapshot);
-        m_snapshot = CreateCompatibleBitmap(source, rect.right - rect.left, rect.bottom - rect.top);
-        HGDIOBJ previous = SelectObject(memory, m_snapshot);
-        BitBlt(memory, 0, 0, rect.right - rect.left, rect.bottom - rect.top, source, 0, 0, SRCCOPY);
-        SelectObject(memory, previous);
-        DeleteDC(memory);
-        ReleaseDC(box, source);
+        m_snapshot = SnapshotWindow(box);
         // As a user would: the OK button, clicked.
         if (HWND ok = GetDlgItem(box, IDOK))
             SendMessageW(box, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(ok));

@@ -223,13 +223,7 @@ public:
         if (m_snapshot) {
             SelectObject(dc, bold);
             y = Text(dc, left, y, L"The device selection window, as the tour drove it", text) + 4;
-            BITMAP info = {};
-            GetObjectW(m_snapshot, sizeof(info), &info);
-            HDC memory = CreateCompatibleDC(dc);
-            HGDIOBJ previous = SelectObject(memory, m_snapshot);
-            BitBlt(dc, left, y, info.bmWidth, info.bmHeight, memory, 0, 0, SRCCOPY);
-            SelectObject(memory, previous);
-            DeleteDC(memory);
+            DrawBitmap(dc, left, y, m_snapshot);
         }
         SelectObject(dc, old);
         DeleteObject(heading);
@@ -317,17 +311,9 @@ private:
             }
         }
         RedrawWindow(window, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
-        RECT rect = {};
-        GetWindowRect(window, &rect);
-        HDC source = GetWindowDC(window);
-        SetLayout(source, 0);  // the pixels as the screen shows them, not mirrored once more
-        HDC memory = CreateCompatibleDC(source);
-        m_snapshot = CreateCompatibleBitmap(source, rect.right - rect.left, rect.bottom - rect.top);
-        HGDIOBJ previous = SelectObject(memory, m_snapshot);
-        BitBlt(memory, 0, 0, rect.right - rect.left, rect.bottom - rect.top, source, 0, 0, SRCCOPY);
-        SelectObject(memory, previous);
-        DeleteDC(memory);
-        ReleaseDC(window, source);
+        if (m_snapshot)
+            DeleteObject(m_snapshot);
+        m_snapshot = SnapshotWindow(window);
         PostMessageW(list, WM_KEYDOWN, VK_RETURN, 1);
         return true;
     }

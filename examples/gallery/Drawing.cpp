@@ -1,5 +1,7 @@
 #include "Drawing.h"
 
+#include <dlgs.h>
+
 #include <cstdarg>
 #include <cwchar>
 
@@ -53,6 +55,57 @@ std::wstring Format(const wchar_t* format, ...)
     vswprintf(buffer, 1024, format, args);
     va_end(args);
     return buffer;
+}
+
+void DrawBitmap(HDC dc, int x, int y, HBITMAP bitmap)
+{
+    BITMAP info = {};
+    if (!bitmap || !GetObjectW(bitmap, sizeof(info), &info))
+        return;
+    HDC memory = CreateCompatibleDC(dc);
+    HGDIOBJ previous = SelectObject(memory, bitmap);
+    BitBlt(dc, x, y, info.bmWidth, info.bmHeight, memory, 0, 0, SRCCOPY);
+    SelectObject(memory, previous);
+    DeleteDC(memory);
+}
+
+HBITMAP SnapshotWindow(HWND window)
+{
+    RECT rect = {};
+    GetWindowRect(window, &rect);
+    HDC source = GetWindowDC(window);
+    SetLayout(source, 0);  // the pixels as the screen shows them
+    HDC memory = CreateCompatibleDC(source);
+    HBITMAP snapshot = CreateCompatibleBitmap(source, rect.right - rect.left, rect.bottom - rect.top);
+    HGDIOBJ previous = SelectObject(memory, snapshot);
+    BitBlt(memory, 0, 0, rect.right - rect.left, rect.bottom - rect.top, source, 0, 0, SRCCOPY);
+    SelectObject(memory, previous);
+    DeleteDC(memory);
+    ReleaseDC(window, source);
+    return snapshot;
+}
+
+bool RightToLeftLanguage()
+{
+    CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
+    const wchar_t* code = handler ? handler->GetLanguageName() : nullptr;
+    return code && CRTLHelper::IsRTL(code);
+}
+
+HWND VisibleFileDialog()
+{
+    HWND found = nullptr;
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND hwnd, LPARAM param) -> BOOL {
+            if (IsWindowVisible(hwnd) && GetDlgItem(hwnd, cmb2)) {
+                *reinterpret_cast<HWND*>(param) = hwnd;
+                return FALSE;
+            }
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&found));
+    return found;
 }
 
 void FillThemed(HDC dc, const RECT& rect, UINT colourId)

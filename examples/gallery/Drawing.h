@@ -27,6 +27,19 @@ void Swatch(HDC dc, const RECT& rect, COLORREF fill, COLORREF frame);
 
 std::wstring Format(const wchar_t* format, ...);
 
+// The whole of `bitmap` at (x, y).
+void DrawBitmap(HDC dc, int x, int y, HBITMAP bitmap);
+
+// A picture of `window`, frame included, as the screen shows it (not mirrored once more for a right-to-left
+// window); the caller deletes it.
+HBITMAP SnapshotWindow(HWND window);
+
+// Whether the library's language reads right to left (the gallery's pages then speak Hebrew).
+bool RightToLeftLanguage();
+
+// The visible file dialog of this thread, or null.
+HWND VisibleFileDialog();
+
 // Registers a window class of the gallery's module under `name`, once (arrow cursor, `proc`, `style`), and
 // returns the name.
 const wchar_t* WindowClass(const wchar_t* name, WNDPROC proc = DefWindowProcW, UINT style = 0);

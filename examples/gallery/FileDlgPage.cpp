@@ -32,28 +32,8 @@ struct Texts {
 const Texts kEnglish = {L"Open...", L"Save as...", L"Cancelled.", L"Chosen: "};
 const Texts kHebrew = {L"\x05E4\x05EA\x05D9\x05D7\x05D4...", L"\x05E9\x05DE\x05D9\x05E8\x05D4 \x05D1\x05E9\x05DD...",
                        L"\x05D1\x05D5\x05D8\x05DC.", L"\x05E0\x05D1\x05D7\x05E8: "};
-const Texts& PageTexts()
-{
-    CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
-    const wchar_t* code = handler ? handler->GetLanguageName() : nullptr;
-    return code && CRTLHelper::IsRTL(code) ? kHebrew : kEnglish;
-}
+const Texts& PageTexts() { return RightToLeftLanguage() ? kHebrew : kEnglish; }
 
-HWND FileDialog()
-{
-    HWND found = nullptr;
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND hwnd, LPARAM param) -> BOOL {
-            if (IsWindowVisible(hwnd) && GetDlgItem(hwnd, cmb2)) {
-                *reinterpret_cast<HWND*>(param) = hwnd;
-                return FALSE;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&found));
-    return found;
-}
 
 // What the screen shows of the window, frame included.
 HBITMAP CopyWindow(HWND window, SIZE* size)
@@ -206,7 +186,7 @@ private:
         FileDlgPage* page = s_page;
         if (!page)
             return;
-        HWND dialog = FileDialog();
+        HWND dialog = VisibleFileDialog();
         if (++page->m_ticks > 60 || page->m_step > 3) {
             if (dialog)
                 PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);

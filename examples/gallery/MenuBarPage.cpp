@@ -35,13 +35,6 @@ const struct {
              {2, 0, L"View, checked and radio items:"}};
 const int kShots = 3;
 
-bool Hebrew()
-{
-    CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
-    const wchar_t* code = handler ? handler->GetLanguageName() : nullptr;
-    return code && CRTLHelper::IsRTL(code);
-}
-
 struct Texts {
     const wchar_t* file[4];
     const wchar_t* fileItems[8];
@@ -216,7 +209,7 @@ public:
     {
         Leave();
         m_host = host;
-        m_texts = Hebrew() ? &kHebrew : &kEnglish;
+        m_texts = RightToLeftLanguage() ? &kHebrew : &kEnglish;
         WindowClass(kFrameClass, FrameProc);
         m_skin = std::make_unique<FrameSkin>();
         m_skin->SetSkinDef(FrameSkinDef{m_texts, &m_status});

@@ -45,28 +45,8 @@ const Texts kHebrew = {L"\x05E4\x05EA\x05D9\x05D7\x05D4 \x05DE\x05D4\x05D8\x05DC
                        L"\x05E9\x05DE\x05D9\x05E8\x05D4 \x05D1\x05D8\x05DC\x05E4\x05D5\x05DF...",
                        L"\x05D1\x05D5\x05D8\x05DC.",
                        L"\x05D4\x05D5\x05E8\x05D3: %ls (0x%08lX)", L"\x05D4\x05D5\x05E2\x05DC\x05D4: %ls (0x%08lX)"};
-const Texts& PageTexts()
-{
-    CResHandler* handler = CCommonModuleState::Get().m_pResHandler;
-    const wchar_t* code = handler ? handler->GetLanguageName() : nullptr;
-    return code && CRTLHelper::IsRTL(code) ? kHebrew : kEnglish;
-}
+const Texts& PageTexts() { return RightToLeftLanguage() ? kHebrew : kEnglish; }
 
-HWND FileDialog()
-{
-    HWND found = nullptr;
-    EnumThreadWindows(
-        GetCurrentThreadId(),
-        [](HWND hwnd, LPARAM param) -> BOOL {
-            if (IsWindowVisible(hwnd) && GetDlgItem(hwnd, cmb2)) {
-                *reinterpret_cast<HWND*>(param) = hwnd;
-                return FALSE;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&found));
-    return found;
-}
 HWND FileList(HWND dialog)
 {
     HWND view = FindWindowExW(dialog, nullptr, L"SHELLDLL_DefView", nullptr);
@@ -263,7 +243,7 @@ private:
         PhoneFilesPage* page = s_page;
         if (!page)
             return;
-        HWND dialog = FileDialog();
+        HWND dialog = VisibleFileDialog();
         if (++page->m_ticks > 100 || page->m_step > kWaySteps + 2) {
             if (dialog)
                 PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
