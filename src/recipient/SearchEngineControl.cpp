@@ -37,7 +37,6 @@ constexpr int kGap = 5;
 // WS_BORDER leaves the one-pixel frame on which the row's skinned border is drawn.
 constexpr DWORD kEditStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN | WS_TABSTOP | WS_VSCROLL |
                              WS_BORDER | ES_MULTILINE | ES_AUTOVSCROLL;
-constexpr int kFrame = 2;  // the skinned border, top and bottom: added to a row's height
 constexpr DWORD kButtonStyle = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_TABSTOP;
 constexpr DWORD kListStyle = WS_CHILD | WS_BORDER | WS_VSCROLL | LBS_NOTIFY | LBS_HASSTRINGS;
 const UINT kLabelIds[3] = {ZLR_STR_RECIPIENT_TO, ZLR_STR_RECIPIENT_CC, ZLR_STR_RECIPIENT_BCC};
@@ -949,7 +948,7 @@ int CSearchEngineControl::CalcEditCtrlHeight(HWND edit)
     int h = m_iSystemFontHeight;
     if (m_lFontHeight < h)
         h = static_cast<int>(m_lFontHeight);
-    return h / 2 + m_iBorderWidth + kFrame + (row >= 0 ? m_sLineCount[row] : 1) * static_cast<int>(m_lFontHeight);
+    return h / 2 + m_iBorderWidth + (row >= 0 ? m_sLineCount[row] : 1) * static_cast<int>(m_lFontHeight);
 }
 
 int CSearchEngineControl::SelectUp()
