@@ -85,6 +85,20 @@ HBITMAP SnapshotWindow(HWND window)
     return snapshot;
 }
 
+HBITMAP CopyScreen(const RECT& rect)
+{
+    const int width = rect.right - rect.left, height = rect.bottom - rect.top;
+    HDC screen = GetDC(nullptr);
+    HDC memory = CreateCompatibleDC(screen);
+    HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
+    HGDIOBJ old = SelectObject(memory, bitmap);
+    BitBlt(memory, 0, 0, width, height, screen, rect.left, rect.top, SRCCOPY);
+    SelectObject(memory, old);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+    return bitmap;
+}
+
 bool RightToLeftLanguage()
 {
     CResHandler* handler = CCommonModuleState::Get().m_pResHandler;

@@ -34,6 +34,9 @@ void DrawBitmap(HDC dc, int x, int y, HBITMAP bitmap);
 // window); the caller deletes it.
 HBITMAP SnapshotWindow(HWND window);
 
+// What the screen shows in `rect` (screen coordinates), overlapping windows included; the caller deletes it.
+HBITMAP CopyScreen(const RECT& rect);
+
 // Whether the library's language reads right to left (the gallery's pages then speak Hebrew).
 bool RightToLeftLanguage();
 

@@ -34,22 +34,13 @@ const Texts kHebrew = {L"\x05E4\x05EA\x05D9\x05D7\x05D4...", L"\x05E9\x05DE\x05D
                        L"\x05D1\x05D5\x05D8\x05DC.", L"\x05E0\x05D1\x05D7\x05E8: "};
 const Texts& PageTexts() { return RightToLeftLanguage() ? kHebrew : kEnglish; }
 
-
 // What the screen shows of the window, frame included.
 HBITMAP CopyWindow(HWND window, SIZE* size)
 {
     RECT r;
     GetWindowRect(window, &r);
     *size = SIZE{r.right - r.left, r.bottom - r.top};
-    HDC screen = GetDC(nullptr);
-    HDC memory = CreateCompatibleDC(screen);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, size->cx, size->cy);
-    HGDIOBJ old = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, size->cx, size->cy, screen, r.left, r.top, SRCCOPY);
-    SelectObject(memory, old);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
-    return bitmap;
+    return CopyScreen(r);
 }
 
 class FileDlgPage : public GalleryPage {

@@ -80,15 +80,7 @@ HBITMAP CopyDialogWithList(HWND dialog, HWND dropDown, SIZE* size)
     if (dropDown && IsWindowVisible(dropDown) && GetWindowRect(dropDown, &list))
         UnionRect(&r, &r, &list);
     *size = SIZE{r.right - r.left, r.bottom - r.top};
-    HDC screen = GetDC(nullptr);
-    HDC memory = CreateCompatibleDC(screen);
-    HBITMAP bitmap = CreateCompatibleBitmap(screen, size->cx, size->cy);
-    HGDIOBJ old = SelectObject(memory, bitmap);
-    BitBlt(memory, 0, 0, size->cx, size->cy, screen, r.left, r.top, SRCCOPY);
-    SelectObject(memory, old);
-    DeleteDC(memory);
-    ReleaseDC(nullptr, screen);
-    return bitmap;
+    return CopyScreen(r);
 }
 
 class PhoneFilesPage : public GalleryPage {
