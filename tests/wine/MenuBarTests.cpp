@@ -377,9 +377,7 @@ TEST_F(MenuBar, KeyboardMovesAcrossTheBar)
         {"right on an item with a submenu opens it", 0, 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT}, 0, 2},
         {"left in the submenu closes it", 0, 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT}, 0, 1},
         {"then left moves on", 0, 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT, VK_LEFT}, 3, 1},
-        {"Alt E", -1, 'E', {}, 1, 1},
-        {"Alt H", -1, 'H', {}, 3, 1},
-        {"Alt V", -1, 'V', {}, 2, 1},
+        {"Alt E", -1, 'E', {}, 1, 1},  // the letters' table has a test of its own
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
