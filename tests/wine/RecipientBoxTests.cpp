@@ -180,8 +180,8 @@ protected:
         SendMessageW(edit, EM_EXSETSEL, 0, reinterpret_cast<LPARAM>(&saved));
         return format.dwEffects & format.dwMask & (CFE_UNDERLINE | CFE_ITALIC);
     }
-    bool ListShown() { return IsWindowVisible(list) != 0; }
-    int ListCount() { return static_cast<int>(SendMessageW(list, LB_GETCOUNT, 0, 0)); }
+    // The items on offer, none while the list is hidden.
+    int Listed() { return IsWindowVisible(list) ? static_cast<int>(SendMessageW(list, LB_GETCOUNT, 0, 0)) : 0; }
     void WaitForSearch() { Recorder::Pump(CSearchEngineControl::GetSearchDelay() + 150); }
 
     SuiteRegistry suite;
@@ -228,7 +228,7 @@ TEST_F(RecipientBox, TypingCompletesOnlyAfterThePauseThatFollowsTheLastKey)
             key == kLeft ? input::Press(VK_LEFT) : key == kDelete ? input::Press(VK_DELETE) : key == L'\b' ? input::Press(VK_BACK) : Type(std::wstring(1, key));
             Recorder::Pump(120);
             EXPECT_EQ(Text().find(L'<'), std::wstring::npos);
-            EXPECT_FALSE(ListShown());
+            EXPECT_EQ(Listed(), 0);
         }
         Recorder::Pump(150);
         EXPECT_EQ(Text().find(L'<'), std::wstring::npos);  // 300 ms after the last key: still waiting
@@ -236,16 +236,16 @@ TEST_F(RecipientBox, TypingCompletesOnlyAfterThePauseThatFollowsTheLastKey)
         EXPECT_EQ(Text(), c.text);
         EXPECT_EQ(Selection().cpMin, c.selected.cpMin);
         EXPECT_EQ(Selection().cpMax, c.selected.cpMax);
-        EXPECT_EQ(ListShown() ? ListCount() : 0, c.listed);
+        EXPECT_EQ(Listed(), c.listed);
     }
     // Escape leaves the list up; Down offers the next contact on the recipient's place.
     input::Press(VK_ESCAPE);
     Recorder::Pump(50);
-    EXPECT_EQ(ListShown() ? ListCount() : 0, 3);
+    EXPECT_EQ(Listed(), 3);
     input::Press(VK_DOWN);
     Recorder::Pump(30);
     EXPECT_EQ(Text(), L"Ann Lee <ann@lee.org>");
-    EXPECT_TRUE(ListShown());
+    EXPECT_EQ(Listed(), 3);
 }
 
 TEST_F(RecipientBox, FinishingMarksKnownUnknownAndMalformedRecipients)
@@ -414,8 +414,7 @@ TEST_F(RecipientBox, TheListShowsFiveAtATimeAndKeepsTheRecipientOpenWhileUsed)
         SetWindowTextW(edit, L"");
         Type(L"kim");
         WaitForSearch();
-        ASSERT_TRUE(ListShown());
-        EXPECT_EQ(ListCount(), items);
+        EXPECT_EQ(Listed(), items);
         RECT client;
         GetClientRect(list, &client);
         EXPECT_EQ(client.bottom, SendMessageW(list, LB_GETITEMHEIGHT, 0, 0) * std::min(items, 5));
@@ -435,7 +434,7 @@ TEST_F(RecipientBox, TheListShowsFiveAtATimeAndKeepsTheRecipientOpenWhileUsed)
     Recorder::Pump(60);
     EXPECT_EQ(Text(), L"Kim Bravo <102>; ");
     EXPECT_EQ(GetFocus(), edit);
-    EXPECT_FALSE(ListShown());
+    EXPECT_EQ(Listed(), 0);
     // Losing the focus anywhere else finishes the recipient.
     Type(L"kim");
     SetFocus(parent);
@@ -534,7 +533,7 @@ TEST_F(RecipientBox, TwoBoxesInOneWindowWorkApart)
     other->GetText(text, 0);
     EXPECT_STREQ(text, L"Ann Lee <040123>");
     EXPECT_TRUE(IsWindowVisible(other->GetContactListBox()));
-    EXPECT_FALSE(ListShown());
+    EXPECT_EQ(Listed(), 0);
     EXPECT_EQ(Text(), L"");
     EXPECT_EQ(other->HasFocus(), 1);
     EXPECT_EQ(box->HasFocus(), 0);
@@ -600,7 +599,7 @@ TEST_F(RecipientBox, ManyLivesLeaveNothingBehind)
     };
     life();
     const HandleCounter::Counts before = counter.Live();
-    for (int i = 0; i < 15; ++i)
+    for (int i = 0; i < 10; ++i)
         life();
     EXPECT_EQ(counter.Live(), before) << counter.Live().ToString();
     EXPECT_EQ(closer.closed, 0);
