@@ -34,67 +34,47 @@ bool DmLoaded()
 }
 
 template <class R, class... A>
-constexpr size_t ArgCount(R (*)(A...))
-{
-    return sizeof...(A);
-}
-template <class R, class... A>
 R CallWithZeros(R (*function)(A...))
 {
     return function(A{}...);
 }
 
-struct Stub {
-    const char* name;
-    size_t args, expectedArgs;
-    HRESULT (*call)();
-};
-
-template <auto function>
-Stub MakeStub(const char* name, size_t expectedArgs)
+// Calls each stub with zeros and nulls: the stand-in answers (an error, never a crash), with
+// LNKA_E_NOT_SUPPORTED exactly when it doesn't serve the function.
+void CheckStubs(bool served, std::initializer_list<std::pair<const char*, HRESULT (*)()>> stubs)
 {
-    return {name, ArgCount(function), expectedArgs, [] { return CallWithZeros(function); }};
-}
-
-// Calls each stub: the stand-in answers, with LNKA_E_NOT_SUPPORTED exactly when it doesn't serve the function.
-// Gives the number of stubs.
-template <class... Stubs>
-size_t CheckStubs(bool served, const Stubs&... stubs)
-{
-    for (const Stub& stub : {stubs...}) {
-        SCOPED_TRACE(stub.name);
-        EXPECT_EQ(stub.args, stub.expectedArgs);
-        const HRESULT result = stub.call();
+    for (const auto& [name, call] : stubs) {
+        SCOPED_TRACE(name);
+        const HRESULT result = call();
         EXPECT_NE(result, kFunctionNotFound);
         EXPECT_NE(result, kNotInitialised);
         EXPECT_EQ(result == LNKA_E_NOT_SUPPORTED, !served);
     }
-    return sizeof...(stubs);
 }
 
 }  // namespace
 
 TEST_F(Connectivity, LibraryFromTheConfiguredPathElseTheDefaultNameSilently)
 {
+    const std::wstring nowhere = L"C:\\no such folder\\VersitConverter64.dll";
     const struct {
-        const wchar_t* path;    // "VCAPI64"; null: no value
+        std::wstring path;      // "VCAPI64"; empty: no value
         bool searchServiceDir;  // the default name can be found
         HRESULT result;
         std::wstring folder;  // of the loaded library; empty: none
     } cases[] = {
-        {nullptr, false, kLibraryNotFound, L""},
-        {nullptr, true, S_OK, ServiceDir()},
-        {L"C:\\no such folder\\VersitConverter64.dll", false, kLibraryNotFound, L""},
-        {L"C:\\no such folder\\VersitConverter64.dll", true, S_OK, ServiceDir()},
+        {L"", false, kLibraryNotFound, L""},
+        {L"", true, S_OK, ServiceDir()},
+        {nowhere, false, kLibraryNotFound, L""},
+        {nowhere, true, S_OK, ServiceDir()},
         // The configured library wins over the default one; it lacks the start function and stays.
-        {L"partial", true, kFunctionNotFound, ServiceDir(L"service-partial")},
+        {ServiceDir(L"service-partial") + L"\\VersitConverter64.dll", true, kFunctionNotFound,
+         ServiceDir(L"service-partial")},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::wstring(c.path ? c.path : L"(none)") + (c.searchServiceDir ? L" +search" : L""));
-        if (c.path)
-            registry.SetPath(L"VCAPI64", std::wstring(c.path) == L"partial"
-                                             ? ServiceDir(L"service-partial") + L"\\VersitConverter64.dll"
-                                             : std::wstring(c.path));
+        SCOPED_TRACE(c.path + (c.searchServiceDir ? L" +search" : L""));
+        if (!c.path.empty())
+            registry.SetPath(L"VCAPI64", c.path);
         SetDllDirectoryW(c.searchServiceDir ? ServiceDir().c_str() : nullptr);
         EXPECT_EQ(VCAPI_Initialize(kVcapiVersion, 0), c.result);
         EXPECT_EQ(LoadedFolder(L"VersitConverter64.dll"), c.folder);
@@ -151,16 +131,11 @@ TEST_F(Connectivity, StartResultsAndMissingFunctions)
     EXPECT_EQ(CAAPI_Terminate(0), S_OK);
     EXPECT_EQ(GetModuleHandleW(L"DAAPI64.dll"), nullptr);
 
-    // A library without its start function stays and works; without an end function it is freed all the same.
+    // A stub whose function the library lacks says so (the library without its start function stays).
     registry.SetPath(L"VCAPI64", ServiceDir(L"service-partial") + L"\\VersitConverter64.dll");
     EXPECT_EQ(VCAPI_Initialize(kVcapiVersion, 0), kFunctionNotFound);
     EXPECT_EQ(ValidateVersitData(nullptr, nullptr), kFunctionNotFound);
-    CA_DATA_VERSIT versit = {sizeof(versit), 0, nullptr};
-    EXPECT_EQ(FreeVersitData(&versit), S_OK);
-    EXPECT_EQ(ConvertToVersit2(0, 0, 0, 0, 0, 0), LNKA_E_NOT_SUPPORTED);
     EXPECT_EQ(VCAPI_Terminate(0), S_OK);
-    EXPECT_EQ(FreeVersitData(&versit), kNotInitialised);
-    EXPECT_EQ(GetModuleHandleW(L"VersitConverter64.dll"), nullptr);
 }
 
 // "Options" bit 0 set as a 32-bit number turns the monitor off; any other type counts as 0.
@@ -171,11 +146,9 @@ TEST_F(Connectivity, OptionsBit0OnlyAsANumberStopsFollowingTheService)
         DWORD type;
         const void* data;
         bool follows;
-    } cases[] = {{REG_DWORD, &one, false},
-                 {REG_DWORD, &three, false},
-                 {REG_DWORD, &two, true},
-                 {REG_SZ, L"1", true},
-                 {REG_BINARY, &one, true}};
+    } cases[] = {
+        {REG_DWORD, &one, false}, {REG_DWORD, &three, false}, {REG_DWORD, &two, true}, {REG_SZ, L"1", true},
+        {REG_BINARY, &one, true}};
     registry.UseStandIns();
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
@@ -266,14 +239,6 @@ TEST_F(Connectivity, StressUnloadAndLoadWhileAnotherThreadCallsStubs)
             ++calls;
             if (opened == S_OK) {
                 ++served;
-                ContactField field = {sizeof(field), 0, CA_FIELD_CLASS_PERSONAL, 0, const_cast<wchar_t*>(L"a%")};
-                ContactItem condition = {};
-                condition.dwSize = sizeof(condition);
-                condition.bPersonalCount = 1;
-                condition.pPersonal = &field;
-                HCAFIND find = nullptr;
-                if (CAFindBegin(ca, 0, &condition, &find) == S_OK)
-                    CAFindEnd(find);
                 DACloseCA(ca);
             } else if (opened != kNotInitialised && opened != LNKA_E_NOT_INITIALIZED) {
                 ++unexpected;
@@ -296,9 +261,8 @@ TEST_F(Connectivity, StressUnloadAndLoadWhileAnotherThreadCallsStubs)
     EXPECT_GT(served.load(), 0) << "of " << calls.load() << " calls";
 }
 
-// Each stub reaches its function by name and passes its arguments: called with zeros and nulls, every one gets
-// an answer of the stand-in (an error, never a crash) and none is missing. The stand-in serves the first list
-// and answers the second with LNKA_E_NOT_SUPPORTED.
+// Each stub reaches the stand-in's export of its name, which serves the first list and answers the second with
+// LNKA_E_NOT_SUPPORTED.
 TEST_F(Connectivity, EveryStubReachesAnExportOfTheStandIns)
 {
     registry.UseStandIns();
@@ -306,41 +270,37 @@ TEST_F(Connectivity, EveryStubReachesAnExportOfTheStandIns)
     ASSERT_EQ(FSAPI_Initialize(kFsapiVersion, 0), S_OK);
     ASSERT_EQ(VCAPI_Initialize(kVcapiVersion, 0), S_OK);
     ASSERT_EQ(CAAPI_Initialize(kCaapiVersion, 0), S_OK);
-#define STUB(name, count) MakeStub<&name>(#name, count)
-    const size_t served = CheckStubs(
-        true, STUB(DMAPI_GetAPIVersion, 0), STUB(LNKAOpenDM, 1), STUB(LNKACloseDM, 1), STUB(LNKAGetDeviceCount, 2),
-        STUB(LNKAGetDevices, 3), STUB(LNKAGetDevice, 3), STUB(LNKAFreeDeviceStructure, 2),
-        STUB(LNKARefreshDeviceList, 2), STUB(LNKARenameFriendlyName, 3), STUB(LNKARegisterNotifyCallback, 3),
-        STUB(LNKARegisterDMNotifyIF, 3), STUB(LNKAGetDeviceInfo, 4), STUB(LNKAFreeDeviceInfoStructure, 2),
-        STUB(FSAPI_GetAPIVersion, 0), STUB(LNKAOpenFS, 4), STUB(LNKACloseFS, 1),
-        STUB(LNKARegisterFSNotifyCallback, 3), STUB(LNKARegisterFSNotifyIF, 3), STUB(LNKARefreshDeviceMemoryValues, 1),
-        STUB(LNKAFindBegin, 4), STUB(LNKAFindNextFolder, 2), STUB(LNKAFindNextFile, 2), STUB(LNKAFindEnd, 1),
-        STUB(LNKACreateFolder, 3), STUB(LNKADeleteFolder, 4), STUB(LNKARenameFolder, 4), STUB(LNKAGetFolderInfo, 6),
-        STUB(LNKAGetFileInfo, 4), STUB(LNKADeleteFile, 3), STUB(LNKACopyFile, 5), STUB(LNKARenameFile, 4),
-        STUB(LNKACancel, 1), STUB(LNKAFreeFileInfoStructure, 1), STUB(LNKAFreeFolderInfoStructure, 1),
-        STUB(VCAPI_GetAPIVersion, 0), STUB(ConvertToVersit, 3), STUB(ConvertFromVersit, 3), STUB(FreeConverterData, 2),
-        STUB(FreeVersitData, 1), STUB(ValidateVersitData, 2), STUB(CAGetAPIVersion, 0), STUB(DAOpenCA, 4),
-        STUB(DACloseCA, 1), STUB(CAGetFolderInfo, 2), STUB(CAFreeFolderInfoStructure, 1), STUB(CAGetIDList, 4),
-        STUB(CAFreeIdListStructure, 1), STUB(CABeginOperation, 3), STUB(CAReadItem, 5), STUB(CAEndOperation, 1),
-        STUB(CAFreeItemData, 3), STUB(CAFindBegin, 4), STUB(CAFindNext, 3), STUB(CAFindEnd, 1));
-    const size_t unsupported = CheckStubs(
-        false, STUB(LNKASetDeviceListOption, 3), STUB(LNKASearchDevices, 6), STUB(LNKAFreeConnectionInfoStructures, 2),
-        STUB(LNKAChangeDeviceTrustedState, 5),
-        STUB(LNKAModemConfig, 6), STUB(LNKAFreeModemConfigData, 2), STUB(LNKAGetDeviceServiceInfo, 4),
-        STUB(LNKAFreeDeviceServiceInfoStructure, 1), STUB(LNKAInstallDeviceService, 5), STUB(LNKAGetMemoryTypes, 2),
-        STUB(LNKAGetMemoryValues, 5), STUB(LNKASetCurrentFolder, 2), STUB(LNKAGetCurrentFolder, 2),
-        STUB(LNKAMoveFolder, 5), STUB(LNKACopyFolder, 5), STUB(LNKAGetFileMetadata, 6), STUB(LNKAMoveFile, 5),
-        STUB(LNKAReadFile, 5), STUB(LNKAWriteFile, 4), STUB(LNKAReadFileInBlocks, 6), STUB(LNKAWriteFileInBlocks, 6),
-        STUB(LNKAFreeFolderContentStructure, 1), STUB(LNKAAllocFileDataMemory, 1), STUB(LNKAFreeFileDataMemory, 1),
-        STUB(LNKAFreeFileMetadataStructure, 2), STUB(LNKAInstallApplication, 6), STUB(LNKAListApplications, 4),
-        STUB(LNKAUninstallApplication, 4), STUB(LNKAFreeApplicationInfoStructures, 2), STUB(LNKAConvertFile, 4),
-        STUB(LNKAGetConvertFileTypes, 3), STUB(LNKAFreeConvertFileTypes, 2), STUB(ConvertToVersit2, 6),
-        STUB(CAGetFolderInfo2, 3), STUB(CAGetIDList2, 4), STUB(CAWriteItem, 5), STUB(CADeleteItem, 3),
-        STUB(CAWriteField, 4), STUB(CADeleteField, 4), STUB(CACommitOperations, 2), STUB(CARegisterNotifyCallback, 3),
-        STUB(CARegisterOperationCallback, 3), STUB(CARegisterNotifyIF, 3), STUB(CARegisterOperationNotifyIF, 3),
-        STUB(CAGetFolderPath, 3), STUB(CACreateFolder, 3), STUB(CADeleteFolder, 2), STUB(CARenameFolder, 3),
-        STUB(CAGetContentCapability, 4), STUB(CAFreeContentCapability, 3), STUB(CAChangeLogReadBegin, 4),
-        STUB(CAChangeLogReadNext, 2), STUB(CAChangeLogReadEnd, 2), STUB(CAFreeChangeLogItem, 2));
+#define STUB(name) {#name, [] { return CallWithZeros(&name); }}
+    CheckStubs(true, {
+        STUB(DMAPI_GetAPIVersion), STUB(LNKAOpenDM), STUB(LNKACloseDM), STUB(LNKAGetDeviceCount), STUB(LNKAGetDevices),
+        STUB(LNKAGetDevice), STUB(LNKAFreeDeviceStructure), STUB(LNKARefreshDeviceList), STUB(LNKARenameFriendlyName),
+        STUB(LNKARegisterNotifyCallback), STUB(LNKARegisterDMNotifyIF), STUB(LNKAGetDeviceInfo),
+        STUB(LNKAFreeDeviceInfoStructure), STUB(FSAPI_GetAPIVersion), STUB(LNKAOpenFS), STUB(LNKACloseFS),
+        STUB(LNKARegisterFSNotifyCallback), STUB(LNKARegisterFSNotifyIF), STUB(LNKARefreshDeviceMemoryValues),
+        STUB(LNKAFindBegin), STUB(LNKAFindNextFolder), STUB(LNKAFindNextFile), STUB(LNKAFindEnd),
+        STUB(LNKACreateFolder), STUB(LNKADeleteFolder), STUB(LNKARenameFolder), STUB(LNKAGetFolderInfo),
+        STUB(LNKAGetFileInfo), STUB(LNKADeleteFile), STUB(LNKACopyFile), STUB(LNKARenameFile), STUB(LNKACancel),
+        STUB(LNKAFreeFileInfoStructure), STUB(LNKAFreeFolderInfoStructure), STUB(VCAPI_GetAPIVersion),
+        STUB(ConvertToVersit), STUB(ConvertFromVersit), STUB(FreeConverterData), STUB(FreeVersitData),
+        STUB(ValidateVersitData), STUB(CAGetAPIVersion), STUB(DAOpenCA), STUB(DACloseCA), STUB(CAGetFolderInfo),
+        STUB(CAFreeFolderInfoStructure), STUB(CAGetIDList), STUB(CAFreeIdListStructure), STUB(CABeginOperation),
+        STUB(CAReadItem), STUB(CAEndOperation), STUB(CAFreeItemData), STUB(CAFindBegin), STUB(CAFindNext),
+        STUB(CAFindEnd)});
+    CheckStubs(false, {
+        STUB(LNKASetDeviceListOption), STUB(LNKASearchDevices), STUB(LNKAFreeConnectionInfoStructures),
+        STUB(LNKAChangeDeviceTrustedState), STUB(LNKAModemConfig), STUB(LNKAFreeModemConfigData),
+        STUB(LNKAGetDeviceServiceInfo), STUB(LNKAFreeDeviceServiceInfoStructure), STUB(LNKAInstallDeviceService),
+        STUB(LNKAGetMemoryTypes), STUB(LNKAGetMemoryValues), STUB(LNKASetCurrentFolder), STUB(LNKAGetCurrentFolder),
+        STUB(LNKAMoveFolder), STUB(LNKACopyFolder), STUB(LNKAGetFileMetadata), STUB(LNKAMoveFile), STUB(LNKAReadFile),
+        STUB(LNKAWriteFile), STUB(LNKAReadFileInBlocks), STUB(LNKAWriteFileInBlocks),
+        STUB(LNKAFreeFolderContentStructure), STUB(LNKAAllocFileDataMemory), STUB(LNKAFreeFileDataMemory),
+        STUB(LNKAFreeFileMetadataStructure), STUB(LNKAInstallApplication), STUB(LNKAListApplications),
+        STUB(LNKAUninstallApplication), STUB(LNKAFreeApplicationInfoStructures), STUB(LNKAConvertFile),
+        STUB(LNKAGetConvertFileTypes), STUB(LNKAFreeConvertFileTypes), STUB(ConvertToVersit2), STUB(CAGetFolderInfo2),
+        STUB(CAGetIDList2), STUB(CAWriteItem), STUB(CADeleteItem), STUB(CAWriteField), STUB(CADeleteField),
+        STUB(CACommitOperations), STUB(CARegisterNotifyCallback), STUB(CARegisterOperationCallback),
+        STUB(CARegisterNotifyIF), STUB(CARegisterOperationNotifyIF), STUB(CAGetFolderPath), STUB(CACreateFolder),
+        STUB(CADeleteFolder), STUB(CARenameFolder), STUB(CAGetContentCapability), STUB(CAFreeContentCapability),
+        STUB(CAChangeLogReadBegin), STUB(CAChangeLogReadNext), STUB(CAChangeLogReadEnd), STUB(CAFreeChangeLogItem)});
 #undef STUB
-    EXPECT_EQ(served + unsupported, 21u + 43u + 6u + 34u + 4u);
 }
