@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <map>
 
 #include "service/core/Contact.h"
 
@@ -42,69 +41,49 @@ Lines Fields(const Contact& c, uint32_t fieldClass)
 // Files as real programs write them: 2.1 from a phone (quoted-printable with soft breaks, also inside a
 // multi-byte sequence, bare types), from desktop mail in Windows-1252 and in UTF-16; 3.0 from address books
 // and web mail (groups, escapes, folded lines, cards with a name only, a last card without END, a card inside
-// a card that is no contact of its own).
+// a card that is no contact of its own). A file's first row gives its number of cards.
 TEST(StandInVCard, FilesAsRealProgramsWriteThem)
 {
     const uint32_t personal = CA_FIELD_CLASS_PERSONAL, number = CA_FIELD_CLASS_NUMBER, address = CA_FIELD_CLASS_ADDRESS;
-    const std::map<std::string, size_t> cards = {{"phone_export_21.vcf", 3},
-                                                 {"desktop_mail_21_cp1252.vcf", 1},
-                                                 {"unicode_export_21_utf16.vcf", 1},
-                                                 {"address_book_30.vcf", 1},
-                                                 {"web_mail_30.vcf", 4},
-                                                 {"agent_21.vcf", 1}};
     const struct {
         const char* file;
         size_t card;
         uint32_t fieldClass;
         Lines fields;
+        size_t cards = 0;
     } cases[] = {
-        {"phone_export_21.vcf",
-         0,
-         personal,
-         {"2=Jürgen", "4=Müller", "1024=Erster Kontakt auf der Messe in Köln, bitte wegen des Angebots zurückrufen."}},
+        // clang-format off
+        {"phone_export_21.vcf", 0, personal, {"2=Jürgen", "4=Müller",
+            "1024=Erster Kontakt auf der Messe in Köln, bitte wegen des Angebots zurückrufen."}, 3},
         {"phone_export_21.vcf", 0, number, {"4=+49 170 1234567", "2=+49 30 123456", "5=+49 30 654321"}},
         {"phone_export_21.vcf", 0, address, {"260=juergen.mueller@example.de"}},
         {"phone_export_21.vcf", 1, personal, {"2=Иван", "4=Иванов"}},
-        {"phone_export_21.vcf", 1, address, {"259=ivan.ivanov@example.ru"}},
-        {"phone_export_21.vcf", 2, personal, {"2=Mum"}},
         {"phone_export_21.vcf", 2, number, {"4=07700 900123", "1=01632 960001"}},
-        {"desktop_mail_21_cp1252.vcf",
-         0,
-         personal,
-         {"2=François", "4=Dubois", "128=Northwind, Ventes", "256=Responsable de compte"}},
-        {"desktop_mail_21_cp1252.vcf", 0, number, {"3=+33 1 23 45 67 89", "4=+33 6 12 34 56 78"}},
-        {"desktop_mail_21_cp1252.vcf",
-         0,
-         address,
-         {"515=12 rue de la Paix, Bâtiment B, Paris, 75002, France", "259=f.dubois@northwind.example"}},
-        {"unicode_export_21_utf16.vcf", 0, personal, {"2=Hiroshi", "4=Tanaka"}},
-        {"unicode_export_21_utf16.vcf", 0, address, {"259=hiroshi.tanaka@example.jp"}},
-        {"address_book_30.vcf",
-         0,
-         personal,
-         {"2=Søren", "4=Sørensen", "64=Søs", "128=Kestrel & Sons",
-          "1024=Met at the conference, call about the contract\nSecond line"}},
+        {"desktop_mail_21_cp1252.vcf", 0, personal,
+            {"2=François", "4=Dubois", "128=Northwind, Ventes", "256=Responsable de compte"}, 1},
+        {"desktop_mail_21_cp1252.vcf", 0, address,
+            {"515=12 rue de la Paix, Bâtiment B, Paris, 75002, France", "259=f.dubois@northwind.example"}},
+        {"unicode_export_21_utf16.vcf", 0, personal, {"2=Hiroshi", "4=Tanaka"}, 1},
+        {"address_book_30.vcf", 0, personal, {"2=Søren", "4=Sørensen", "64=Søs", "128=Kestrel & Sons",
+            "1024=Met at the conference, call about the contract\nSecond line"}, 1},
         {"address_book_30.vcf", 0, number, {"4=+45 20 12 34 56", "2=+45 33 12 34 56"}},
-        {"address_book_30.vcf",
-         0,
-         address,
-         {"259=soren@kestrel.example", "261=s.sorensen@work.example", "514=Nørregade 10, København, 1165, Denmark"}},
-        {"web_mail_30.vcf", 0, address, {"260=ann.lee@example.com", "261=alee@work.example"}},
+        {"address_book_30.vcf", 0, address,
+            {"259=soren@kestrel.example", "261=s.sorensen@work.example", "514=Nørregade 10, København, 1165, Denmark"}},
+        {"web_mail_30.vcf", 0, address, {"260=ann.lee@example.com", "261=alee@work.example"}, 4},
         {"web_mail_30.vcf", 1, personal, {"2=Łukasz", "4=Dąbrowski"}},
         {"web_mail_30.vcf", 1, address, {"769=https://example.pl/~lukasz"}},
         {"web_mail_30.vcf", 2, personal, {"1=Pizza Place"}},
         {"web_mail_30.vcf", 3, number, {"1=+1 555 0199"}},
-        {"agent_21.vcf", 0, number, {"3=+44 20 7946 0000"}},
+        {"agent_21.vcf", 0, number, {"3=+44 20 7946 0000"}, 1},
         {"agent_21.vcf", 0, address, {"259=ann@example.com"}},
+        // clang-format on
     };
-    std::map<std::string, std::vector<Contact>> parsed;
-    for (const auto& [file, count] : cards) {
-        parsed[file] = ParseVCards(ReadCorpus(file));
-        EXPECT_EQ(parsed[file].size(), count) << file;
-    }
     for (const auto& c : cases) {
-        ASSERT_LT(c.card, parsed[c.file].size()) << c.file;
-        EXPECT_EQ(Fields(parsed[c.file][c.card], c.fieldClass), c.fields) << c.file << " card " << c.card;
+        const std::vector<Contact> parsed = ParseVCards(ReadCorpus(c.file));
+        if (c.cards)
+            EXPECT_EQ(parsed.size(), c.cards) << c.file;
+        ASSERT_LT(c.card, parsed.size()) << c.file;
+        EXPECT_EQ(Fields(parsed[c.card], c.fieldClass), c.fields) << c.file << " card " << c.card;
     }
 }
 
@@ -147,6 +126,7 @@ TEST(StandInVCard, WrittenCardsReadBackInBothVersions)
     }
 }
 
+// The field classes and subtypes of a search reach the patterns through the service (the Wine search test).
 TEST(StandInSearch, PatternsAsTheContactSearchSendsThem)
 {
     const struct {
@@ -154,41 +134,19 @@ TEST(StandInSearch, PatternsAsTheContactSearchSendsThem)
         const char* pattern;
         bool match;
     } cases[] = {
-        {"Anna", "ann%", true},
-        {"ANNABEL", "ann%", true},
-        {"Joanna", "ann%", false},
-        {"Ann Lee", "% lee%", true},
-        {"Ann Leeds", "% lee%", true},
-        {"Annalee", "% lee%", false},
-        {"Mary Ann Lee", "% ann%", true},
-        {"Ann", "ann", true},
-        {"Anna", "ann", false},
-        {"", "%", true},
-        {"", "a%", false},
-        {"abc", "%%c", true},
-        {"Müller", "MÜL%", true},
-        {"Øster", "ø%", true},
-        {"Łukasz", "ł%", true},
-        {"Иван", "ив%", true},
-        {"+44 7700", "+44%", true},
-        {"a%b", "a%b", true},
-        {"ann.lee@example.com", "ann.lee@example.com", true},
-        {"ann.lee@example.com", "ann.lee", false},
+        // clang-format off
+        {"Anna", "ann%", true}, {"ANNABEL", "ann%", true}, {"Joanna", "ann%", false},
+        {"Ann Lee", "% lee%", true}, {"Ann Leeds", "% lee%", true}, {"Annalee", "% lee%", false},
+        {"Mary Ann Lee", "% ann%", true}, {"Ann", "ann", true}, {"Anna", "ann", false},
+        {"", "%", true}, {"", "a%", false}, {"abc", "%%c", true},
+        {"Müller", "MÜL%", true}, {"Øster", "ø%", true}, {"Łukasz", "ł%", true}, {"Иван", "ив%", true},
+        {"+44 7700", "+44%", true}, {"a%b", "a%b", true},
+        {"ann.lee@example.com", "ann.lee@example.com", true}, {"ann.lee@example.com", "ann.lee", false},
         {"aaaaaaaaaaaaaaaaaaaaaaaaaaaaab", "%a%a%a%a%a%a%c", false},
+        // clang-format on
     };
     for (const auto& c : cases)
         EXPECT_EQ(MatchPattern(U(c.value), U(c.pattern)), c.match) << c.value << " ~ " << c.pattern;
-
-    Contact ann;
-    ann.fields = {{CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, u"Ann"},
-                  {CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, u"Lee"},
-                  {CA_FIELD_CLASS_NUMBER, CA_NUMBER_MOBILE, u"+44 7700 900001"},
-                  {CA_FIELD_CLASS_ADDRESS, CA_ADDRESS_EMAIL_HOME, u"ann@example.com"}};
-    EXPECT_TRUE(MatchesCondition(ann, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, u"an%"));
-    EXPECT_FALSE(MatchesCondition(ann, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, u"an%"));
-    EXPECT_TRUE(MatchesCondition(ann, CA_FIELD_CLASS_NUMBER, CA_FIELD_SUBTYPE_ANY, u"+44 7700 900001"));
-    EXPECT_FALSE(MatchesCondition(ann, CA_FIELD_CLASS_ADDRESS, CA_FIELD_SUBTYPE_ANY, u"+44 7700 900001"));
-    EXPECT_TRUE(MatchesCondition(ann, CA_FIELD_CLASS_ANY, CA_FIELD_SUBTYPE_ANY, u"ANN@EXAMPLE.COM"));
 }
 
 // The generator that fills virtual phones: the same for a seed, and varied as real address books are.
