@@ -63,15 +63,14 @@ private:
 // object through the DLL's own DllRegisterServer and removed again with DllUnregisterServer.
 class PhoneFoldersRegistration {
 public:
-    PhoneFoldersRegistration() : m_module(LoadLibraryW((ServiceDir() + L"\\PhoneFolders64.dll").c_str()))
+    PhoneFoldersRegistration() : m_module(LoadLibraryW((ServiceDir() + L"\\PhoneFolders64.dll").c_str())),
+                                 m_registered(Call("DllRegisterServer") == S_OK)
     {
-        m_registered = Call("DllRegisterServer") == S_OK;
     }
     ~PhoneFoldersRegistration()
     {
         Call("DllUnregisterServer");
-        if (m_module)
-            FreeLibrary(m_module);
+        FreeLibrary(m_module);
     }
     PhoneFoldersRegistration(const PhoneFoldersRegistration&) = delete;
     PhoneFoldersRegistration& operator=(const PhoneFoldersRegistration&) = delete;
@@ -86,7 +85,7 @@ public:
 
 private:
     HMODULE m_module;
-    bool m_registered = false;
+    bool m_registered;
 };
 
 // Removes a folder with all it holds.
@@ -125,10 +124,10 @@ public:
     std::wstring New(const std::wstring& id, const std::wstring& options = L"") const
     {
         const ProcessResult made = Ctl(L"new " + id + L" " + options);
-        const size_t blank = made.output.find(' '), end = made.output.find_first_of("\r\n");
+        const size_t blank = made.output.find(' ');
         if (made.exitCode != 0 || blank == std::string::npos)
             return L"";
-        const std::string serial = made.output.substr(blank + 1, end == std::string::npos ? end : end - blank - 1);
+        const std::string serial = made.output.substr(blank + 1, made.output.find_first_of("\r\n") - blank - 1);
         return std::wstring(serial.begin(), serial.end());
     }
     std::wstring Folder(const std::wstring& id) const { return m_path + L"\\" + id; }
@@ -149,11 +148,10 @@ inline bool WaitUntil(const std::function<bool()>& done, DWORD timeoutMs = 5000)
     return true;
 }
 
+// Sets a named event of manual reset, made if no process holds it (else the one they hold).
 inline void SignalServiceEvent(const char* name)
 {
-    HANDLE event = OpenEventA(EVENT_MODIFY_STATE, FALSE, name);
-    if (!event)
-        event = CreateEventA(nullptr, TRUE, FALSE, name);
+    HANDLE event = CreateEventA(nullptr, TRUE, FALSE, name);
     SetEvent(event);
     CloseHandle(event);
 }
