@@ -261,8 +261,8 @@ TEST_F(Connectivity, StressUnloadAndLoadWhileAnotherThreadCallsStubs)
     EXPECT_GT(served.load(), 0) << "of " << calls.load() << " calls";
 }
 
-// Each stub reaches the stand-in's export of its name, which serves the first list and answers the second with
-// LNKA_E_NOT_SUPPORTED.
+// Each stub of a function the stand-in serves reaches its export, which answers zeros and nulls with an
+// error, never a crash.
 TEST_F(Connectivity, EveryStubReachesAnExportOfTheStandIns)
 {
     registry.UseStandIns();
@@ -286,21 +286,7 @@ TEST_F(Connectivity, EveryStubReachesAnExportOfTheStandIns)
         STUB(CAFreeFolderInfoStructure), STUB(CAGetIDList), STUB(CAFreeIdListStructure), STUB(CABeginOperation),
         STUB(CAReadItem), STUB(CAEndOperation), STUB(CAFreeItemData), STUB(CAFindBegin), STUB(CAFindNext),
         STUB(CAFindEnd)});
-    CheckStubs(false, {
-        STUB(LNKASetDeviceListOption), STUB(LNKASearchDevices), STUB(LNKAFreeConnectionInfoStructures),
-        STUB(LNKAChangeDeviceTrustedState), STUB(LNKAModemConfig), STUB(LNKAFreeModemConfigData),
-        STUB(LNKAGetDeviceServiceInfo), STUB(LNKAFreeDeviceServiceInfoStructure), STUB(LNKAInstallDeviceService),
-        STUB(LNKAGetMemoryTypes), STUB(LNKAGetMemoryValues), STUB(LNKASetCurrentFolder), STUB(LNKAGetCurrentFolder),
-        STUB(LNKAMoveFolder), STUB(LNKACopyFolder), STUB(LNKAGetFileMetadata), STUB(LNKAMoveFile), STUB(LNKAReadFile),
-        STUB(LNKAWriteFile), STUB(LNKAReadFileInBlocks), STUB(LNKAWriteFileInBlocks),
-        STUB(LNKAFreeFolderContentStructure), STUB(LNKAAllocFileDataMemory), STUB(LNKAFreeFileDataMemory),
-        STUB(LNKAFreeFileMetadataStructure), STUB(LNKAInstallApplication), STUB(LNKAListApplications),
-        STUB(LNKAUninstallApplication), STUB(LNKAFreeApplicationInfoStructures), STUB(LNKAConvertFile),
-        STUB(LNKAGetConvertFileTypes), STUB(LNKAFreeConvertFileTypes), STUB(ConvertToVersit2), STUB(CAGetFolderInfo2),
-        STUB(CAGetIDList2), STUB(CAWriteItem), STUB(CADeleteItem), STUB(CAWriteField), STUB(CADeleteField),
-        STUB(CACommitOperations), STUB(CARegisterNotifyCallback), STUB(CARegisterOperationCallback),
-        STUB(CARegisterNotifyIF), STUB(CARegisterOperationNotifyIF), STUB(CAGetFolderPath), STUB(CACreateFolder),
-        STUB(CADeleteFolder), STUB(CARenameFolder), STUB(CAGetContentCapability), STUB(CAFreeContentCapability),
-        STUB(CAChangeLogReadBegin), STUB(CAChangeLogReadNext), STUB(CAChangeLogReadEnd), STUB(CAFreeChangeLogItem)});
+    // One of each library's functions that the stand-in answers alike without serving them.
+    CheckStubs(false, {STUB(LNKASearchDevices), STUB(LNKAReadFile), STUB(ConvertToVersit2), STUB(CAWriteItem)});
 #undef STUB
 }
