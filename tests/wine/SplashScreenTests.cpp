@@ -384,7 +384,6 @@ TEST_F(FaderTest, AlphaStepsAndWaits)
         {"in 1000: 50 steps of 6", [](Fader& f, HWND w) { f.FadeIn(w, 1000); }, 0, Ramp(0, 6, 50, 255), twenty50},
         {"out 1000: down by 6, held at 0", [](Fader& f, HWND w) { f.FadeOut(w, 1000); }, 0, Ramp(255, -6, 50, 0),
          twenty50},
-        {"in 19: one step with a wait of 19", [](Fader& f, HWND w) { f.FadeIn(w, 19); }, 0, {0, 255}, {19}},
         {"in 100: drawing time does not shorten the wait's start", [](Fader& f, HWND w) { f.FadeIn(w, 100); }, 7,
          {0, 52, 104, 156, 208, 255}, {13, 13, 13, 13, 13}},
         {"in 1000 behind time: no wait at all", [](Fader& f, HWND w) { f.FadeIn(w, 1000); }, 25,
