@@ -1,12 +1,16 @@
-// A modal loop on the test's thread, driven from a second thread and guarded by a watchdog.
+// A modal loop on the test's thread, driven from a second thread and guarded by a watchdog; finding the
+// windows of such a loop, and the steps a user takes in a file dialog.
 #pragma once
 
 #include <windows.h>
+
+#include <dlgs.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <functional>
+#include <string>
 #include <thread>
 
 namespace zcmod_test {
@@ -34,6 +38,54 @@ auto RunDriven(Call call, const std::function<void(DWORD)>& drive, int seconds =
     driver.join();
     watchdog.join();
     return result;
+}
+
+// A visible top-level window of `thread` for which `match` holds, waited for up to `ms`; null if none came.
+inline HWND WaitForWindow(DWORD thread, const std::function<bool(HWND)>& match, int ms = 5000)
+{
+    struct Search {
+        const std::function<bool(HWND)>* match;
+        HWND found;
+    } search = {&match, nullptr};
+    for (int waited = 0; !search.found && waited <= ms; waited += 10) {
+        EnumThreadWindows(
+            thread,
+            [](HWND hwnd, LPARAM data) {
+                auto* s = reinterpret_cast<Search*>(data);
+                if (IsWindowVisible(hwnd) && (*s->match)(hwnd))
+                    s->found = hwnd;
+                return s->found ? FALSE : TRUE;
+            },
+            reinterpret_cast<LPARAM>(&search));
+        if (!search.found)
+            Sleep(10);
+    }
+    return search.found;
+}
+
+// The platform's file dialog has its "Look in" box; a message box has none.
+inline bool IsFileDialog(HWND hwnd) { return GetDlgItem(hwnd, cmb2) != nullptr; }
+
+inline void Cancel(HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0); }
+
+// Types into the file dialog's name box and presses OK.
+inline void Enter(HWND dialog, const std::wstring& text)
+{
+    HWND box = GetDlgItem(dialog, cmb13) ? GetDlgItem(dialog, cmb13) : GetDlgItem(dialog, edt1);
+    SendMessageW(box, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
+}
+
+// Runs `call`, which opens a file dialog, while `steps` (which must end it) drives the dialog once it is ready.
+template <class Call>
+auto RunFileDialog(Call call, const std::function<void(HWND)>& steps) -> decltype(call())
+{
+    return RunDriven(call, [&](DWORD self) {
+        if (HWND dialog = WaitForWindow(self, IsFileDialog)) {
+            Sleep(100);  // let CDN_INITDONE and the first paint pass
+            steps(dialog);
+        }
+    });
 }
 
 }  // namespace zcmod_test
