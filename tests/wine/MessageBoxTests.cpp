@@ -510,15 +510,10 @@ TEST_F(MessageBoxes, RightToLeftMirrorsTheBox)
 
 TEST_F(MessageBoxes, GoldenBoxesInBothThemesAndLayouts)
 {
-    struct Case {
-        const wchar_t* theme;
-        bool rtl;
-    } cases[] = {{L"Default", false}, {L"Default", true}, {L"Graphite", false}, {L"Graphite", true}};
-    for (const Case& c : cases) {
-        SetUpResources(c.rtl ? L"heb" : L"eng", c.theme);
+    for (const testskin::Look& c : kLooks) {
+        SetUpResources(c.Language(), c.theme);
         CVuikLib::SetLayout(c.rtl ? LAYOUT_RTL : 0);
-        const std::string suffix = std::string(c.theme == std::wstring(L"Default") ? "Default" : "Graphite") +
-                                   (c.rtl ? "_rtl" : "_ltr");
+        const std::string suffix = c.Suffix();
         SCOPED_TRACE(suffix);
         const wchar_t* text = c.rtl ? L"\x05DC\x05DE\x05D7\x05D5\x05E7 \x05D0\x05EA \x05D4\x05D4\x05D5\x05D3\x05E2\x05D4?"
                                     : L"Delete the message from the phone?";
