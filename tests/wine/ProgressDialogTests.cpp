@@ -46,20 +46,19 @@ HANDLE ReleaseEvent()
 class Watchdog {
 public:
     explicit Watchdog(DWORD ms)
-        : m_stop(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
-          m_kick(CreateEventW(nullptr, FALSE, FALSE, nullptr)),
-          m_ui(GetCurrentThreadId()),
-          m_thread([this, ms] {
-              HANDLE events[] = {m_stop, m_kick};
-              for (;;) {
-                  const DWORD woke = WaitForMultipleObjects(2, events, FALSE, ms);
-                  if (woke == WAIT_OBJECT_0)
-                      return;
-                  if (woke == WAIT_OBJECT_0 + 1)
+        : m_thread([this, ms, ui = GetCurrentThreadId()] {
+              for (DWORD idle = 0; !m_stop; Sleep(10)) {
+                  idle = m_kicked.exchange(false) ? 0 : idle + 10;
+                  if (idle < ms)
                       continue;
+                  idle = 0;
                   m_fired = true;
                   SetEvent(ReleaseEvent());
-                  EnumThreadWindows(m_ui, EndProgress, 0);
+                  EnumThreadWindows(ui, [](HWND hwnd, LPARAM) {
+                      if (GetPropW(hwnd, ZCMOD_PROP_PROGRESS_INSTANCE))
+                          PostMessageW(hwnd, Progress::WM_PROGRESS_DONE, 0, 0);
+                      return TRUE;
+                  }, 0);
               }
           })
     {
@@ -67,25 +66,15 @@ public:
     }
     ~Watchdog()
     {
-        SetEvent(m_stop);
+        m_stop = true;
         m_thread.join();
-        CloseHandle(m_stop);
-        CloseHandle(m_kick);
         ResetEvent(ReleaseEvent());
     }
-    void Kick() { SetEvent(m_kick); }
+    void Kick() { m_kicked = true; }
     bool Fired() const { return m_fired; }
 
 private:
-    static BOOL CALLBACK EndProgress(HWND hwnd, LPARAM)
-    {
-        if (GetPropW(hwnd, ZCMOD_PROP_PROGRESS_INSTANCE))
-            PostMessageW(hwnd, Progress::WM_PROGRESS_DONE, 0, 0);
-        return TRUE;
-    }
-    HANDLE m_stop, m_kick;
-    DWORD m_ui;
-    std::atomic<bool> m_fired{false};
+    std::atomic<bool> m_stop{false}, m_kicked{false}, m_fired{false};
     std::thread m_thread;
 };
 
@@ -332,15 +321,7 @@ TEST_F(ProgressDialog, CloseButtonEscapeAndCloseDoNothingWhileWorkRuns)
                 return 0;
             Sleep(100);
             if (job->action == ClickClose) {
-                HWND button = nullptr;
-                EnumChildWindows(
-                    dialog,
-                    [](HWND child, LPARAM out) {
-                        if (GetDlgCtrlID(child) == static_cast<int>(CVuikWindowBackgroundCtrl::CommandClose))
-                            *reinterpret_cast<HWND*>(out) = child;
-                        return TRUE;
-                    },
-                    reinterpret_cast<LPARAM>(&button));
+                HWND button = GetDlgItem(dialog, CVuikWindowBackgroundCtrl::CommandClose);
                 job->foundButton = button != nullptr;
                 if (button)
                     msgseq::input::Click(msgseq::input::Centre(button));
