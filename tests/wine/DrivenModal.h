@@ -29,8 +29,8 @@ auto RunDriven(Call call, const std::function<void(DWORD)>& drive, int seconds =
             Sleep(10);
         if (!done) {
             ADD_FAILURE() << "the dialog did not end in " << seconds << " s";
-            EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
-                              0);
+            EnumThreadWindows(
+                self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; }, 0);
         }
     });
     const auto result = call();
@@ -63,10 +63,24 @@ inline HWND WaitForWindow(DWORD thread, const std::function<bool(HWND)>& match, 
     return search.found;
 }
 
-// The platform's file dialog has its "Look in" box; a message box has none.
-inline bool IsFileDialog(HWND hwnd) { return GetDlgItem(hwnd, cmb2) != nullptr; }
+// A window of the dialog class: a file dialog or a message box.
+inline bool IsDialogClass(HWND hwnd)
+{
+    wchar_t cls[16] = {};
+    GetClassNameW(hwnd, cls, 16);
+    return lstrcmpW(cls, L"#32770") == 0;
+}
 
-inline void Cancel(HWND dialog) { PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0); }
+// The platform's file dialog has its "Look in" box; a message box has none.
+inline bool IsFileDialog(HWND hwnd)
+{
+    return GetDlgItem(hwnd, cmb2) != nullptr;
+}
+
+inline void Cancel(HWND dialog)
+{
+    PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+}
 
 // Types into the file dialog's name box and presses OK.
 inline void Enter(HWND dialog, const std::wstring& text)

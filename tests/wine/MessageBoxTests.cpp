@@ -15,6 +15,7 @@
 
 #include "ButtonTestIds.h"
 #include "DeviceTestSupport.h"
+#include "DrivenModal.h"
 #include "Golden.h"
 #include "HandleCounter.h"
 #include "TestSkinIds.h"
@@ -50,24 +51,6 @@ RECT ClientRectOf(HWND child, HWND box)
     if (r.left > r.right)
         std::swap(r.left, r.right);
     return r;
-}
-
-HWND FindBox(DWORD thread)
-{
-    HWND found = nullptr;
-    EnumThreadWindows(
-        thread,
-        [](HWND hwnd, LPARAM out) -> BOOL {
-            wchar_t cls[16] = {};
-            GetClassNameW(hwnd, cls, 16);
-            if (IsWindowVisible(hwnd) && lstrcmpW(cls, L"#32770") == 0) {
-                *reinterpret_cast<HWND*>(out) = hwnd;
-                return FALSE;
-            }
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&found));
-    return found;
 }
 
 Seen Look(HWND box)
@@ -169,11 +152,7 @@ BoxRun RunBox(const std::function<int()>& show, Action action, UINT id = 0,
     const DWORD thread = GetCurrentThreadId();
     std::atomic<bool> finished{false};
     std::thread helper([&] {
-        HWND box = nullptr;
-        for (int i = 0; i < 250 && !box && !finished; ++i) {
-            Sleep(20);
-            box = FindBox(thread);
-        }
+        HWND box = WaitForWindow(thread, IsDialogClass);
         if (!box) {
             run.hung = !finished;
             return;

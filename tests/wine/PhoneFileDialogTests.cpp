@@ -76,12 +76,18 @@ TEST_F(PhoneFileDialog, FolderKinds)
         std::wstring path;
         int type;
     } cases[] = {
-        {dataRoot + L"\\Contacts", CFD_FOLDER_CONTACTS},      {dataRoot + L"\\Contacts\\Family\\", CFD_FOLDER_CONTACTS},
-        {dataRoot + L"\\Msgs\\Inbox", CFD_FOLDER_MESSAGES},   {dataRoot + L"\\Cal\\day.vcs", CFD_FOLDER_CALENDAR},
-        {dataRoot + L"\\Pics", CFD_FOLDER_NONE},              {dataRoot + L"\\Odd", CFD_FOLDER_UNKNOWN},
-        {dataRoot + L"\\NoName", CFD_FOLDER_UNKNOWN},         {dataRoot + L"\\Broken", CFD_FOLDER_UNKNOWN},
-        {dataRoot + L"\\Plain", CFD_FOLDER_NONE},             {L"C:\\windows", CFD_FOLDER_NONE},
-        {kMirror + L"\\123\\C\\a.jpg", CFD_FOLDER_PHONE},     {L"", CFD_FOLDER_NONE},
+        {dataRoot + L"\\Contacts", CFD_FOLDER_CONTACTS},
+        {dataRoot + L"\\Contacts\\Family\\", CFD_FOLDER_CONTACTS},
+        {dataRoot + L"\\Msgs\\Inbox", CFD_FOLDER_MESSAGES},
+        {dataRoot + L"\\Cal\\day.vcs", CFD_FOLDER_CALENDAR},
+        {dataRoot + L"\\Pics", CFD_FOLDER_NONE},
+        {dataRoot + L"\\Odd", CFD_FOLDER_UNKNOWN},
+        {dataRoot + L"\\NoName", CFD_FOLDER_UNKNOWN},
+        {dataRoot + L"\\Broken", CFD_FOLDER_UNKNOWN},
+        {dataRoot + L"\\Plain", CFD_FOLDER_NONE},
+        {L"C:\\windows", CFD_FOLDER_NONE},
+        {kMirror + L"\\123\\C\\a.jpg", CFD_FOLDER_PHONE},
+        {L"", CFD_FOLDER_NONE},
         {L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{416651E4-9C3C-11D9-8BDE-F66BAD1E3F3A}", CFD_FOLDER_PHONE},
     };
     for (const auto& c : cases)
@@ -183,12 +189,7 @@ std::wstring MessageText(HWND box)
         GetDlgItemTextW(box, 0, text, 512);
     return text;
 }
-bool IsMessageBox(HWND hwnd)
-{
-    wchar_t cls[32];
-    GetClassNameW(hwnd, cls, 32);
-    return lstrcmpW(cls, L"#32770") == 0 && !IsFileDialog(hwnd);
-}
+bool IsMessageBox(HWND hwnd) { return IsDialogClass(hwnd) && !IsFileDialog(hwnd); }
 
 TEST_F(PhoneFileDialog, OpenGivesCancelOneFileOrSeveral)
 {
@@ -246,22 +247,23 @@ TEST_F(PhoneFileDialog, SaveRefusesForbiddenFoldersAndReadOnlyFiles)
         buffer[0] = 0;
         seen.clear();
         OPENFILENAMEW ofn = Ofn(buffer, MAX_PATH, flags);
-        return RunFileDialog([&] { return CFD_GetSaveFileName(&ofn); }, [&](HWND dialog) {
-            const int changes = recorder.folderChanges;
-            Enter(dialog, folder);
-            WaitUntil([&] { return recorder.folderChanges > changes; });
-            Enter(dialog, name);
-            for (size_t i = 0; i < messages; ++i) {
-                HWND box = WaitForWindow(GetWindowThreadProcessId(dialog, nullptr), IsMessageBox);
-                if (!box)
-                    break;
-                seen.push_back(MessageText(box));
-                PostMessageW(box, WM_COMMAND, GetDlgItem(box, IDYES) ? IDYES : IDOK, 0);
-                WaitUntil([&] { return !IsWindow(box); });
-            }
-            if (messages)
-                Cancel(dialog);
-        });
+        return RunFileDialog([&] { return CFD_GetSaveFileName(&ofn); },
+                             [&](HWND dialog) {
+                                 const int changes = recorder.folderChanges;
+                                 Enter(dialog, folder);
+                                 WaitUntil([&] { return recorder.folderChanges > changes; });
+                                 Enter(dialog, name);
+                                 for (size_t i = 0; i < messages; ++i) {
+                                     HWND box = WaitForWindow(GetWindowThreadProcessId(dialog, nullptr), IsMessageBox);
+                                     if (!box)
+                                         break;
+                                     seen.push_back(MessageText(box));
+                                     PostMessageW(box, WM_COMMAND, GetDlgItem(box, IDYES) ? IDYES : IDOK, 0);
+                                     WaitUntil([&] { return !IsWindow(box); });
+                                 }
+                                 if (messages)
+                                     Cancel(dialog);
+                             });
     };
     EXPECT_FALSE(save(locked, L"new.txt", 0, 1));
     EXPECT_EQ(seen, std::vector<std::wstring>{L"Files cannot be saved in this folder.\nPlease choose another folder."});
@@ -289,7 +291,8 @@ TEST_F(PhoneFileDialog, FileDialogObjectKeepsTitlesOfUpTo63Characters)
     for (const auto& c : cases) {
         WriteText(folder + L"\\" + c.name, "x");
         CNFileDialog dialog(TRUE, L".txt", nullptr, 0, L"Text|*.txt|", nullptr);
-        EXPECT_EQ(RunFileDialog([&] { return dialog.DoModal(); }, [&](HWND d) { Enter(d, folder + L"\\" + c.name); }), 1);
+        EXPECT_EQ(RunFileDialog([&] { return dialog.DoModal(); }, [&](HWND d) { Enter(d, folder + L"\\" + c.name); }),
+                  1);
         EXPECT_EQ(std::wstring(dialog.GetFileNameTitle()), c.title);
         EXPECT_EQ(std::wstring(dialog.GetFileName()), c.name);
         EXPECT_EQ(std::wstring(dialog.GetFileExt()), L"txt");

@@ -171,10 +171,18 @@ TEST_F(PhoneFolders, AttachedPhonesAndTheirFilesWithMirrorPathsNeverLeaveTheMirr
 
     // Parsing refuses what could lead elsewhere, what is not on the phone, and the detached phone.
     const std::wstring refused[] = {
-        below + L"\\C:\\..\\..\\..\\escape.txt", below + L"\\C:\\Docs\\..\\..", kRoot + L"\\..",
-        kRoot + L"\\..\\C:",                     below + L"\\C:\\Docs\\con",    below + L"\\C:\\Docs\\dots.",
-        below + L"\\C:\\C:\\Windows",            below + L"\\Docs",             below + L"\\C:\\Docs\\none.txt",
-        below + L"\\C:\\Docs\\note.txt\\x",      kRoot + L"\\" + detached,      kRoot + L"\\*",
+        below + L"\\C:\\..\\..\\..\\escape.txt",
+        below + L"\\C:\\Docs\\..\\..",
+        kRoot + L"\\..",
+        kRoot + L"\\..\\C:",
+        below + L"\\C:\\Docs\\con",
+        below + L"\\C:\\Docs\\dots.",
+        below + L"\\C:\\C:\\Windows",
+        below + L"\\Docs",
+        below + L"\\C:\\Docs\\none.txt",
+        below + L"\\C:\\Docs\\note.txt\\x",
+        kRoot + L"\\" + detached,
+        kRoot + L"\\*",
     };
     for (const std::wstring& refusedPath : refused) {
         Pidl pidl;
@@ -194,8 +202,8 @@ TEST_F(PhoneFolders, AttachedPhonesAndTheirFilesWithMirrorPathsNeverLeaveTheMirr
     std::memcpy(forged.data(), &forgedSize, 2);
     forged.insert(forged.end(), {0, 0});
     STRRET ret = {};
-    EXPECT_FALSE(SUCCEEDED(root->GetDisplayNameOf(reinterpret_cast<PCUITEMID_CHILD>(forged.data()), SHGDN_FORPARSING,
-                                                  &ret)));
+    EXPECT_FALSE(
+        SUCCEEDED(root->GetDisplayNameOf(reinterpret_cast<PCUITEMID_CHILD>(forged.data()), SHGDN_FORPARSING, &ret)));
     // A phone that goes away takes its folder with it.
     phones.Ctl(L"detach p1");
     EXPECT_TRUE(List(kRoot, SHCONTF_FOLDERS).empty());
@@ -257,21 +265,23 @@ TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
 
     std::vector<std::wstring> shown;
     std::wstring missing;
-    const BOOL chosen = RunFileDialog([&] { return CFD_GetOpenFileName(&ofn); }, [&](HWND dialog) {
-        // The first entry of "Look in" is the desktop; from there the user walks in.
-        HWND combo = GetDlgItem(dialog, cmb2);
-        SendMessageW(combo, CB_SETCURSEL, 0, 0);
-        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(cmb2, CBN_SELENDOK), reinterpret_cast<LPARAM>(combo));
-        for (const wchar_t* step : {L"My Computer", L"Phones", L"Work phone", L"C:", L"Docs"})
-            if (!DoubleClick(dialog, step)) {
-                missing = step;
-                return Cancel(dialog);
-            }
-        WaitUntil([&] { return ListTexts(dialog).size() == 2; });
-        shown = ListTexts(dialog);
-        if (!DoubleClick(dialog, L"note.txt"))
-            Cancel(dialog);
-    });
+    const BOOL chosen = RunFileDialog(
+        [&] { return CFD_GetOpenFileName(&ofn); },
+        [&](HWND dialog) {
+            // The first entry of "Look in" is the desktop; from there the user walks in.
+            HWND combo = GetDlgItem(dialog, cmb2);
+            SendMessageW(combo, CB_SETCURSEL, 0, 0);
+            PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(cmb2, CBN_SELENDOK), reinterpret_cast<LPARAM>(combo));
+            for (const wchar_t* step : {L"My Computer", L"Phones", L"Work phone", L"C:", L"Docs"})
+                if (!DoubleClick(dialog, step)) {
+                    missing = step;
+                    return Cancel(dialog);
+                }
+            WaitUntil([&] { return ListTexts(dialog).size() == 2; });
+            shown = ListTexts(dialog);
+            if (!DoubleClick(dialog, L"note.txt"))
+                Cancel(dialog);
+        });
     EXPECT_EQ(missing, L"") << "not in the dialog's list on the way in";
     EXPECT_EQ(shown, (std::vector<std::wstring>{L"b.jpg", L"note.txt"}));
     ASSERT_TRUE(chosen);
@@ -302,12 +312,14 @@ TEST_F(PhoneFolders, MirrorFolderAsFirstFolderOpensOnThePhone)
         OPENFILENAMEW ofn = Ofn(file, MAX_PATH);
         ofn.lpstrInitialDir = c.first.c_str();
         std::vector<std::wstring> shown;
-        EXPECT_FALSE(RunFileDialog([&] { return CFD_GetOpenFileName(&ofn); }, [&](HWND dialog) {
-            WaitUntil([&] { return ListTexts(dialog) == c.shown; });
-            shown = ListTexts(dialog);
-            SendMessageW(dialog, CDM_GETFOLDERPATH, MAX_PATH, reinterpret_cast<LPARAM>(folder));
-            Cancel(dialog);
-        }));
+        EXPECT_FALSE(RunFileDialog([&] { return CFD_GetOpenFileName(&ofn); },
+                                   [&](HWND dialog) {
+                                       WaitUntil([&] { return ListTexts(dialog) == c.shown; });
+                                       shown = ListTexts(dialog);
+                                       SendMessageW(dialog, CDM_GETFOLDERPATH, MAX_PATH,
+                                                    reinterpret_cast<LPARAM>(folder));
+                                       Cancel(dialog);
+                                   }));
         EXPECT_EQ(shown, c.shown);
         EXPECT_EQ(_wcsicmp(folder, c.folder.c_str()), 0) << folder;
         EXPECT_EQ(ofn.lpstrInitialDir, c.first.c_str()) << "the caller's first folder did not come back";

@@ -21,7 +21,10 @@ inline std::wstring TempFolder()
     return longer;
 }
 // Where the computer mirrors the phones' files.
-inline std::wstring MirrorFolder() { return TempFolder() + L"CFD Temp Folder"; }
+inline std::wstring MirrorFolder()
+{
+    return TempFolder() + L"CFD Temp Folder";
+}
 
 // A whole file, its bytes held in a string.
 inline void WriteText(const std::wstring& path, const std::string& bytes)

@@ -4,6 +4,7 @@
 // texts reach the window; pixel goldens in both themes and layouts. Every modal run is guarded by a watchdog
 // that ends the dialog and releases the work, and fails the test, rather than hang the suite.
 #include <windows.h>
+
 #include <tlhelp32.h>
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -54,11 +56,14 @@ public:
                   idle = 0;
                   m_fired = true;
                   SetEvent(ReleaseEvent());
-                  EnumThreadWindows(ui, [](HWND hwnd, LPARAM) {
-                      if (GetPropW(hwnd, ZCMOD_PROP_PROGRESS_INSTANCE))
-                          PostMessageW(hwnd, Progress::WM_PROGRESS_DONE, 0, 0);
-                      return TRUE;
-                  }, 0);
+                  EnumThreadWindows(
+                      ui,
+                      [](HWND hwnd, LPARAM) {
+                          if (GetPropW(hwnd, ZCMOD_PROP_PROGRESS_INSTANCE))
+                              PostMessageW(hwnd, Progress::WM_PROGRESS_DONE, 0, 0);
+                          return TRUE;
+                      },
+                      0);
               }
           })
     {
@@ -106,8 +111,8 @@ DWORD HandleCount()
         Entry entries[1];
     };
     typedef LONG(WINAPI * Query)(int, void*, ULONG, ULONG*);
-    static const Query query =
-        reinterpret_cast<Query>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
+    static const Query query = reinterpret_cast<Query>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
     std::vector<BYTE> buffer(1 << 20);
     ULONG needed = 0;
     while (query && query(16, buffer.data(), static_cast<ULONG>(buffer.size()), &needed) == LONG(0xC0000004))
@@ -169,8 +174,7 @@ protected:
                 GetObjectW(frame, sizeof(info), &info);
                 HDC memory = CreateCompatibleDC(dc);
                 HGDIOBJ old = SelectObject(memory, frame);
-                BitBlt(dc, m_rcAnimation.left, m_rcAnimation.top, info.bmWidth, info.bmHeight, memory, 0, 0,
-                       SRCCOPY);
+                BitBlt(dc, m_rcAnimation.left, m_rcAnimation.top, info.bmWidth, info.bmHeight, memory, 0, 0, SRCCOPY);
                 SelectObject(memory, old);
                 DeleteDC(memory);
             }
@@ -203,10 +207,21 @@ Capture ClientOnScreen(HWND hwnd)
     return CaptureScreen(client);
 }
 
-// The progress window of the dialog's thread, waited for up to 3 s (from the work thread).
-HWND ProgressWindowOf(DWORD ui)
+// Runs `dialog` with work that waits (up to 3 s) for the progress window and then runs `body` on it, on the
+// work thread.
+INT_PTR RunWithWindow(Progress& dialog, const std::function<LONGLONG(HWND)>& body)
 {
-    return WaitForWindow(ui, [](HWND hwnd) { return GetPropW(hwnd, ZCMOD_PROP_PROGRESS_INSTANCE) != nullptr; }, 3000);
+    struct Job {
+        DWORD ui;
+        const std::function<LONGLONG(HWND)>* body;
+    } job = {GetCurrentThreadId(), &body};
+    const Progress::WorkFunction work = [](void* a) -> LONGLONG {
+        const Job* job = static_cast<const Job*>(a);
+        HWND hwnd = WaitForWindow(
+            job->ui, [](HWND h) { return GetPropW(h, ZCMOD_PROP_PROGRESS_INSTANCE) != nullptr; }, 3000);
+        return hwnd ? (*job->body)(hwnd) : 0;
+    };
+    return dialog.DoModal(work, &job, nullptr);
 }
 
 class ProgressDialog : public ::testing::Test {
@@ -228,7 +243,7 @@ TEST_F(ProgressDialog, EveryRunEndsWithItsWorkAndReturnsTheLow32Bits)
 {
     struct Case {
         const char* name;
-        TimedWork work;          // none: a null function
+        TimedWork work;         // none: a null function
         bool finishBeforeInit;  // WM_INITDIALOG waits until the work has returned
         INT_PTR expected;
     } cases[] = {
@@ -274,7 +289,7 @@ TEST_F(ProgressDialog, RunsOfRandomLengthLeaveNoThreadOrHandleBehind)
     const DWORD handles = HandleCount();
 
     // About 30 to 40 ms a run under Wine.
-    const int runs = 300;
+    const int runs = 200;
     int wrong = 0;
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < runs && !watchdog.Fired(); ++i) {
@@ -292,7 +307,7 @@ TEST_F(ProgressDialog, RunsOfRandomLengthLeaveNoThreadOrHandleBehind)
     // The animation's worker signals its end a moment before its thread is gone.
     WaitUntil([&] { return ThreadCount() <= threads; }, 1000);
     EXPECT_EQ(ThreadCount(), threads);
-    // A handle a run would show as three hundred; the platform may still open one or two of its own on the way.
+    // A handle a run would show as two hundred; the platform may still open one or two of its own on the way.
     EXPECT_LE(HandleCount(), handles + 2);
 }
 
@@ -309,38 +324,31 @@ TEST_F(ProgressDialog, CloseButtonEscapeAndCloseDoNothingWhileWorkRuns)
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         ProbeDlg dialog(L"Working", L"Please wait...");
-        struct Job {
-            DWORD ui;
-            Action action;
-            std::atomic<bool> aliveAfter{false}, foundButton{false};
-        } job = {GetCurrentThreadId(), c.action};
-        Progress::WorkFunction work = [](void* a) -> LONGLONG {
-            Job* job = static_cast<Job*>(a);
-            HWND dialog = ProgressWindowOf(job->ui);
-            if (!dialog)
-                return 0;
-            Sleep(100);
-            if (job->action == ClickClose) {
-                HWND button = GetDlgItem(dialog, CVuikWindowBackgroundCtrl::CommandClose);
-                job->foundButton = button != nullptr;
-                if (button)
-                    msgseq::input::Click(msgseq::input::Centre(button));
-            } else if (job->action == Escape) {
-                PostMessageW(dialog, WM_KEYDOWN, VK_ESCAPE, 0);
-                PostMessageW(dialog, WM_KEYUP, VK_ESCAPE, 0);
-            } else {
-                PostMessageW(dialog, WM_CLOSE, 0, 0);
-            }
-            Sleep(300);
-            job->aliveAfter = IsWindow(dialog) && IsWindowVisible(dialog);
-            return 42;
-        };
+        bool aliveAfter = false, foundButton = false;
         watchdog.Kick();
-        EXPECT_EQ(dialog.DoModal(work, &job, nullptr), 42);
-        EXPECT_TRUE(job.aliveAfter);
+        EXPECT_EQ(RunWithWindow(dialog,
+                                [&](HWND hwnd) -> LONGLONG {
+                                    Sleep(100);
+                                    if (c.action == ClickClose) {
+                                        HWND button = GetDlgItem(hwnd, CVuikWindowBackgroundCtrl::CommandClose);
+                                        foundButton = button != nullptr;
+                                        if (button)
+                                            msgseq::input::Click(msgseq::input::Centre(button));
+                                    } else if (c.action == Escape) {
+                                        PostMessageW(hwnd, WM_KEYDOWN, VK_ESCAPE, 0);
+                                        PostMessageW(hwnd, WM_KEYUP, VK_ESCAPE, 0);
+                                    } else {
+                                        PostMessageW(hwnd, WM_CLOSE, 0, 0);
+                                    }
+                                    Sleep(300);
+                                    aliveAfter = IsWindow(hwnd) && IsWindowVisible(hwnd);
+                                    return 42;
+                                }),
+                  42);
+        EXPECT_TRUE(aliveAfter);
         // The action did reach the dialog as a cancel: it was ignored, not lost.
         EXPECT_GE(dialog.cancels.load(), 1);
-        EXPECT_EQ(job.foundButton, c.action == ClickClose);
+        EXPECT_EQ(foundButton, c.action == ClickClose);
         EXPECT_FALSE(watchdog.Fired());
     }
 }
@@ -349,53 +357,42 @@ TEST_F(ProgressDialog, WorkThreadTextsReachTheWindowBelowTheAnimationUnclipped)
 {
     Watchdog watchdog(5000);
     ProbeDlg dialog(nullptr, nullptr);
-    struct Job {
-        ProbeDlg* dialog = nullptr;
-        DWORD ui = 0;
-        std::wstring caption;
-        wchar_t textRead[80] = {};
-        int inkBefore = -1, inkAfter = -1, inkPastPlaceholder = -1;
-    } job;
-    job.dialog = &dialog;
-    job.ui = GetCurrentThreadId();
-    Progress::WorkFunction work = [](void* a) -> LONGLONG {
-        Job* job = static_cast<Job*>(a);
-        HWND hwnd = ProgressWindowOf(job->ui);
-        if (!hwnd)
-            return 0;
-        const RECT place = job->dialog->Animation();
-        auto shoot = [&] {
-            Sleep(250);
-            return ClientOnScreen(hwnd);
-        };
-        // Pixels of the band under the placeholder that differ, from `fromX` to the right edge.
-        auto changed = [&](const Capture& before, const Capture& after, int fromX) {
-            int count = 0;
-            for (int y = place.bottom; y < place.bottom + 16; ++y)
-                for (int x = fromX; x < after.width; ++x)
-                    count += before.At(x, y) != after.At(x, y);
-            return count;
-        };
-        const Capture still = shoot();
-        job->inkBefore = changed(still, shoot(), 0);  // nothing changes by itself under the animation
-        job->dialog->SetProgressText(L"Copying pictures to the phone: 3 of 12");
-        const Capture written = shoot();
-        job->dialog->SetWindowCaption(L"Desk Hub");
-        job->inkAfter = changed(still, written, 0);
-        job->inkPastPlaceholder = changed(still, written, place.right);
-        job->dialog->GetProgressText(job->textRead, 80);
-        wchar_t caption[40] = {};
-        GetWindowTextW(hwnd, caption, 40);
-        job->caption = caption;
-        return 1;
-    };
-    EXPECT_EQ(dialog.DoModal(work, &job, nullptr), 1);
+    wchar_t textRead[80] = {}, caption[40] = {};
+    int inkBefore = -1, inkAfter = -1, inkPastPlaceholder = -1;
+    EXPECT_EQ(RunWithWindow(dialog,
+                            [&](HWND hwnd) -> LONGLONG {
+                                const RECT place = dialog.Animation();
+                                auto shoot = [&] {
+                                    Sleep(250);
+                                    return ClientOnScreen(hwnd);
+                                };
+                                // Pixels of the band under the placeholder that differ, from `fromX` to the right edge.
+                                auto changed = [&](const Capture& before, const Capture& after, int fromX) {
+                                    int count = 0;
+                                    for (int y = place.bottom; y < place.bottom + 16; ++y)
+                                        for (int x = fromX; x < after.width; ++x)
+                                            count += before.At(x, y) != after.At(x, y);
+                                    return count;
+                                };
+                                const Capture still = shoot();
+                                inkBefore =
+                                    changed(still, shoot(), 0);  // nothing changes by itself under the animation
+                                dialog.SetProgressText(L"Copying pictures to the phone: 3 of 12");
+                                const Capture written = shoot();
+                                dialog.SetWindowCaption(L"Desk Hub");
+                                inkAfter = changed(still, written, 0);
+                                inkPastPlaceholder = changed(still, written, place.right);
+                                dialog.GetProgressText(textRead, 80);
+                                GetWindowTextW(hwnd, caption, 40);
+                                return 1;
+                            }),
+              1);
     EXPECT_FALSE(watchdog.Fired());
-    EXPECT_EQ(job.inkBefore, 0);
-    EXPECT_GT(job.inkAfter, 100);
-    EXPECT_GT(job.inkPastPlaceholder, 0);  // the text runs on past the placeholder's right edge
-    EXPECT_STREQ(job.textRead, L"Copying pictures to the phone: 3 of 12");
-    EXPECT_EQ(job.caption, L"Desk Hub");
+    EXPECT_EQ(inkBefore, 0);
+    EXPECT_GT(inkAfter, 100);
+    EXPECT_GT(inkPastPlaceholder, 0);  // the text runs on past the placeholder's right edge
+    EXPECT_STREQ(textRead, L"Copying pictures to the phone: 3 of 12");
+    EXPECT_STREQ(caption, L"Desk Hub");
 }
 
 // ---- Pixels ------------------------------------------------------------------------------------------------------
@@ -410,23 +407,17 @@ TEST_F(ProgressDialog, GoldenDialogInBothThemesAndLayouts)
         ProbeDlg dialog(look.rtl ? L"\x05D4\x05E2\x05D1\x05E8\x05EA \x05EA\x05DE\x05D5\x05E0\x05D5\x05EA" : L"Copying",
                         look.rtl ? L"\x05D0\x05E0\x05D0 \x05D4\x05DE\x05EA\x05DF..." : L"Please wait...");
         dialog.fixFrame = true;
-        struct Job {
-            DWORD ui;
-            Capture shot;
-        } job = {GetCurrentThreadId(), {}};
         Watchdog watchdog(5000);
-        Progress::WorkFunction work = [](void* a) -> LONGLONG {
-            Job* job = static_cast<Job*>(a);
-            HWND hwnd = ProgressWindowOf(job->ui);
-            if (!hwnd)
-                return 0;
-            Sleep(400);
-            job->shot = ClientOnScreen(hwnd);
-            return 1;
-        };
-        ASSERT_EQ(dialog.DoModal(work, &job, nullptr), 1);
+        Capture shot;
+        ASSERT_EQ(RunWithWindow(dialog,
+                                [&](HWND hwnd) -> LONGLONG {
+                                    Sleep(400);
+                                    shot = ClientOnScreen(hwnd);
+                                    return 1;
+                                }),
+                  1);
         EXPECT_FALSE(watchdog.Fired());
-        EXPECT_TRUE(MatchesGolden("progress_" + look.Suffix(), job.shot.width, job.shot.height, job.shot.pixels.data()));
+        EXPECT_TRUE(MatchesGolden("progress_" + look.Suffix(), shot.width, shot.height, shot.pixels.data()));
     }
 }
 

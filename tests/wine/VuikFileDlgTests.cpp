@@ -79,7 +79,8 @@ protected:
 // dialog, and the caller's structure comes back with its own size and template.
 TEST_F(VuikFileDlg, RunsSkinnedAndGivesTheCallersStructureBack)
 {
-    const std::wstring chosen = zcmod_test::TempFolder() + L"zcmod-filedlg-" + std::to_wstring(GetCurrentProcessId()) + L".txt";
+    const std::wstring chosen =
+        zcmod_test::TempFolder() + L"zcmod-filedlg-" + std::to_wstring(GetCurrentProcessId()) + L".txt";
     zcmod_test::WriteText(chosen, "x");
     struct Case {
         const char* name;
@@ -103,14 +104,17 @@ TEST_F(VuikFileDlg, RunsSkinnedAndGivesTheCallersStructureBack)
             m_ofn.lpTemplateName = MAKEINTRESOURCEW(IDD_FILEDLG_CALLER);
         }
         std::atomic<bool> skinned{false}, ownLabel{false};
-        EXPECT_EQ(RunFileDialog([&] { return c.call(&m_ofn); }, [&](HWND dialog) {
-            CVuikFileDlg* dlg = CVuikFileDlg::m_pInstance;
-            skinned = dlg && IsWindow(dlg->GetTopBar()) && IsWindow(dlg->GetSideBar()) &&
-                      dlg->GetStandardDialog() == dialog;
-            HWND hook = dlg ? GetParent(GetParent(dlg->GetTopBar())) : nullptr;
-            ownLabel = hook && GetParent(hook) == dialog && GetDlgItem(hook, IDC_FILEDLG_CALLER_LABEL);
-            c.choose ? zcmod_test::Enter(dialog, chosen) : Cancel(dialog);
-        }), c.choose);
+        EXPECT_EQ(RunFileDialog([&] { return c.call(&m_ofn); },
+                                [&](HWND dialog) {
+                                    CVuikFileDlg* dlg = CVuikFileDlg::m_pInstance;
+                                    skinned = dlg && IsWindow(dlg->GetTopBar()) && IsWindow(dlg->GetSideBar()) &&
+                                              dlg->GetStandardDialog() == dialog;
+                                    HWND hook = dlg ? GetParent(GetParent(dlg->GetTopBar())) : nullptr;
+                                    ownLabel =
+                                        hook && GetParent(hook) == dialog && GetDlgItem(hook, IDC_FILEDLG_CALLER_LABEL);
+                                    c.choose ? zcmod_test::Enter(dialog, chosen) : Cancel(dialog);
+                                }),
+                  c.choose);
         EXPECT_TRUE(skinned) << "the hook did not build its bars inside the dialog";
         EXPECT_EQ(ownLabel, c.callersTemplate);
         EXPECT_EQ(std::wstring(m_file), c.choose ? chosen : L"");
@@ -164,19 +168,21 @@ TEST_F(VuikFileDlg, ResizingKeepsTheBarsThickness)
         RECT hook, top, strip, side, title;
     };
     std::vector<Seen> seen;
-    EXPECT_FALSE(RunFileDialog([&] { return CVuikFileDlg::GetOpenFileNameW(&m_ofn); }, [&](HWND dialog) {
-        CVuikFileDlg* dlg = CVuikFileDlg::m_pInstance;
-        if (!dlg)
-            return Cancel(dialog);
-        for (const Size& s : sizes) {
-            SetWindowPos(dialog, nullptr, 0, 0, s.width, s.height, SWP_NOMOVE | SWP_NOZORDER);
-            Sleep(50);
-            HWND hook = GetParent(GetParent(dlg->GetTopBar()));
-            seen.push_back({ClientOf(hook), ClientOf(dlg->GetTopBar()), ClientOf(dlg->GetStrip()),
-                            ClientOf(dlg->GetSideBar()), ClientOf(dlg->GetStripTitle())});
-        }
-        Cancel(dialog);
-    }));
+    EXPECT_FALSE(
+        RunFileDialog([&] { return CVuikFileDlg::GetOpenFileNameW(&m_ofn); },
+                      [&](HWND dialog) {
+                          CVuikFileDlg* dlg = CVuikFileDlg::m_pInstance;
+                          if (!dlg)
+                              return Cancel(dialog);
+                          for (const Size& s : sizes) {
+                              SetWindowPos(dialog, nullptr, 0, 0, s.width, s.height, SWP_NOMOVE | SWP_NOZORDER);
+                              Sleep(50);
+                              HWND hook = GetParent(GetParent(dlg->GetTopBar()));
+                              seen.push_back({ClientOf(hook), ClientOf(dlg->GetTopBar()), ClientOf(dlg->GetStrip()),
+                                              ClientOf(dlg->GetSideBar()), ClientOf(dlg->GetStripTitle())});
+                          }
+                          Cancel(dialog);
+                      }));
     ASSERT_EQ(seen.size(), 3u);
     for (size_t i = 0; i < seen.size(); ++i) {
         SCOPED_TRACE(i);
@@ -198,10 +204,12 @@ TEST_F(VuikFileDlg, DialogsLeaveNothingBehind)
     zcmod_test::HandleCounter counter;
     ASSERT_GT(counter.Patched(), 0);
     auto cycle = [&] {
-        EXPECT_FALSE(RunFileDialog([&] { return CVuikFileDlg::GetOpenFileNameW(&m_ofn); }, [](HWND dialog) {
-            SetWindowPos(dialog, nullptr, 0, 0, 640, 480, SWP_NOMOVE | SWP_NOZORDER);  // sets the timer
-            Cancel(dialog);
-        }));
+        EXPECT_FALSE(RunFileDialog([&] { return CVuikFileDlg::GetOpenFileNameW(&m_ofn); },
+                                   [](HWND dialog) {
+                                       SetWindowPos(dialog, nullptr, 0, 0, 640, 480,
+                                                    SWP_NOMOVE | SWP_NOZORDER);  // sets the timer
+                                       Cancel(dialog);
+                                   }));
     };
     cycle();
     const auto before = counter.Live();
@@ -227,13 +235,14 @@ TEST_F(VuikFileDlg, Golden)
         CVuikLib::SetLayout(look.rtl ? LAYOUT_RTL : 0);
         CVuikFileDlg::SetDefaultSkin(CVuikFileDlg::GetThemeSkin());
         Capture shown;
-        RunFileDialog([&] { return CVuikFileDlg::GetOpenFileNameW(&m_ofn); }, [&](HWND dialog) {
-            SetWindowPos(dialog, nullptr, 0, 0, 600, 420, SWP_NOMOVE | SWP_NOZORDER);
-            SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(dialog, IDOK)), TRUE);
-            Sleep(400);  // the repaint timer and the view's list have run
-            shown = CaptureWindow(dialog);
-            Cancel(dialog);
-        });
+        RunFileDialog([&] { return CVuikFileDlg::GetOpenFileNameW(&m_ofn); },
+                      [&](HWND dialog) {
+                          SetWindowPos(dialog, nullptr, 0, 0, 600, 420, SWP_NOMOVE | SWP_NOZORDER);
+                          SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(dialog, IDOK)), TRUE);
+                          Sleep(400);  // the repaint timer and the view's list have run
+                          shown = CaptureWindow(dialog);
+                          Cancel(dialog);
+                      });
         EXPECT_TRUE(zcmod_test::MatchesGolden("filedlg_open_" + look.Suffix(), shown.width, shown.height,
                                               shown.pixels.data(), 8));
         CVuikFileDlg::SetDefaultSkin(nullptr);
