@@ -47,8 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const int32_t length = static_cast<int32_t>(line.size());
 
     Text16 out;
-    int32_t start = -1;
-    int32_t end = -1;
+    int32_t start = -1, end = -1;
     if (ExtractName(line, caret, out, &start, &end)) {
         Check(0 <= start && start < end && end <= length);
         Check(out == line.substr(static_cast<size_t>(start), static_cast<size_t>(end - start)));
@@ -73,8 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const size_t cut = line.find(u'\0');
     const Text16 name = Normalized(line.substr(0, cut), rtl, false);
     const Text16 address = Normalized(cut == Text16::npos ? Text16() : line.substr(cut + 1), rtl, true);
-    Text16 name2;
-    Text16 address2;
+    Text16 name2, address2;
     GetNameAndAddress(CreateContactString(name, address, rtl), name2, address2, rtl);
     Check(name2 == name && address2 == address);
 
@@ -82,8 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     GetNameAndAddress(line, name2, address2, rtl);
     Check(name2.empty() || (name2.front() != u' ' && name2.back() != u' '));
     Check(address2.empty() || (address2.front() != u' ' && address2.back() != u' '));
-    Text16 swappedName;
-    Text16 swappedAddress;
+    Text16 swappedName, swappedAddress;
     GetNameAndAddress(SwapNameWords(CreateContactString(name, address, rtl), rtl), swappedName, swappedAddress, rtl);
     Check(address.empty() || swappedAddress == address);
     Check(swappedName.size() <= name.size());

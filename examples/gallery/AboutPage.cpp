@@ -10,6 +10,7 @@
 #include "zcmod/CommonAboutDlg.h"
 #include "zcmod/ResHandler.h"
 #include "zcmod/ResourceIds.h"
+#include "PushButtons.h"
 
 namespace {
 
@@ -43,17 +44,16 @@ public:
                                   GetModuleHandleW(nullptr), nullptr);
         SetWindowLongPtrW(m_panel, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
         m_font = SuiteFont(14);
-        HWND button = CreateWindowExW(0, L"BUTTON", RightToLeftLanguage() ? L"\x05D0\x05D5\x05D3\x05D5\x05EA..." : L"About Desk Hub Gallery...",
-                                      WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, 0, 0, 240, 30, m_panel,
-                                      reinterpret_cast<HMENU>(static_cast<INT_PTR>(kOpenButton)),
-                                      GetModuleHandleW(nullptr), nullptr);
-        SendMessageW(button, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), 0);
+        m_pushButtons.Add(m_panel,
+                          RightToLeftLanguage() ? L"\x05D0\x05D5\x05D3\x05D5\x05EA..." : L"About Desk Hub Gallery...",
+                          0, 0, 240, 30, kOpenButton);
         if (wcsstr(GetCommandLineW(), L"--screenshots"))
             PostMessageW(m_panel, kOpenMessage, 1, 0);
     }
 
     void Leave() override
     {
+        m_pushButtons.Clear();
         if (m_panel)
             DestroyWindow(m_panel);
         m_panel = nullptr;
@@ -163,6 +163,7 @@ private:
         return DefWindowProcW(window, message, wParam, lParam);
     }
 
+    gallery::PushButtons m_pushButtons;
     HWND m_host = nullptr;
     HWND m_panel = nullptr;
     HFONT m_font = nullptr;

@@ -14,6 +14,7 @@
 
 #include "Drawing.h"
 #include "GalleryPage.h"
+#include "PushButtons.h"
 
 using namespace gallery;
 
@@ -126,10 +127,9 @@ public:
         m_buttons[0] = MakeButton(L"Play once again", kOnceButton, kLeft, buttonTop);
         m_buttons[1] = MakeButton(L"Show the splash screen", kSplashButton, kLeft + 180, buttonTop);
         m_buttons[2] = MakeButton(L"Fade a window in and out", kFadeButton, kLeft + 360, buttonTop);
-        // The page's buttons talk to the host: listen there while the page is shown.
-        SetPropW(host, L"ZcmodGalleryAnimationPage", this);
-        m_hostProc = reinterpret_cast<WNDPROC>(
-            SetWindowLongPtrW(host, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HostCommandProc)));
+        // The page's buttons talk to the host: listen there while the page is shown (in the platform's chain of
+        // subclasses, which the buttons' own use of the host shares).
+        SetWindowSubclass(host, HostCommandProc, 1, reinterpret_cast<DWORD_PTR>(this));
         if (!m_splashShown) {
             RunSplash();
             RunFade();
@@ -149,13 +149,10 @@ public:
                 DestroyWindow(m_targets[i]);
             m_targets[i] = nullptr;
         }
-        for (HWND& b : m_buttons) {
-            if (b)
-                DestroyWindow(b);
+        m_pushButtons.Clear();
+        for (HWND& b : m_buttons)
             b = nullptr;
-        }
-        SetWindowLongPtrW(m_host, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_hostProc));
-        RemovePropW(m_host, L"ZcmodGalleryAnimationPage");
+        RemoveWindowSubclass(m_host, HostCommandProc, 1);
         m_host = nullptr;
     }
 
@@ -282,11 +279,7 @@ private:
 
     HWND MakeButton(const wchar_t* text, int id, int x, int y)
     {
-        HWND b = CreateWindowExW(0, L"BUTTON", text, WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, x, y, 170, 28, m_host,
-                                 reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), GetModuleHandleW(nullptr),
-                                 nullptr);
-        SendMessageW(b, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
-        return b;
+        return m_pushButtons.Add(m_host, text, x, y, 170, 28, id);
     }
 
     static void PumpFor(DWORD ms)
@@ -359,11 +352,10 @@ private:
         InvalidateRect(m_host, nullptr, FALSE);
     }
 
-    static LRESULT CALLBACK HostCommandProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+    static LRESULT CALLBACK HostCommandProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                            DWORD_PTR data)
     {
-        auto* self = static_cast<AnimationPage*>(GetPropW(hwnd, L"ZcmodGalleryAnimationPage"));
-        if (!self)
-            return DefWindowProcW(hwnd, message, wParam, lParam);
+        auto* self = reinterpret_cast<AnimationPage*>(data);
         if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
             switch (LOWORD(wParam)) {
             case kOnceButton:
@@ -381,11 +373,11 @@ private:
                 break;
             }
         }
-        return CallWindowProcW(self->m_hostProc, hwnd, message, wParam, lParam);
+        return DefSubclassProc(hwnd, message, wParam, lParam);
     }
 
+    gallery::PushButtons m_pushButtons;
     HWND m_host = nullptr;
-    WNDPROC m_hostProc = nullptr;
     CNBitmapUtil m_frames;
     std::unique_ptr<CPNGAnimation> m_players[kPlayers];
     HWND m_targets[kPlayers] = {};

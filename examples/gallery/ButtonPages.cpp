@@ -29,13 +29,6 @@ namespace {
 const int kLeftColumn = 30;
 const int kRightColumn = 480;
 
-// The theme is dark when its window colour is.
-bool DarkTheme()
-{
-    const COLORREF c = DkhLoadColor(nullptr, ZGR_COLOR_WINDOW);
-    return GetRValue(c) + GetGValue(c) + GetBValue(c) < 3 * 128;
-}
-
 UINT Art(UINT id) { return id + (DarkTheme() ? IDB_GALLERY_DARK_OFFSET : 0); }
 
 // ---- The panel: the theme's window colour and the page's labels, always built left to right --------------

@@ -16,6 +16,7 @@
 
 #include "Drawing.h"
 #include "GalleryPage.h"
+#include "PushButtons.h"
 
 using namespace gallery;
 
@@ -25,6 +26,8 @@ constexpr int kChooseButton = 101;
 constexpr int kPlugButton = 102;
 constexpr int kUnplugButton = 103;
 constexpr UINT_PTR kDriveTimer = 7;
+constexpr int kButtonTop = 138;  // the row of buttons under the mock caption
+constexpr int kButtonHeight = 28;
 constexpr wchar_t kPanelClass[] = L"ZCMODGalleryDevicePanel";
 constexpr wchar_t kSelectionClass[] = L"ZCMODDeviceSelection";
 
@@ -120,21 +123,11 @@ public:
         m_title = CreateWindowExW(0, kPanelClass, L"", WS_CHILD, 0, 0, 1, 1, host, nullptr, GetModuleHandleW(nullptr),
                                   nullptr);
         SetWindowLongPtrW(m_title, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-        m_font = SuiteFont(14);
-        // The host forwards no commands to pages: each button is subclassed to tell the page of its click.
-        const auto button = [&](int id, const wchar_t* text, int x) {
-            HWND control = CreateWindowExW(0, L"BUTTON", text, WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON, x, 138,
-                                           170, 28, host, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
-                                           GetModuleHandleW(nullptr), nullptr);
-            SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
-            SetWindowLongPtrW(control, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-            m_buttons.push_back(control);
-            m_buttonProcs.push_back(reinterpret_cast<WNDPROC>(
-                SetWindowLongPtrW(control, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&DevicePage::ButtonProc))));
-        };
-        button(kChooseButton, L"Choose phone\x2026", 24);
-        button(kPlugButton, L"Plug work phone", 204);
-        button(kUnplugButton, L"Unplug work phone", 384);
+        // The host forwards no commands to pages: the page listens there for its buttons' clicks while shown.
+        SetWindowSubclass(host, HostProc, 1, reinterpret_cast<DWORD_PTR>(this));
+        m_pushButtons.Add(host, L"Choose phone\x2026", 24, kButtonTop, 170, kButtonHeight, kChooseButton);
+        m_pushButtons.Add(host, L"Plug work phone", 204, kButtonTop, 170, kButtonHeight, kPlugButton);
+        m_pushButtons.Add(host, L"Unplug work phone", 384, kButtonTop, 170, kButtonHeight, kUnplugButton);
 
         m_helper = std::make_unique<HistoryTitle>();
         m_helper->SetWindow(m_title);
@@ -159,16 +152,12 @@ public:
             m_wrapper->Terminate();
         m_wrapper.reset();
         m_helper.reset();
-        for (HWND b : m_buttons)
-            DestroyWindow(b);
-        m_buttons.clear();
-        m_buttonProcs.clear();
+        m_pushButtons.Clear();
+        if (m_host)
+            RemoveWindowSubclass(m_host, HostProc, 1);
         if (m_title)
             DestroyWindow(m_title);
         m_title = nullptr;
-        if (m_font)
-            DeleteObject(m_font);
-        m_font = nullptr;
         if (m_snapshot)
             DeleteObject(m_snapshot);
         m_snapshot = nullptr;
@@ -209,7 +198,8 @@ public:
             GetWindowTextW(m_title, title, 1100);
         SelectObject(dc, bold);
         Text(dc, bar.left + 12, bar.top + 8, title, captionText);
-        y = bar.bottom + 52;
+        // The history starts below the row of buttons under the caption.
+        y = kButtonTop + kButtonHeight + 16;
 
         SelectObject(dc, bold);
         y = Text(dc, left, y, L"What the listener heard, and the title it wrote", text) + 2;
@@ -257,24 +247,15 @@ private:
         return DefWindowProcW(window, message, wParam, lParam);
     }
 
-    static LRESULT CALLBACK ButtonProc(HWND button, UINT message, WPARAM wParam, LPARAM lParam)
+    static LRESULT CALLBACK HostProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR data)
     {
-        auto* self = reinterpret_cast<DevicePage*>(GetWindowLongPtrW(button, GWLP_USERDATA));
-        WNDPROC original = nullptr;
-        for (size_t i = 0; self && i < self->m_buttons.size(); ++i)
-            if (self->m_buttons[i] == button)
-                original = self->m_buttonProcs[i];
-        const LRESULT result = original ? CallWindowProcW(original, button, message, wParam, lParam) : 0;
-        if (self && message == WM_LBUTTONUP) {
-            POINT point = {static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
-            RECT rect = {};
-            GetClientRect(button, &rect);
-            if (PtInRect(&rect, point))
-                self->Command(GetDlgCtrlID(button));
-        } else if (self && message == WM_KEYUP && (wParam == VK_SPACE || wParam == VK_RETURN)) {
-            self->Command(GetDlgCtrlID(button));
+        const int id = LOWORD(wParam);
+        if (message == WM_COMMAND && HIWORD(wParam) == BN_CLICKED &&
+            (id == kChooseButton || id == kPlugButton || id == kUnplugButton)) {
+            reinterpret_cast<DevicePage*>(data)->Command(id);
+            return 0;
         }
-        return result;
+        return DefSubclassProc(hwnd, message, wParam, lParam);
     }
 
     void Command(int id)
@@ -347,10 +328,8 @@ private:
 
     HWND m_host = nullptr;
     HWND m_title = nullptr;
-    HFONT m_font = nullptr;
+    gallery::PushButtons m_pushButtons;
     HBITMAP m_snapshot = nullptr;
-    std::vector<HWND> m_buttons;
-    std::vector<WNDPROC> m_buttonProcs;
     std::unique_ptr<HistoryTitle> m_helper;
     std::unique_ptr<CCSDWrapper> m_wrapper;
     long m_status = 0;

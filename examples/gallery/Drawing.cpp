@@ -122,6 +122,12 @@ HWND VisibleFileDialog()
     return found;
 }
 
+bool DarkTheme()
+{
+    const COLORREF window = DkhLoadColor(nullptr, ZGR_COLOR_WINDOW);
+    return GetRValue(window) + GetGValue(window) + GetBValue(window) < 3 * 128;
+}
+
 void FillThemed(HDC dc, const RECT& rect, UINT colourId)
 {
     HBRUSH brush = CreateSolidBrush(DkhLoadColor(nullptr, colourId));

@@ -22,6 +22,9 @@ int Text(HDC dc, int x, int y, const std::wstring& text, COLORREF color);
 // Fills `rect` with a colour of the theme (ZGR_COLOR_WINDOW and the like).
 void FillThemed(HDC dc, const RECT& rect, UINT colourId);
 
+// Whether the theme in use is a dark one (its window colour is dark).
+bool DarkTheme();
+
 // A filled rectangle with a one-pixel frame.
 void Swatch(HDC dc, const RECT& rect, COLORREF fill, COLORREF frame);
 

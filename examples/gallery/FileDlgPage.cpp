@@ -14,6 +14,7 @@
 
 #include "Drawing.h"
 #include "GalleryPage.h"
+#include "PushButtons.h"
 
 using namespace gallery;
 
@@ -64,10 +65,8 @@ public:
         RegisterClassExW(&wc);
         m_panel = CreateWindowExW(0, kPanelClass, L"", WS_CHILD | WS_VISIBLE, 20, 60, 360, 40, host, nullptr,
                                   wc.hInstance, nullptr);
-        m_open = CreateWindowExW(0, L"BUTTON", PageTexts().open, WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 0, 4, 170,
-                                 30, m_panel, reinterpret_cast<HMENU>(kOpenId), wc.hInstance, nullptr);
-        m_save = CreateWindowExW(0, L"BUTTON", PageTexts().save, WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 180, 4, 170,
-                                 30, m_panel, reinterpret_cast<HMENU>(kSaveId), wc.hInstance, nullptr);
+        m_open = m_pushButtons.Add(m_panel, PageTexts().open, 0, 4, 170, 30, kOpenId);
+        m_save = m_pushButtons.Add(m_panel, PageTexts().save, 180, 4, 170, 30, kSaveId);
         m_step = m_ticks = 0;
         m_tour = SetTimer(nullptr, 0, kTourStep, TourProc);
     }
@@ -77,6 +76,7 @@ public:
         if (m_tour)
             KillTimer(nullptr, m_tour);
         m_tour = 0;
+        m_pushButtons.Clear();
         if (m_panel)
             DestroyWindow(m_panel);
         m_panel = m_open = m_save = nullptr;
@@ -207,6 +207,7 @@ private:
     }
 
     static FileDlgPage* s_page;
+    gallery::PushButtons m_pushButtons;
     HWND m_host = nullptr, m_panel = nullptr, m_open = nullptr, m_save = nullptr;
     UINT_PTR m_tour = 0;
     int m_step = 0, m_ticks = 0, m_wait = 0;

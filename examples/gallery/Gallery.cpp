@@ -20,6 +20,7 @@
 
 #include <zcmod/zcmod.h>
 
+#include "Drawing.h"
 #include "GalleryPage.h"
 #include "Screenshot.h"
 
@@ -97,6 +98,38 @@ void MarkMenu()
                        lstrcmpiW(theme, L"Graphite") == 0 ? kThemeGraphite : kThemeDefault, MF_BYCOMMAND);
 }
 
+// 0xAARRGGBB, opaque, of a COLORREF.
+DWORD Opaque(COLORREF colour)
+{
+    return 0xFF000000u | GetRValue(colour) << 16 | GetGValue(colour) << 8 | GetBValue(colour);
+}
+
+// The drawn frames in the theme's colours. A light theme keeps the library's own look; under a dark one the
+// client takes the theme's window colour and the footer a gradient just above it, with the theme's border as
+// its line, so that no light strip stays under a dark page. Set as the default too: the message boxes make
+// their frames from it, and their text takes the theme's colour.
+void ApplyThemeToFrames()
+{
+    static const CVuikWindowBackgroundSkinDef light = CVuikWindowBackgroundSkin::m_DefaultSkinDef;
+    CVuikWindowBackgroundSkinDef def = light;
+    if (gallery::DarkTheme()) {
+        const COLORREF window = DkhLoadColor(nullptr, ZGR_COLOR_WINDOW);
+        const COLORREF raised = RGB(GetRValue(window) + 10, GetGValue(window) + 11, GetBValue(window) + 12);
+        def.m_crClient = Opaque(window);
+        def.m_crFooterLine = Opaque(DkhLoadColor(nullptr, ZGR_COLOR_BORDER));
+        def.m_crFooterTop = Opaque(raised);
+        def.m_crFooterBottom = Opaque(window);
+    }
+    CVuikWindowBackgroundSkin::SetDefaultSkinDef(def);
+    CVuikCommonMessageBox::SetTextColor(DkhLoadColor(nullptr, ZGR_COLOR_TEXT));
+    if (!g_gallery.frameSkin)
+        return;
+    def.m_bMenuBarVisible = static_cast<CVuikWindowBackgroundSkinDef>(*g_gallery.frameSkin).m_bMenuBarVisible;
+    g_gallery.frameSkin->SetSkinDef(def);
+    if (g_gallery.view)
+        SendMessageW(g_gallery.view, WM_VUIK_INVALIDATE_BACKBUFFER, 0, 0);
+}
+
 #ifdef GALLERY_MENU_BAR
 HMENU MakeMenu()
 {
@@ -120,6 +153,7 @@ void SwitchTheme(const wchar_t* theme)
     RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"Theme", REG_SZ, theme,
                     static_cast<DWORD>((wcslen(theme) + 1) * sizeof(wchar_t)));
     ZCMOD_GetCommonZGR();
+    ApplyThemeToFrames();
     g_gallery.frame->ReloadCaptionButtons();
     ShowPage(g_gallery.current);
     RedrawWindow(g_gallery.main, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
@@ -159,7 +193,7 @@ void PaintFooter(HWND view, HDC dc)
              static_cast<unsigned>(g_gallery.pages.size()));
     HGDIOBJ old = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, RGB(0x55, 0x5B, 0x63));
+    SetTextColor(dc, DkhLoadColor(nullptr, ZGR_COLOR_TEXT_DISABLED));
     DrawTextW(dc, text, -1, &r,
               DT_SINGLELINE | DT_VCENTER | DT_END_ELLIPSIS | (g_gallery.rtl ? DT_RIGHT | DT_RTLREADING : DT_LEFT));
     SelectObject(dc, old);
@@ -445,6 +479,7 @@ int WINAPI wWinMain(HINSTANCE instance, HINSTANCE, PWSTR, int show)
     g_gallery.frame->SetSkin(g_gallery.frameSkin.get());
     // The window's menu becomes a menu bar on a strip under the caption.
     g_gallery.frameSkin->SetMenuBarVisible(menu != nullptr);
+    ApplyThemeToFrames();
     const CAPTIONAPPICONDATA icon = {0, instance, kAppIconId};
     g_gallery.frame->SubclassWindow(g_gallery.view, g_gallery.main, &icon,
                                     CVuikWindowBackgroundCtrl::CAPTION_CLOSE | CVuikWindowBackgroundCtrl::CAPTION_MINIMIZE |

@@ -12,6 +12,7 @@
 #include "GalleryPage.h"
 #include "art/ButtonArt.h"
 #include "art/StaticArt.h"
+#include "PushButtons.h"
 
 using namespace gallery;
 
@@ -50,12 +51,6 @@ const wchar_t* Answer(int result)
     }
 }
 
-bool DarkTheme()
-{
-    const COLORREF c = DkhLoadColor(nullptr, ZGR_COLOR_WINDOW);
-    return GetRValue(c) + GetGValue(c) + GetBValue(c) < 3 * 128;
-}
-
 class MessageBoxPage : public GalleryPage {
 public:
     ~MessageBoxPage() override
@@ -78,10 +73,8 @@ public:
                                   GetModuleHandleW(nullptr), this);
         for (size_t i = 0; i < sizeof(kKinds) / sizeof(kKinds[0]); ++i) {
             const int column = static_cast<int>(i % 4), row = static_cast<int>(i / 4);
-            CreateWindowExW(0, L"BUTTON", kKinds[i].label, WS_CHILD | WS_VISIBLE | WS_TABSTOP | BS_PUSHBUTTON,
-                            kMargin + column * (kButtonWidth + 10), kMargin + row * (kButtonHeight + 8),
-                            kButtonWidth, kButtonHeight, m_panel, reinterpret_cast<HMENU>(100 + i),
-                            GetModuleHandleW(nullptr), nullptr);
+            m_pushButtons.Add(m_panel, kKinds[i].label, kMargin + column * (kButtonWidth + 10),
+                              kMargin + row * (kButtonHeight + 8), kButtonWidth, kButtonHeight, static_cast<int>(100 + i));
         }
         SetUpOlderBox();
         TakePicture();
@@ -89,6 +82,7 @@ public:
 
     void Leave() override
     {
+        m_pushButtons.Clear();
         if (m_panel)
             DestroyWindow(m_panel);
         m_panel = nullptr;
@@ -259,6 +253,7 @@ private:
 
     static MessageBoxPage* s_self;
     static int s_ticks;
+    gallery::PushButtons m_pushButtons;
     HWND m_host = nullptr;
     HWND m_panel = nullptr;
     HBITMAP m_picture = nullptr;

@@ -19,6 +19,7 @@
 
 #include "Drawing.h"
 #include "GalleryPage.h"
+#include "PushButtons.h"
 
 using namespace gallery;
 
@@ -102,10 +103,8 @@ public:
         RegisterClassExW(&wc);
         m_panel = CreateWindowExW(0, kPanelClass, L"", WS_CHILD | WS_VISIBLE, 20, 60, 360, 40, host, nullptr,
                                   wc.hInstance, nullptr);
-        m_open = CreateWindowExW(0, L"BUTTON", PageTexts().open, WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 0,
-                                 4, 170, 30, m_panel, reinterpret_cast<HMENU>(kOpenId), wc.hInstance, nullptr);
-        CreateWindowExW(0, L"BUTTON", PageTexts().save, WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 180, 4, 170,
-                        30, m_panel, reinterpret_cast<HMENU>(kSaveId), wc.hInstance, nullptr);
+        m_open = m_pushButtons.Add(m_panel, PageTexts().open, 0, 4, 170, 30, kOpenId);
+        m_pushButtons.Add(m_panel, PageTexts().save, 180, 4, 170, 30, kSaveId);
         INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_ANIMATE_CLASS};
         InitCommonControlsEx(&controls);
         m_clip = CreateWindowExW(0, ANIMATE_CLASSW, L"", WS_CHILD | WS_VISIBLE | ACS_AUTOPLAY, 400, 44, 272, 60,
@@ -125,6 +124,7 @@ public:
         if (m_tour)
             KillTimer(nullptr, m_tour);
         m_tour = 0;
+        m_pushButtons.Clear();
         if (m_panel)
             DestroyWindow(m_panel);
         if (m_clip)
@@ -284,6 +284,7 @@ private:
     }
 
     static PhoneFilesPage* s_page;
+    gallery::PushButtons m_pushButtons;
     HWND m_host = nullptr, m_panel = nullptr, m_open = nullptr, m_clip = nullptr;
     bool m_clipOpened = false;
     UINT_PTR m_tour = 0;

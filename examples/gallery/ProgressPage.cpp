@@ -14,6 +14,7 @@
 
 #include "Drawing.h"
 #include "GalleryPage.h"
+#include "PushButtons.h"
 
 using namespace gallery;
 
@@ -106,10 +107,8 @@ public:
         m_panel = CreateWindowExW(exStyle, kPanelClass, L"", WS_CHILD | WS_VISIBLE, kPanelX, kPanelY, kPanelWidth,
                                   kPanelHeight, host, nullptr, GetModuleHandleW(nullptr), nullptr);
         SetWindowLongPtrW(m_panel, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-        m_button = CreateWindowExW(0, L"BUTTON", L"Copy 12 pictures to the phone", WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON,
-                                   0, 0, kPanelWidth, kPanelHeight, m_panel, reinterpret_cast<HMENU>(kButtonId),
-                                   GetModuleHandleW(nullptr), nullptr);
-        SendMessageW(m_button, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), TRUE);
+        m_button = m_pushButtons.Add(m_panel, L"Copy 12 pictures to the phone", 0, 0, kPanelWidth, kPanelHeight,
+                                     kButtonId);
         // A screenshot run presses the button once the page is up.
         if (ScreenshotRun() && !m_ran)
             PostMessageW(m_button, BM_CLICK, 0, 0);
@@ -117,6 +116,7 @@ public:
 
     void Leave() override
     {
+        m_pushButtons.Clear();
         if (m_panel)
             DestroyWindow(m_panel);
         m_panel = m_button = nullptr;
@@ -197,6 +197,7 @@ private:
         return DefWindowProcW(hwnd, message, wParam, lParam);
     }
 
+    gallery::PushButtons m_pushButtons;
     HWND m_host = nullptr;
     HWND m_panel = nullptr;
     HWND m_button = nullptr;

@@ -93,12 +93,15 @@ class CGalleryButton;
 // The composite: one state skin per state, picked by the control's graphical state.
 class CGalleryButtonSkin : public CVuikBaseSkinImpl<CGalleryButtonSkin, CGalleryButtonSkinDef> {
 public:
-    CGalleryButtonSkin()
+    CGalleryButtonSkin() { UseArt(false); }
+    // The light pictures, or the dark theme's.
+    void UseArt(bool dark)
     {
+        const UINT offset = dark ? IDB_GALLERY_SKIN_DARK_OFFSET : 0;
         const UINT faces[kStates] = {IDB_GALLERY_NORMAL, IDB_GALLERY_HOVER, IDB_GALLERY_PUSHED, IDB_GALLERY_CHECKED,
                                      IDB_GALLERY_DISABLED};
         for (int i = 0; i < kStates; ++i)
-            m_SkinDef.m_States[i] = CGalleryButtonStateSkinDef{faces[i], IDB_GALLERY_ARROW};
+            m_SkinDef.m_States[i] = CGalleryButtonStateSkinDef{faces[i] + offset, IDB_GALLERY_ARROW + offset};
         SetSkinDef(m_SkinDef);
     }
     void SetSkinDef(CGalleryButtonSkinDef def) override
@@ -201,11 +204,24 @@ void CGalleryButtonSkin::Draw(CVuikWindow* window, CVuikGraphics* graphics, int 
 struct CGalleryPanelSkinDef {
     COLORREF m_crTop;
     COLORREF m_crBottom;
+    COLORREF m_crTitle;
+    COLORREF m_crText;
+    COLORREF m_crNote;
 };
 
 class CGalleryPanelSkin : public CVuikBaseSkinImpl<CGalleryPanelSkin, CGalleryPanelSkinDef> {
 public:
-    CGalleryPanelSkin() { m_SkinDef = CGalleryPanelSkinDef{RGB(250, 251, 253), RGB(214, 224, 238)}; }
+    CGalleryPanelSkin() { UseColours(false); }
+    // A light gradient with dark text, or a dark one a step above the theme's window with the theme's text.
+    void UseColours(bool dark)
+    {
+        m_SkinDef = dark ? CGalleryPanelSkinDef{RGB(45, 51, 60), DkhLoadColor(nullptr, ZGR_COLOR_WINDOW),
+                                                DkhLoadColor(nullptr, ZGR_COLOR_ACCENT),
+                                                DkhLoadColor(nullptr, ZGR_COLOR_TEXT),
+                                                DkhLoadColor(nullptr, ZGR_COLOR_TEXT_DISABLED)}
+                         : CGalleryPanelSkinDef{RGB(250, 251, 253), RGB(214, 224, 238), RGB(28, 78, 140),
+                                                RGB(60, 60, 60), RGB(90, 90, 90)};
+    }
     void Validate() override { m_nStatus = StatusValid; }
     void Draw(CVuikWindow*, CVuikGraphics* graphics, int width, int height) override
     {
@@ -223,18 +239,18 @@ public:
         HFONT title = SuiteFont(20, FW_BOLD);
         HGDIOBJ old = SelectObject(dc, title);
         SetBkMode(dc, TRANSPARENT);
-        Text(dc, kLeftColumn, 16, L"Skinned buttons: a state skin per state, one composite skin", RGB(28, 78, 140));
+        Text(dc, kLeftColumn, 16, L"Skinned buttons: a state skin per state, one composite skin", m_SkinDef.m_crTitle);
         SelectObject(dc, old);
         DeleteObject(title);
         HFONT font = SuiteFont(14);
         old = SelectObject(dc, font);
-        Text(dc, kLeftColumn, kTop - 24, L"Left to right", RGB(60, 60, 60));
-        Text(dc, kRightColumn, kTop - 24, L"Right to left", RGB(60, 60, 60));
+        Text(dc, kLeftColumn, kTop - 24, L"Left to right", m_SkinDef.m_crText);
+        Text(dc, kRightColumn, kTop - 24, L"Right to left", m_SkinDef.m_crText);
         for (int i = 0; i < kStates; ++i)
-            Text(dc, kLeftColumn + kButtonWidth + 30, kTop + i * kRowStep + 8, kStateNames[i], RGB(60, 60, 60));
+            Text(dc, kLeftColumn + kButtonWidth + 30, kTop + i * kRowStep + 8, kStateNames[i], m_SkinDef.m_crText);
         Text(dc, kLeftColumn, kTop + kStates * kRowStep + 10,
-             L"Right to left, each buffer is mirrored whole: the glyph moves to the trailing edge.", RGB(90, 90, 90));
-        Text(dc, kLeftColumn, kTop + kStates * kRowStep + 30, L"Hover a button for its tooltip.", RGB(90, 90, 90));
+             L"Right to left, each buffer is mirrored whole: the glyph moves to the trailing edge.", m_SkinDef.m_crNote);
+        Text(dc, kLeftColumn, kTop + kStates * kRowStep + 30, L"Hover a button for its tooltip.", m_SkinDef.m_crNote);
         SelectObject(dc, old);
         DeleteObject(font);
     }
@@ -265,10 +281,14 @@ public:
         m_otherTips = before ? *before : 0;
         // The resource manager shares a picture between skins by module and id, so both sides draw the same
         // pictures: loaded left to right, and turned round with the whole buffer on the right-hand side.
+        const bool dark = DarkTheme();
+        m_panelSkin.UseColours(dark);
         {
             LayoutScope layout(false);
-            m_skins[0].Load();
-            m_skins[1].Load();
+            for (CGalleryButtonSkin& skin : m_skins) {
+                skin.UseArt(dark);
+                skin.Load();
+            }
         }
         RECT area;
         GetClientRect(host, &area);

@@ -387,10 +387,19 @@ LRESULT CALLBACK CVuikFileDlg::WindowProcParent(HWND hwnd, UINT message, WPARAM 
         }
     }
     if (message == WM_CTLCOLORSTATIC && GetDlgCtrlID(reinterpret_cast<HWND>(lParam)) == stc4) {
-        // The label shows the strip (and its title) through: nothing of the dialog is painted under it.
+        // The label shows the strip (and its title) through: nothing of the dialog is painted under it. Its
+        // rectangle reaches under the folder list beside it, which is left out: the strip would cover the
+        // list's icon where the list leaves its indentation unpainted.
+        const HWND label = reinterpret_cast<HWND>(lParam);
+        if (const HWND folders = GetDlgItem(hwnd, cmb2)) {
+            RECT r = {};
+            GetWindowRect(folders, &r);
+            MapWindowPoints(nullptr, label, reinterpret_cast<POINT*>(&r), 2);
+            ExcludeClipRect(reinterpret_cast<HDC>(wParam), r.left, r.top, r.right, r.bottom);
+        }
         if (m_pInstance) {
-            PaintUnder(m_pInstance->m_Strip.m_hWnd, reinterpret_cast<HWND>(lParam), reinterpret_cast<HDC>(wParam));
-            PaintUnder(m_pInstance->m_StripTitle.m_hWnd, reinterpret_cast<HWND>(lParam), reinterpret_cast<HDC>(wParam));
+            PaintUnder(m_pInstance->m_Strip.m_hWnd, label, reinterpret_cast<HDC>(wParam));
+            PaintUnder(m_pInstance->m_StripTitle.m_hWnd, label, reinterpret_cast<HDC>(wParam));
         }
         SetBkMode(reinterpret_cast<HDC>(wParam), TRANSPARENT);
         SetTextColor(reinterpret_cast<HDC>(wParam), LabelColour());

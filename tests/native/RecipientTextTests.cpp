@@ -13,22 +13,6 @@ const Text16 kLro(1, char16_t(0x202D));
 const Text16 kPdf(1, char16_t(0x202C));
 const Text16 kSmile = u"\U0001F600";  // a surrogate pair
 
-struct Split {
-    Text16 input;
-    bool rtl;
-    Text16 name;
-    Text16 address;
-};
-
-struct Caret {
-    Text16 text;
-    int32_t caret;
-    int result;
-    Text16 out;
-    int32_t start;
-    int32_t end;
-};
-
 // A search over a fixed list: by name on the name's prefix, by address on the address exactly.
 RecipientSearch FixedSearch(std::vector<Text16> contacts, std::vector<std::pair<Text16, bool>>* asked = nullptr)
 {
@@ -49,85 +33,59 @@ RecipientSearch FixedSearch(std::vector<Text16> contacts, std::vector<std::pair<
 
 TEST(RecipientText, PhoneAndEmailForms)
 {
-    const struct {
-        const char16_t* text;
-        int phone;
-        int email;
-    } cases[] = {
-        {u"", 1, 0},
-        {u"+358 (40) 123-45w6", 1, 0},
-        {u"12P", 0, 0},
-        {u"   ", 1, 0},
-        {u"((", 1, 0},
-        {u"*#pw", 1, 0},
-        {u"a@b", 0, 0},
-        {u"a@.b", 0, 0},
-        {u"a@b.", 0, 0},
-        {u"@b.c", 0, 0},
-        {u"a@b.c@d", 0, 0},
-        {u"a.@b.c", 0, 0},
-        {u"a..b@c.d", 0, 0},
-        {u"a.b..c@d.e", 0, 1},
-        {u"a@b..c", 0, 0},
-        {u"a@b.c.", 0, 1},
-        {u".a@b.c", 0, 1},
-        {u"\u00e4@b.c", 0, 0},
-        {u"\u0080@b.c", 0, 1},  // the limit is inclusive
-        {u"a\U0001F600@b.c", 0, 0},
-        {u"ann.lee@example.com", 0, 1},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << "case " << (&c - cases));
-        EXPECT_EQ(IsValidPhoneNumber(c.text), c.phone);
-        EXPECT_EQ(IsValidEmailAddress(c.text), c.email);
-    }
+    for (const char16_t* text : {u"", u"   ", u"+358 (40) 123-45w6", u"*#pw"})
+        EXPECT_EQ(IsValidPhoneNumber(text), 1) << testing::PrintToString(Text16(text));
+    for (const char16_t* text : {u"12P", u"a@b"})
+        EXPECT_EQ(IsValidPhoneNumber(text), 0) << testing::PrintToString(Text16(text));
+    // Only the first dot is looked at for a doubling; U+0080 is the last character allowed.
+    for (const char16_t* text : {u"ann.lee@example.com", u"a.b..c@d.e", u"a@b.c.", u".a@b.c", u"\u0080@b.c"})
+        EXPECT_EQ(IsValidEmailAddress(text), 1) << testing::PrintToString(Text16(text));
+    for (const char16_t* text : {u"", u"a@b", u"a@.b", u"a@b.", u"@b.c", u"a@b.c@d", u"a.@b.c", u"a..b@c.d", u"a@b..c",
+                                 u"\u00e4@b.c", u"a\U0001F600@b.c"})
+        EXPECT_EQ(IsValidEmailAddress(text), 0) << testing::PrintToString(Text16(text));
 }
 
-TEST(RecipientText, SplittingContacts)
+// Splitting a line into name and address, and swapping the name's first word behind the rest.
+TEST(RecipientText, SplittingAndSwappingContacts)
 {
     const Text16 wrapped = u"Ann Lee <" + kLro + u"040123" + kPdf + u">";
-    const Split cases[] = {
-        {u"Ann Lee <040123>", false, u"Ann Lee", u"040123"},
-        {u"040123", false, u"", u"040123"},
-        {u"Ann", false, u"Ann", u""},
-        {u"Ann Lee>", false, u"Ann Lee>", u""},
-        {u"<a@b.c>", false, u"", u"a@b.c"},
-        {u"", false, u"", u""},
-        {u"(12)", false, u"", u"(12)"},
-        {u"  Ann  <  1  >  ", false, u"Ann", u"1"},
-        {u"a<b <c>", false, u"a<b", u"c"},  // the last '<' opens the address
-        {u"a@b.c", false, u"", u"a@b.c"},
-        {u"  1  ", false, u"", u"1"},       // the text as given is the address, then trimmed
-        {u"\u05d0\u05d1 <1>", true, u"\u05d0\u05d1", u"1"},
+    const struct {
+        Text16 input;
+        bool rtl;
+        Text16 name, address, swapped;
+    } cases[] = {
+        {u"Ann Lee <040123>", false, u"Ann Lee", u"040123", u"Lee Ann <040123>"},
+        {u"040123", false, u"", u"040123", u" <040123>"},
+        {u"Ann", false, u"Ann", u"", u"Ann"},
+        {u"Ann Lee>", false, u"Ann Lee>", u"", u"Lee> Ann"},
+        {u"<a@b.c>", false, u"", u"a@b.c", u" <a@b.c>"},
+        {u"", false, u"", u"", u""},
+        {u"(12)", false, u"", u"(12)", u" <(12)>"},
+        {u"  Ann   Mary Lee  <  1  >  ", false, u"Ann   Mary Lee", u"1", u"Mary Lee Ann <1>"},
+        {u"a<b <c>", false, u"a<b", u"c", u"a<b <c>"},  // the last '<' opens the address
+        {u"  1  ", false, u"", u"1", u" <1>"},        // the text as given is the address, then trimmed
+        {u"\u05d0\u05d1 <1>", true, u"\u05d0\u05d1", u"1", u"\u05d0\u05d1 <1>"},
         // Under a left-to-right language the marks are ordinary characters.
-        {wrapped, false, u"Ann Lee", (kLro + u"040123" + kPdf)},
-        {wrapped, true, u"Ann Lee", u"040123"},
+        {wrapped, false, u"Ann Lee", (kLro + u"040123" + kPdf), (u"Lee Ann <" + kLro + u"040123" + kPdf + u">")},
+        {wrapped, true, u"Ann Lee", u"040123", u"Lee Ann <040123>"},
         // A trailing mark hides the '>' only when marks are not stripped.
-        {(u"Ann <1>" + kPdf), true, u"Ann", u"1"},
-        {(u"Ann <1>" + kPdf), false, (u"Ann <1>" + kPdf), u""},
+        {(u"Ann <1>" + kPdf), true, u"Ann", u"1", u"Ann <1>"},
+        {(u"Ann <1>" + kPdf), false, (u"Ann <1>" + kPdf), u"", (u"<1>" + kPdf + u" Ann")},
     };
-    for (const Split& c : cases) {
-        SCOPED_TRACE(testing::Message() << "case " << (&c - cases));
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.input));
         Text16 name = u"stale", address = u"stale";
         GetNameAndAddress(c.input, name, address, c.rtl);
         EXPECT_EQ(name, c.name);
         EXPECT_EQ(address, c.address);
+        EXPECT_EQ(SwapNameWords(c.input, c.rtl), c.swapped);
     }
 }
 
 TEST(RecipientText, ContactStringsAndDirectionMarks)
 {
-    EXPECT_EQ(CreateContactString(u"", u"1", false), u" <1>");
     EXPECT_EQ(CreateContactString(u" Ann ", u"1", false), u" Ann  <1>");
     EXPECT_EQ(CreateContactString(u"Ann", u"1", true), u"Ann <" + kLro + u"1" + kPdf + u">");
-
-    for (bool rtl : {false, true}) {
-        const Text16 contact = CreateContactString(u"Ann Lee", u"+358 40" + kSmile, rtl);
-        Text16 name, address;
-        GetNameAndAddress(contact, name, address, rtl);
-        EXPECT_EQ(name, u"Ann Lee");
-        EXPECT_EQ(address, u"+358 40" + kSmile);
-    }
 
     // Only the five marks go, and only in right-to-left mode.
     const Text16 marked = u"\u200Da\u200Fb\u202Ac\u202Cd\u202De\u200E\u202B\u202E";
@@ -137,30 +95,9 @@ TEST(RecipientText, ContactStringsAndDirectionMarks)
     RemoveDirectionControls(text, true);
     EXPECT_EQ(text, u"abcde\u200E\u202B\u202E");
 
-    Text16 blanks = u"   ";
-    TrimBlanks(blanks);
-    EXPECT_EQ(blanks, u"");
     Text16 tabs = u" \tA b\t ";
     TrimBlanks(tabs);
     EXPECT_EQ(tabs, u"\tA b\t");
-}
-
-TEST(RecipientText, SwappingNameWords)
-{
-    const Split cases[] = {
-        {u"Ann Lee <1>", false, u"Lee Ann <1>", u""},
-        {u"Ann Mary Lee <1>", false, u"Mary Lee Ann <1>", u""},
-        {u"Ann <1>", false, u"Ann <1>", u""},
-        {u"Ann", false, u"Ann", u""},
-        {u"040123", false, u" <040123>", u""},
-        {u"Ann   Lee", false, u"Lee Ann", u""},
-        {u"", false, u"", u""},
-        {(u"Ann Lee <" + kLro + u"1" + kPdf + u">"), true, u"Lee Ann <1>", u""},
-    };
-    for (const Split& c : cases) {
-        SCOPED_TRACE(testing::Message() << "case " << (&c - cases));
-        EXPECT_EQ(SwapNameWords(c.input, c.rtl), c.name);
-    }
 }
 
 TEST(RecipientText, NameComparisonAndOrder)
@@ -184,11 +121,15 @@ TEST(RecipientText, NameComparisonAndOrder)
 TEST(RecipientText, RecipientUnderTheCaret)
 {
     const Text16 pair = u"x" + kSmile + u"y; b";  // the pair takes two offsets
-    const Caret cases[] = {
-        {u"a; b; c", 4, 1, u"b", 3, 4},
+    const struct {
+        Text16 text;
+        int32_t caret;
+        int result;
+        Text16 out;
+        int32_t start, end;
+    } cases[] = {
         {u"a; b; c", 2, 1, u"b", 3, 4},  // right behind the ';' after "a"
         {u"a; b; c", 0, 1, u"a", 0, 1},
-        {u"a; b; c", 7, 1, u"c", 6, 7},
         {u"a; b; c", 99, 1, u"c", 6, 7},  // a caret past the end stands at the end
         {u"a; b; c", -5, 1, u"a", 0, 1},
         {u"   ", 1, 0, u"", 0, 0},
@@ -198,11 +139,10 @@ TEST(RecipientText, RecipientUnderTheCaret)
         {u"ab  ; c", 1, 1, u"ab  ", 0, 4},  // trailing blanks stay
         {u"a;", 2, 0, u"", 0, 0},
         {pair, 2, 1, (u"x" + kSmile + u"y"), 0, 4},
-        {pair, 6, 1, u"b", 6, 7},
         {u"\xD800; \xDC00z", 4, 1, u"\xDC00z", 3, 5},  // lone halves are plain code units
     };
-    for (const Caret& c : cases) {
-        SCOPED_TRACE(testing::Message() << "case " << (&c - cases));
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.text) + " at " + std::to_string(c.caret));
         Text16 out = u"untouched";
         int32_t start = -1, end = -1;
         EXPECT_EQ(ExtractName(c.text, c.caret, out, &start, &end), c.result);
@@ -221,7 +161,6 @@ TEST(RecipientText, CuttingTheWholeLine)
         bool rtl;
         std::vector<std::tuple<Text16, int, int>> pieces;
     } cases[] = {
-        {u"a; b", false, {{u"a", 0, 1}, {u" b", 2, 4}}},
         {u"  a; b;  ", false, {{u"a", 0, 1}, {u" b", 2, 4}}},
         {u"   ", false, {}},
         {u";", false, {{u"", 0, 0}}},
@@ -294,7 +233,6 @@ TEST(RecipientText, JudgingOneRecipient)
         {u"040123", 1, 0, 1, 0, true, kMsgEmailOnly, 0},
         {u"Bob <x y>", 1, 0, 3, 0, true, kMsgPhoneOrEmail, 0},
         {u"Bob", 1, 0, 3, 1, true, 0, 0},     // a bare name has an empty address: a phone number
-        {u"Bob", 1, 0, 1, 0, true, kMsgEmailOnly, 0},
         {u"Bob <x y>", 1, 0, 7, 1, true, 0, 0},  // an unknown filter checks nothing
         {u"Ann Lee <9>", 0, 1, 3, 1, true, 0, 0},
         {u"Ann <9>", 0, 1, 3, 1, true, 0, 0},  // names compare whole, so "Ann" is not "Ann Lee"

@@ -22,6 +22,7 @@ constexpr UINT IDS_OK = 200, IDS_CANCEL = 201, IDS_YES = 202, IDS_NO = 203, IDS_
 extern HMODULE languageModule;           // the application's own strings
 extern CVuikButtonSkin buttonSkin;       // skins of the application's, loaded
 extern CVuikStaticBitmapSkin backgroundSkin;
+extern CVuikWindowBackgroundSkin g_frameSkin;  // the skin of the application's drawn frame
 INT_PTR CALLBACK MyDialogProc(HWND, UINT, WPARAM, LPARAM);
 void DeleteMessage();
 void OpenPicture(const wchar_t* file);

@@ -38,15 +38,11 @@ protected:
     }
     void TearDown() override { TerminateAllInterfaces(); }
 
-    // A phone whose contacts are the given cards; gives its serial.
-    std::wstring Phone(const std::wstring& id, const std::string& cards, const std::wstring& options = L"")
+    // A phone whose contacts are the given cards, or more cards for a phone made before.
+    void Phone(const std::wstring& id, const std::string& cards, bool append = false)
     {
-        const std::wstring serial = phones.New(id, options);
-        Load(id, cards, false);
-        return serial;
-    }
-    void Load(const std::wstring& id, const std::string& cards, bool append)
-    {
+        if (!append)
+            phones.New(id);
         const std::wstring file = phones.Folder(id) + L"-cards.vcf";
         std::ofstream(file.c_str(), std::ios::binary) << cards;
         EXPECT_EQ(phones.Ctl(L"contacts " + id + L" \"" + file + L"\"" + (append ? L" --append" : L"")).exitCode, 0u);
@@ -90,7 +86,7 @@ TEST_F(ContactSearch, TheCacheAnswersWhatItKnowsAndNoMore)
     EXPECT_TRUE(Find(L"qq").empty());   // two: asked again each time
     // The phone changes behind the cache's back; a new control reads it through a new connection.
     control.reset();
-    Load(L"a", Card("Alpha", "Zedd", {"TEL:1"}) + Card("Qqa", "Bob", {"TEL:2"}), true);
+    Phone(L"a", Card("Alpha", "Zedd", {"TEL:1"}) + Card("Qqa", "Bob", {"TEL:2"}), true);
     control = std::make_unique<CSearchEngineControl>();
     EXPECT_TRUE(Find(L"zedd").empty());  // a longer text can't match where a shorter one failed
     EXPECT_EQ(Find(L"qq"), (std::vector<std::wstring>{L"Qqa Bob <2>"}));

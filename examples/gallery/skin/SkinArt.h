@@ -5,3 +5,5 @@
 #define IDB_GALLERY_CHECKED 7104
 #define IDB_GALLERY_DISABLED 7105
 #define IDB_GALLERY_ARROW 7106
+/* The same family for a dark theme: each id 10 above its light one. */
+#define IDB_GALLERY_SKIN_DARK_OFFSET 10
