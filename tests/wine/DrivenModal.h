@@ -1,5 +1,5 @@
-// A modal loop on the test's thread, driven from a second thread and guarded by a watchdog; finding the
-// windows of such a loop, and the steps a user takes in a file dialog.
+// Finding the windows of a modal loop from a second thread, and a file dialog run on the test's thread, driven
+// from a second thread and guarded by a watchdog, with the steps a user takes in it.
 #pragma once
 
 #include <windows.h>
@@ -14,31 +14,6 @@
 #include <thread>
 
 namespace zcmod_test {
-
-// Runs `call` (which enters a modal loop) on this thread while `drive`, given this thread's id, steps through
-// it from another; a watchdog posts IDCANCEL to every window of this thread after `seconds`, so that a stuck
-// dialog fails the test rather than hang the suite.
-template <class Call>
-auto RunDriven(Call call, const std::function<void(DWORD)>& drive, int seconds = 20) -> decltype(call())
-{
-    const DWORD self = GetCurrentThreadId();
-    std::atomic<bool> done{false};
-    std::thread driver([&] { drive(self); });
-    std::thread watchdog([&] {
-        for (int i = 0; i < seconds * 100 && !done; ++i)
-            Sleep(10);
-        if (!done) {
-            ADD_FAILURE() << "the dialog did not end in " << seconds << " s";
-            EnumThreadWindows(
-                self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; }, 0);
-        }
-    });
-    const auto result = call();
-    done = true;
-    driver.join();
-    watchdog.join();
-    return result;
-}
 
 // A visible top-level window of `thread` for which `match` holds, waited for up to `ms`; null if none came.
 inline HWND WaitForWindow(DWORD thread, const std::function<bool(HWND)>& match, int ms = 5000)
@@ -90,16 +65,34 @@ inline void Enter(HWND dialog, const std::wstring& text)
     PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
 }
 
-// Runs `call`, which opens a file dialog, while `steps` (which must end it) drives the dialog once it is ready.
+// Runs `call` (which opens a file dialog) on this thread while `steps`, on another, drives the dialog once it is
+// ready and ends it; a watchdog posts IDCANCEL to every window of this thread after 20 s, so that a stuck
+// dialog fails the test rather than hang the suite.
 template <class Call>
 auto RunFileDialog(Call call, const std::function<void(HWND)>& steps) -> decltype(call())
 {
-    return RunDriven(call, [&](DWORD self) {
+    const DWORD self = GetCurrentThreadId();
+    std::atomic<bool> done{false};
+    std::thread driver([&] {
         if (HWND dialog = WaitForWindow(self, IsFileDialog)) {
             Sleep(100);  // let CDN_INITDONE and the first paint pass
             steps(dialog);
         }
     });
+    std::thread watchdog([&] {
+        for (int i = 0; i < 2000 && !done; ++i)
+            Sleep(10);
+        if (!done) {
+            ADD_FAILURE() << "the dialog did not end in 20 s";
+            EnumThreadWindows(
+                self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; }, 0);
+        }
+    });
+    const auto result = call();
+    done = true;
+    driver.join();
+    watchdog.join();
+    return result;
 }
 
 }  // namespace zcmod_test
