@@ -570,7 +570,7 @@ TEST_F(WindowBackground, NoHandleLeftOverFramingAndClosingWindows)
     };
     cycle();
     const HandleCounter::Counts before = counter.Live();
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 100; ++i)
         cycle();
     EXPECT_EQ(counter.Live(), before) << counter.Live().ToString() << " against " << before.ToString();
 }
