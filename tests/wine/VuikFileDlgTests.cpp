@@ -219,8 +219,9 @@ TEST_F(VuikFileDlg, DialogsLeaveNothingBehind)
     EXPECT_EQ(CVuikFileDlg::m_pfnSuperWndProcParent, nullptr);
 }
 
-// The open dialog in both themes and layouts against reviewed pictures: the theme's bars around the platform's
-// controls, on a folder of fixed names so that nothing of the machine shows, the focus on OK (no caret).
+// The open dialog in both themes and layouts against reviewed pictures: the theme's bars (every piece of the
+// default skin, which each theme must carry) around the platform's controls, on a folder of fixed names so that
+// nothing of the machine shows, the focus on OK (no caret).
 TEST_F(VuikFileDlg, Golden)
 {
     const std::wstring folder = zcmod_test::TempFolder() + L"zcmod-filedlg-golden";
