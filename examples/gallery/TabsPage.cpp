@@ -23,6 +23,7 @@
 #include "Drawing.h"
 #include "GalleryPage.h"
 #include "TabArt.h"
+#include "PushButtons.h"
 
 using namespace gallery;
 
@@ -137,9 +138,10 @@ public:
         // The combo boxes' corners show the tab control's panel behind them.
         for (auto& combo : m_combos)
             combo->SetBackground(m_tabs.m_hWnd);
-        Button(m_panel.m_hWnd, L"OK", 300, 432, BS_DEFPUSHBUTTON);
-        Button(m_panel.m_hWnd, L"Cancel", 390, 432, BS_PUSHBUTTON);
-        Button(m_panel.m_hWnd, L"Apply", 480, 432, BS_PUSHBUTTON);
+        // The dialog's own buttons are the suite's; the sheets keep the platform's controls.
+        m_pushButtons.Add(m_panel.m_hWnd, L"OK", 300, 432, 80, 28, IDOK);
+        m_pushButtons.Add(m_panel.m_hWnd, L"Cancel", 390, 432, 80, 28, IDCANCEL);
+        m_pushButtons.Add(m_panel.m_hWnd, L"Apply", 480, 432, 80, 28, kApplyButton);
 
         // A narrow one whose tabs take several rows: the selected tab's row comes to the front.
         Label(m_panel.m_hWnd, L"Several rows", 600, 80, 260, 20, m_bold);
@@ -167,6 +169,7 @@ public:
 
     void Leave() override
     {
+        m_pushButtons.Clear();
         if (m_panel.m_hWnd && IsWindow(m_panel.m_hWnd)) {
             RemovePropW(m_panel.m_hWnd, kBrushProp);
             for (Sheet& sheet : m_sheets)
@@ -241,6 +244,8 @@ public:
     static TabsPage* s_page;
 
 private:
+    static constexpr int kApplyButton = 0x3021;
+    gallery::PushButtons m_pushButtons;
     static void Register()
     {
         WindowClass(kPanelClass, ContainerProc);
@@ -261,10 +266,6 @@ private:
                                        parent, nullptr, GetModuleHandleW(nullptr), nullptr);
         SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
         return control;
-    }
-    void Button(HWND parent, const wchar_t* text, int x, int y, DWORD style)
-    {
-        Control(parent, L"BUTTON", text, style, x, y, 80, 28);
     }
     HWND Check(HWND parent, const wchar_t* text, int x, int y, bool on, DWORD style = BS_AUTOCHECKBOX)
     {
