@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <set>
 #include <string>
@@ -157,13 +158,10 @@ TEST_F(Service, DeviceListAndItsNotificationsReachTwoApplications)
 
 namespace {
 
-// Records the progress of a transfer and acts at its first report.
+// Records the progress of a transfer; its first report is answered by `atFirst`.
 class ProgressRecorder : public IFSAPINotify {
 public:
-    enum class Act { None, Cancel, Refuse, Detach };
-    Act act = Act::None;
-    HLNKAFS fs = nullptr;
-    const Phones* phones = nullptr;
+    std::function<HRESULT()> atFirst = [] { return S_OK; };
     std::vector<std::pair<DWORD, DWORD>> reports;  // state, percent
     DWORD64 lastBytes = 0;
     std::atomic<int> removed{0};
@@ -172,15 +170,7 @@ public:
     {
         reports.emplace_back(state, percent);
         lastBytes = bytes;
-        if (reports.size() == 1 && state == LNKA_PROGRESS_RUNNING) {
-            if (act == Act::Refuse)
-                return LNKA_E_CANCELLED;
-            if (act == Act::Cancel)
-                LNKACancel(fs);
-            if (act == Act::Detach)
-                phones->Ctl(L"detach files");
-        }
-        return S_OK;
+        return reports.size() == 1 && state == LNKA_PROGRESS_RUNNING ? atFirst() : S_OK;
     }
     HRESULT STDMETHODCALLTYPE DeviceNotify(DWORD status, const wchar_t*) override
     {
@@ -207,8 +197,6 @@ TEST_F(Service, CopiesWithProgressAndCancel)
 
     // Down and up, with progress.
     ProgressRecorder progress;
-    progress.fs = fs;
-    progress.phones = &phones;
     ASSERT_EQ(LNKARegisterFSNotifyIF(fs, API_REGISTER, &progress), S_OK);
     ASSERT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"IMG_0001.jpg", L"\\C:\\Pictures", pc.c_str()), S_OK);
     EXPECT_EQ(ReadBytes(scratch.File(L"IMG_0001.jpg")), picture);
@@ -224,15 +212,22 @@ TEST_F(Service, CopiesWithProgressAndCancel)
     // The phone going away last: the transfer's listener hears that it was aborted, and that the phone went.
     WriteBytes(drive + L"C\\Pictures\\big.bin", std::vector<uint8_t>(200000, 'b'));
     const std::vector<uint8_t> old = {'o', 'l', 'd'};
-    using Act = ProgressRecorder::Act;
-    for (const auto& [act, result] : {std::make_pair(Act::Cancel, LNKA_E_CANCELLED),
-                                      std::make_pair(Act::Refuse, LNKA_E_CANCELLED),
-                                      std::make_pair(Act::Detach, LNKA_E_DEVICE_NOT_CONNECTED)}) {
-        SCOPED_TRACE(static_cast<int>(act));
+    const struct {
+        const char* name;
+        std::function<HRESULT()> atFirst;
+        HRESULT result;
+    } stops[] = {
+        {"cancelled", [&] { return LNKACancel(fs); }, LNKA_E_CANCELLED},
+        {"refused", [] { return LNKA_E_CANCELLED; }, LNKA_E_CANCELLED},
+        {"unplugged", [&] { return phones.Ctl(L"detach files").exitCode ? E_FAIL : S_OK; },
+         LNKA_E_DEVICE_NOT_CONNECTED},
+    };
+    for (const auto& stop : stops) {
+        SCOPED_TRACE(stop.name);
         scratch.Write(L"big.bin", old);
         progress.reports.clear();
-        progress.act = act;
-        EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"big.bin", L"\\C:\\Pictures", pc.c_str()), result);
+        progress.atFirst = stop.atFirst;
+        EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"big.bin", L"\\C:\\Pictures", pc.c_str()), stop.result);
         EXPECT_TRUE(ReadBytes(scratch.File(L"big.bin")) == old) << "the target is left as it was";
         EXPECT_EQ(GetFileAttributesW(scratch.File(L"big.bin.partial").c_str()), INVALID_FILE_ATTRIBUTES);
         EXPECT_LT(progress.reports.size(), 3u);
