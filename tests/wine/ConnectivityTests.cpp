@@ -14,6 +14,7 @@ namespace {
 
 class Connectivity : public ::testing::Test {
 protected:
+    void SetUp() override { registry.UseStandIns(); }
     void TearDown() override { TerminateAllInterfaces(); }
     ServiceRegistry registry;
 };
@@ -73,6 +74,7 @@ TEST_F(Connectivity, LibraryFromTheConfiguredPathElseTheDefaultNameSilently)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.path + (c.searchServiceDir ? L" +search" : L""));
+        DeleteValue(HKEY_LOCAL_MACHINE, kApiKeyW, L"VCAPI64");
         if (!c.path.empty())
             registry.SetPath(L"VCAPI64", c.path);
         SetDllDirectoryW(c.searchServiceDir ? ServiceDir().c_str() : nullptr);
@@ -82,7 +84,6 @@ TEST_F(Connectivity, LibraryFromTheConfiguredPathElseTheDefaultNameSilently)
         EXPECT_EQ(VCAPI_Terminate(0), S_OK) << "every Initialize, failed or not, has its Terminate";
         EXPECT_EQ(VCAPI_Terminate(0), kNotInitialised);
         EXPECT_EQ(LoadedFolder(L"VersitConverter64.dll"), L"");
-        DeleteValue(HKEY_LOCAL_MACHINE, kApiKeyW, L"VCAPI64");
     }
 }
 
@@ -118,7 +119,6 @@ TEST_F(Connectivity, CountsAndTheServiceAbsent)
 TEST_F(Connectivity, StartResultsAndMissingFunctions)
 {
     // A negative start result frees the library, a positive one is success.
-    registry.UseStandIns();
     registry.SetHook(L"InitializeResult", 0x80070005);
     EXPECT_EQ(CAAPI_Initialize(kCaapiVersion, 0), static_cast<HRESULT>(0x80070005));
     EXPECT_EQ(GetModuleHandleW(L"DAAPI64.dll"), nullptr);
@@ -149,7 +149,6 @@ TEST_F(Connectivity, OptionsBit0OnlyAsANumberStopsFollowingTheService)
     } cases[] = {
         {REG_DWORD, &one, false}, {REG_DWORD, &three, false}, {REG_DWORD, &two, true}, {REG_SZ, L"1", true},
         {REG_BINARY, &one, true}};
-    registry.UseStandIns();
     for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
         SetValue(HKEY_LOCAL_MACHINE, kApiKeyW, L"Options", c.type, c.data, 4);
@@ -165,7 +164,6 @@ TEST_F(Connectivity, OptionsBit0OnlyAsANumberStopsFollowingTheService)
 
 TEST_F(Connectivity, StopAndStartFromTheControllerInAnotherProcess)
 {
-    registry.UseStandIns();
     Phones phones;
     const std::wstring serial = phones.New(L"anna", L"--contacts 3");
     ASSERT_FALSE(serial.empty());
@@ -199,7 +197,6 @@ TEST_F(Connectivity, StopAndStartFromTheControllerInAnotherProcess)
 // The end function blocks for 3 s on the monitor thread: Terminate waits for the monitor 1000 ms, no more.
 TEST_F(Connectivity, AMonitorThatStopsSlowlyDoesNotHoldTerminate)
 {
-    registry.UseStandIns();
     ASSERT_EQ(CAAPI_Initialize(kCaapiVersion, 0), S_OK);
     Sleep(50);
     registry.SetHook(L"TerminateDelay", 3000);
@@ -218,7 +215,6 @@ TEST_F(Connectivity, AMonitorThatStopsSlowlyDoesNotHoldTerminate)
 // keeps it mapped until it returns.
 TEST_F(Connectivity, StressUnloadAndLoadWhileAnotherThreadCallsStubs)
 {
-    registry.UseStandIns();
     Phones phones;
     const std::wstring serial = phones.New(L"stress", L"--contacts 50");
     ASSERT_EQ(CAAPI_Initialize(kCaapiVersion, 0), S_OK);
@@ -259,7 +255,6 @@ TEST_F(Connectivity, StressUnloadAndLoadWhileAnotherThreadCallsStubs)
 // error, never a crash.
 TEST_F(Connectivity, EveryStubReachesAnExportOfTheStandIns)
 {
-    registry.UseStandIns();
     ASSERT_EQ(DMAPI_Initialize(kDmapiVersion, 0), S_OK);
     ASSERT_EQ(FSAPI_Initialize(kFsapiVersion, 0), S_OK);
     ASSERT_EQ(VCAPI_Initialize(kVcapiVersion, 0), S_OK);
