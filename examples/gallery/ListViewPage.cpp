@@ -102,6 +102,8 @@ public:
                                  30, 200, 660, 300, m_panel->m_hWnd, reinterpret_cast<HMENU>(kListId),
                                  GetModuleHandleW(nullptr), nullptr);
         SendMessageW(m_list, WM_SETFONT, reinterpret_cast<WPARAM>(m_font), FALSE);
+        if (DarkTheme())
+            ListView_SetBkColor(m_list, m_window);  // under the rows too
         m_listCtrl = std::make_unique<CVuikListViewCtrl>();
         m_listCtrl->SubclassWindow(m_list);
         const struct {
@@ -194,8 +196,10 @@ private:
     {
         const CVuikListViewSkinDef def = *m_listCtrl->GetSkin();
         const bool selected = (item->itemState & ODS_SELECTED) != 0;
-        const COLORREF fill =
-            selected ? m_highlight : RGB(def.m_crFill >> 16 & 0xFF, def.m_crFill >> 8 & 0xFF, def.m_crFill & 0xFF);
+        // A dark theme's rows lie on its window colour, a light theme's on the list skin's fill.
+        const COLORREF fill = selected      ? m_highlight
+                              : DarkTheme() ? m_window
+                                            : RGB(def.m_crFill >> 16 & 0xFF, def.m_crFill >> 8 & 0xFF, def.m_crFill & 0xFF);
         HBRUSH brush = CreateSolidBrush(fill);
         FillRect(item->hDC, &item->rcItem, brush);
         DeleteObject(brush);
