@@ -177,21 +177,6 @@ TEST_F(TabCtrl, SwitchesByClickAndArrowKeys)
         }
 }
 
-// In several rows the platform brings the selected tab's row to the front; the rows behind it reach down
-// under the row in front, the front row doesn't (the goldens show the selection in the last tab).
-TEST_F(TabCtrl, RowsBehindTheSelectedOneReachUnderIt)
-{
-    Make(kFive, 220, 150, TCS_MULTILINE, false, 0);
-    ASSERT_EQ(m_tabs.GetRowCount(), 2);
-    const RECT behind = Item(4), resting = Item(1);
-    EXPECT_GT(Item(0).top, behind.top) << "the selected row is in front";
-    const Capture shown = Screen();
-    // A resting tab is 19 rows high from 1 row below its rectangle's top; behind the front row 6 more.
-    EXPECT_NE(At(shown, (behind.left + behind.right) / 2, behind.top + 20), Rgb(testskin::kThemes[0].window));
-    EXPECT_EQ(At(shown, resting.left + 5, resting.top + 10), m_skin.GetPiece(TAB_PIECE_MIDDLE)->GetPixel(0, 9));
-    EXPECT_EQ(At(shown, resting.left + 5, resting.top + 21), Rgb(testskin::kThemes[0].window));
-}
-
 // Moving the selection (and the first paint) asks the parent for the strip from the top to tab 0's bottom; a
 // paint without a change doesn't.
 TEST_F(TabCtrl, SelectionChangeRepaintsTheStripThroughTheParent)
