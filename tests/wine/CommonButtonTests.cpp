@@ -292,12 +292,9 @@ TEST_F(CommonCheckButtons, HandleHygiene)
             HWND hwnd = windows[i % 3];
             const int step = i / 3 % 4;
             SendMessageW(hwnd, step == 1 ? WM_SETFOCUS : step == 3 ? WM_KILLFOCUS : WM_NULL, 0, 0);
-            if (step == 0 || step == 3)
-                SendMessageW(hwnd, BM_SETCHECK, step == 0, 0);
-            if (step == 1 || step == 3)
-                SendMessageW(hwnd, BM_SETSTATE, step == 1, 0);
-            if (step >= 2)
-                EnableWindow(hwnd, step == 3);
+            SendMessageW(hwnd, BM_SETCHECK, step == 0, 0);
+            SendMessageW(hwnd, BM_SETSTATE, step == 1, 0);
+            EnableWindow(hwnd, step != 2);
             if (i % 15 >= 12)  // one change in five is painted
                 SendMessageW(hwnd, WM_PAINT, 0, 0);
         }

@@ -86,81 +86,76 @@ LRESULT CALLBACK HollowEdits(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPar
     return CallWindowProcW(reinterpret_cast<WNDPROC>(GetPropW(hwnd, L"test.proc")), hwnd, message, wParam, lParam);
 }
 
-// Typed text shows in the border's gradient over the parent's picture (in the client area and in the ring
-// the notched border leaves out). A plain parent that keeps no buffer shows through the ring by its erase.
+// Typed text shows in the border's gradient over the parent's picture, in the client area and in the ring the
+// notched border leaves out (the golden); disabled, the border stays.
 TEST_F(EditCtrlTest, TypingKeepsTheBorderAndShowsTheParent)
 {
-    for (const Look& look : kLooks)
-        for (bool skinnedParent : {true, false}) {
-            SCOPED_TRACE(look.Name("edit") + (skinnedParent ? " panel" : " plain"));
-            ThemeScope theme(look);
-            const COLORREF window = ThemeColour(ZGR_COLOR_WINDOW), accent = ThemeColour(ZGR_COLOR_HIGHLIGHT);
-            CTestSkin panelSkin(SkinDef{window, accent});
-            CTestPanel panel;
-            Recorder rec;
-            const RECT where = {150, 150, 450, 250};
-            HWND parent = skinnedParent ? panel.CreatePanel(nullptr, where, &panelSkin) : rec.CreateParent("p", where);
-            ASSERT_TRUE(parent);
-            SetPropW(parent, L"test.proc", reinterpret_cast<HANDLE>(GetWindowLongPtrW(parent, GWLP_WNDPROC)));
-            SetWindowLongPtrW(parent, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HollowEdits));
-            if (look.rtl)
-                SetWindowLongPtrW(parent, GWL_EXSTYLE, GetWindowLongPtrW(parent, GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
-            // As a dialog makes an edit with a border: a client edge.
-            HWND hwnd = CreateWindowExW(WS_EX_CLIENTEDGE, L"Edit", L"", WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, 50, 30,
-                                        200, 26, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
-            CVuikEditCtrl edit;
-            ASSERT_TRUE(edit.SubclassWindow(hwnd));
-            EXPECT_FALSE(edit.SubclassWindow(hwnd));
-            EXPECT_EQ(GetWindowLongPtrW(hwnd, GWL_STYLE) & 0x6800000, 0x6800000);
-            // The border's first paint may come before the parent ever painted: the buffer is built then.
-            SendMessageW(hwnd, WM_NCPAINT, 1, 0);
-            SetForegroundWindow(parent);
-            SetFocus(hwnd);
-            input::Type(L"hello world");
-            Recorder::Pump(60);
-            wchar_t text[32] = {};
-            GetWindowTextW(hwnd, text, 32);
-            EXPECT_STREQ(text, L"hello world");
-            SetFocus(parent);  // no blinking caret in the pictures
-            RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW);
-            Recorder::Pump(20);
+    for (const Look& look : kLooks) {
+        SCOPED_TRACE(look.Name("edit"));
+        ThemeScope theme(look);
+        CTestSkin panelSkin(SkinDef{ThemeColour(ZGR_COLOR_WINDOW), ThemeColour(ZGR_COLOR_HIGHLIGHT)});
+        CTestPanel panel;
+        HWND parent = panel.CreatePanel(nullptr, RECT{150, 150, 450, 250}, &panelSkin);
+        ASSERT_TRUE(parent);
+        SetPropW(parent, L"test.proc", reinterpret_cast<HANDLE>(GetWindowLongPtrW(parent, GWLP_WNDPROC)));
+        SetWindowLongPtrW(parent, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HollowEdits));
+        if (look.rtl)
+            SetWindowLongPtrW(parent, GWL_EXSTYLE, GetWindowLongPtrW(parent, GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
+        // As a dialog makes an edit with a border: a client edge.
+        HWND hwnd = CreateWindowExW(WS_EX_CLIENTEDGE, L"Edit", L"", WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, 50, 30, 200,
+                                    26, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
+        CVuikEditCtrl edit;
+        ASSERT_TRUE(edit.SubclassWindow(hwnd));
+        EXPECT_FALSE(edit.SubclassWindow(hwnd));
+        EXPECT_EQ(GetWindowLongPtrW(hwnd, GWL_STYLE) & 0x6800000, 0x6800000);
+        SendMessageW(hwnd, WM_NCPAINT, 1, 0);  // a border painted before the parent ever did builds its buffer
+        SetForegroundWindow(parent);
+        SetFocus(hwnd);
+        input::Type(L"hello world");
+        Recorder::Pump(60);
+        wchar_t text[32] = {};
+        GetWindowTextW(hwnd, text, 32);
+        EXPECT_STREQ(text, L"hello world");
+        SetFocus(parent);  // no blinking caret in the pictures
+        RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW);
+        Recorder::Pump(20);
+        const Capture c = CaptureOnScreen(hwnd);
+        ASSERT_EQ(c.width, 200);
+        EXPECT_TRUE(zcmod_test::MatchesGolden(look.Name("edit"), c.width, c.height, c.pixels.data()));
 
-            const Capture c = CaptureOnScreen(hwnd);
-            ASSERT_EQ(c.width, 200);
-            if (!skinnedParent) {  // the panel's two halves, border and text: the golden
-                for (int x : {0, c.width - 1})
-                    EXPECT_EQ(c.At(x, c.height / 2), Rgb(GetSysColor(COLOR_WINDOW))) << x;
-                EXPECT_TRUE(Near(c.At(c.width / 2, 1), 0x656464, 8)) << std::hex << c.At(c.width / 2, 1);
-                DestroyWindow(parent);
-                continue;
-            }
-            EXPECT_TRUE(zcmod_test::MatchesGolden(look.Name("edit"), c.width, c.height, c.pixels.data()));
-
-            // Disabled: the state follows, the border stays.
-            EXPECT_EQ(edit.GetGraphicalState(), EditBoxEnabled);
-            EnableWindow(hwnd, FALSE);
-            RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
-            EXPECT_EQ(edit.GetGraphicalState(), EditBoxDisabled);
-            const Capture d = CaptureOnScreen(hwnd);
-            for (int x = 0; x < c.width; ++x)
-                ASSERT_EQ(d.At(x, 1), c.At(x, 1)) << x;
-            DestroyWindow(parent);
-        }
+        EXPECT_EQ(edit.GetGraphicalState(), EditBoxEnabled);
+        EnableWindow(hwnd, FALSE);
+        RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
+        EXPECT_EQ(edit.GetGraphicalState(), EditBoxDisabled);
+        const Capture d = CaptureOnScreen(hwnd);
+        for (int x = 0; x < c.width; ++x)
+            ASSERT_EQ(d.At(x, 1), c.At(x, 1)) << x;
+        DestroyWindow(parent);
+    }
 }
 
-// An edit without a parent asks nobody for its background: its ring shows the window colour.
-TEST_F(EditCtrlTest, WithoutAParentTheRingShowsTheWindowColour)
+// A plain parent that keeps no buffer shows through the ring by its own erase, also when the border paints
+// first; an edit without a parent asks nobody: its ring shows the window colour.
+TEST_F(EditCtrlTest, RingShowsAPlainParentOrTheWindowColour)
 {
     LibraryState lib;
-    HWND hwnd = CreateWindowExW(WS_EX_CLIENTEDGE, L"Edit", L"top", WS_POPUP | WS_VISIBLE, 300, 300, 160, 26, nullptr,
-                                nullptr, GetModuleHandleW(nullptr), nullptr);
-    CVuikEditCtrl edit;
-    ASSERT_TRUE(edit.SubclassWindow(hwnd));
-    RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW);
-    const Capture c = CaptureOnScreen(hwnd);
-    EXPECT_EQ(c.At(0, c.height / 2), Rgb(GetSysColor(COLOR_WINDOW))) << std::hex << c.At(0, c.height / 2);
-    EXPECT_TRUE(Near(c.At(c.width / 2, 1), 0x656464, 8)) << std::hex << c.At(c.width / 2, 1);
-    DestroyWindow(hwnd);
+    Recorder rec;
+    for (bool withParent : {true, false}) {
+        SCOPED_TRACE(withParent ? "plain parent" : "no parent");
+        HWND parent = withParent ? rec.CreateParent("p", RECT{150, 150, 450, 250}) : nullptr;
+        HWND hwnd = CreateWindowExW(WS_EX_CLIENTEDGE, L"Edit", L"text", (parent ? WS_CHILD : WS_POPUP) | WS_VISIBLE,
+                                    parent ? 50 : 300, parent ? 30 : 300, 160, 26, parent, nullptr, nullptr, nullptr);
+        CVuikEditCtrl edit;
+        ASSERT_TRUE(edit.SubclassWindow(hwnd));
+        SendMessageW(hwnd, WM_NCPAINT, 1, 0);
+        RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW);
+        Recorder::Pump(20);
+        const Capture c = CaptureOnScreen(hwnd);
+        for (int x : {0, c.width - 1})
+            EXPECT_EQ(c.At(x, c.height / 2), Rgb(GetSysColor(COLOR_WINDOW))) << std::hex << c.At(x, c.height / 2);
+        EXPECT_TRUE(Near(c.At(c.width / 2, 1), 0x656464, 8)) << std::hex << c.At(c.width / 2, 1);
+        DestroyWindow(parent ? parent : hwnd);
+    }
 }
 
 // ---- List view -------------------------------------------------------------------------------------------
