@@ -116,7 +116,8 @@ TEST_F(ButtonFamily, ThreePiecesTileUnscaled)
     CVuikGraphics graphics(canvas);
     skin.Draw(nullptr, &graphics, 31, 24);
     const Capture shown = canvas.Read();
-    const std::pair<int, uint32_t> columns[] = {{3, kRed}, {4, kGreen}, {9, kBlue}, {24, kGreen}, {25, kMagenta}};
+    const std::pair<int, uint32_t> columns[] = {{3, kRed},    {4, kGreen},  {8, kGreen},   {9, kBlue},
+                                                {14, kGreen}, {23, kBlue},  {24, kGreen},  {25, kMagenta}};
     for (const auto& column : columns)
         EXPECT_EQ(shown.At(column.first, 10), column.second) << "column " << column.first;
     EXPECT_EQ(shown.At(5, 21), 0x123456u) << "pieces are drawn at their own height, not stretched";
