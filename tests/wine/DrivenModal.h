@@ -1,32 +1,91 @@
-// A modal loop on the test's thread, driven from a second thread and guarded by a watchdog.
+// Finding the windows of a modal loop from a second thread, and a file dialog run on the test's thread, driven
+// from a second thread and guarded by a watchdog, with the steps a user takes in it.
 #pragma once
 
 #include <windows.h>
+
+#include <dlgs.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <functional>
+#include <string>
 #include <thread>
 
 namespace zcmod_test {
 
-// Runs `call` (which enters a modal loop) on this thread while `drive`, given this thread's id, steps through
-// it from another; a watchdog posts IDCANCEL to every window of this thread after `seconds`, so that a stuck
+// A visible top-level window of `thread` for which `match` holds, waited for up to `ms`; null if none came.
+inline HWND WaitForWindow(DWORD thread, const std::function<bool(HWND)>& match, int ms = 5000)
+{
+    struct Search {
+        const std::function<bool(HWND)>* match;
+        HWND found;
+    } search = {&match, nullptr};
+    for (int waited = 0; !search.found && waited <= ms; waited += 10) {
+        EnumThreadWindows(
+            thread,
+            [](HWND hwnd, LPARAM data) {
+                auto* s = reinterpret_cast<Search*>(data);
+                if (IsWindowVisible(hwnd) && (*s->match)(hwnd))
+                    s->found = hwnd;
+                return s->found ? FALSE : TRUE;
+            },
+            reinterpret_cast<LPARAM>(&search));
+        if (!search.found)
+            Sleep(10);
+    }
+    return search.found;
+}
+
+// A window of the dialog class: a file dialog or a message box.
+inline bool IsDialogClass(HWND hwnd)
+{
+    wchar_t cls[16] = {};
+    GetClassNameW(hwnd, cls, 16);
+    return lstrcmpW(cls, L"#32770") == 0;
+}
+
+// The platform's file dialog has its "Look in" box; a message box has none.
+inline bool IsFileDialog(HWND hwnd)
+{
+    return GetDlgItem(hwnd, cmb2) != nullptr;
+}
+
+inline void Cancel(HWND dialog)
+{
+    PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+}
+
+// Types into the file dialog's name box and presses OK.
+inline void Enter(HWND dialog, const std::wstring& text)
+{
+    HWND box = GetDlgItem(dialog, cmb13) ? GetDlgItem(dialog, cmb13) : GetDlgItem(dialog, edt1);
+    SendMessageW(box, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
+    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
+}
+
+// Runs `call` (which opens a file dialog) on this thread while `steps`, on another, drives the dialog once it is
+// ready and ends it; a watchdog posts IDCANCEL to every window of this thread after 20 s, so that a stuck
 // dialog fails the test rather than hang the suite.
 template <class Call>
-auto RunDriven(Call call, const std::function<void(DWORD)>& drive, int seconds = 20) -> decltype(call())
+auto RunFileDialog(Call call, const std::function<void(HWND)>& steps) -> decltype(call())
 {
     const DWORD self = GetCurrentThreadId();
     std::atomic<bool> done{false};
-    std::thread driver([&] { drive(self); });
+    std::thread driver([&] {
+        if (HWND dialog = WaitForWindow(self, IsFileDialog)) {
+            Sleep(100);  // let CDN_INITDONE and the first paint pass
+            steps(dialog);
+        }
+    });
     std::thread watchdog([&] {
-        for (int i = 0; i < seconds * 100 && !done; ++i)
+        for (int i = 0; i < 2000 && !done; ++i)
             Sleep(10);
         if (!done) {
-            ADD_FAILURE() << "the dialog did not end in " << seconds << " s";
-            EnumThreadWindows(self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; },
-                              0);
+            ADD_FAILURE() << "the dialog did not end in 20 s";
+            EnumThreadWindows(
+                self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; }, 0);
         }
     });
     const auto result = call();

@@ -6,16 +6,14 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <dlgs.h>
 
 #include <atomic>
-#include <fstream>
-#include <functional>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "DrivenModal.h"
+#include "PhoneShellSupport.h"
 #include "ServiceTestSupport.h"
 #include "TestSkins.h"
 #include "zcmod/PhoneFileDialog.h"
@@ -24,30 +22,7 @@ using namespace zcmod_test;
 
 namespace {
 
-std::wstring LongTemp()
-{
-    wchar_t temp[MAX_PATH], longer[MAX_PATH];
-    GetTempPathW(MAX_PATH, temp);
-    GetLongPathNameW(temp, longer, MAX_PATH);
-    return longer;
-}
-const std::wstring kMirror = LongTemp() + L"CFD Temp Folder";
-
-void WriteFile(const std::wstring& path, const std::string& bytes)
-{
-    std::ofstream(path.c_str(), std::ios::binary) << bytes;
-}
-std::string ReadFile(const std::wstring& path)
-{
-    std::ifstream in(path.c_str(), std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-void MakeFolders(const std::wstring& path)
-{
-    for (size_t at = path.find(L'\\', 3); at != std::wstring::npos; at = path.find(L'\\', at + 1))
-        CreateDirectoryW(path.substr(0, at).c_str(), nullptr);
-    CreateDirectoryW(path.c_str(), nullptr);
-}
+const std::wstring kMirror = MirrorFolder();
 
 // The language and theme the messages come from, and a data layer in a folder of the test's own.
 class PhoneFileDialog : public ::testing::Test {
@@ -56,7 +31,7 @@ protected:
     {
         suite.SetLanguage(L"eng");
         suite.SetMachineTheme(L"Default");
-        dataRoot = LongTemp() + L"zcmod-data-" + std::to_wstring(GetCurrentProcessId());
+        dataRoot = TempFolder() + L"zcmod-data-" + std::to_wstring(GetCurrentProcessId());
         RemoveTree(dataRoot);
         MakeFolders(dataRoot);
         SetString(HKEY_CURRENT_USER, L"SOFTWARE\\DeskHub\\DataLayer", L"Root", dataRoot);
@@ -75,7 +50,7 @@ protected:
         const std::wstring folder = dataRoot + L"\\" + relative;
         MakeFolders(folder);
         if (!rootElement.empty())
-            WriteFile(folder + L"\\folder.xml", "<?xml version=\"1.0\"?>\n" + rootElement + "\n");
+            WriteText(folder + L"\\folder.xml", "<?xml version=\"1.0\"?>\n" + rootElement + "\n");
         return folder;
     }
     SuiteRegistry suite;
@@ -96,17 +71,23 @@ TEST_F(PhoneFileDialog, FolderKinds)
     DataFolder(L"NoName", "<Folder Forbidden=\"A\"/>");
     DataFolder(L"Broken", "<Folder Name=");
     DataFolder(L"Plain", "");
-    WriteFile(dataRoot + L"\\Cal\\day.vcs", "x");
+    WriteText(dataRoot + L"\\Cal\\day.vcs", "x");
     const struct {
         std::wstring path;
         int type;
     } cases[] = {
-        {dataRoot + L"\\Contacts", CFD_FOLDER_CONTACTS},      {dataRoot + L"\\Contacts\\Family\\", CFD_FOLDER_CONTACTS},
-        {dataRoot + L"\\Msgs\\Inbox", CFD_FOLDER_MESSAGES},   {dataRoot + L"\\Cal\\day.vcs", CFD_FOLDER_CALENDAR},
-        {dataRoot + L"\\Pics", CFD_FOLDER_NONE},              {dataRoot + L"\\Odd", CFD_FOLDER_UNKNOWN},
-        {dataRoot + L"\\NoName", CFD_FOLDER_UNKNOWN},         {dataRoot + L"\\Broken", CFD_FOLDER_UNKNOWN},
-        {dataRoot + L"\\Plain", CFD_FOLDER_NONE},             {L"C:\\windows", CFD_FOLDER_NONE},
-        {kMirror + L"\\123\\C\\a.jpg", CFD_FOLDER_PHONE},     {L"", CFD_FOLDER_NONE},
+        {dataRoot + L"\\Contacts", CFD_FOLDER_CONTACTS},
+        {dataRoot + L"\\Contacts\\Family\\", CFD_FOLDER_CONTACTS},
+        {dataRoot + L"\\Msgs\\Inbox", CFD_FOLDER_MESSAGES},
+        {dataRoot + L"\\Cal\\day.vcs", CFD_FOLDER_CALENDAR},
+        {dataRoot + L"\\Pics", CFD_FOLDER_NONE},
+        {dataRoot + L"\\Odd", CFD_FOLDER_UNKNOWN},
+        {dataRoot + L"\\NoName", CFD_FOLDER_UNKNOWN},
+        {dataRoot + L"\\Broken", CFD_FOLDER_UNKNOWN},
+        {dataRoot + L"\\Plain", CFD_FOLDER_NONE},
+        {L"C:\\windows", CFD_FOLDER_NONE},
+        {kMirror + L"\\123\\C\\a.jpg", CFD_FOLDER_PHONE},
+        {L"", CFD_FOLDER_NONE},
         {L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{416651E4-9C3C-11D9-8BDE-F66BAD1E3F3A}", CFD_FOLDER_PHONE},
     };
     for (const auto& c : cases)
@@ -123,15 +104,15 @@ TEST_F(PhoneFileDialog, FilesTravelBetweenPhoneAndMirror)
     std::string bytes;
     for (int i = 0; i < 70000; ++i)
         bytes.push_back(static_cast<char>(i * 7 + i / 256));
-    WriteFile(phoneDocs + L"\\note.bin", bytes);
+    WriteText(phoneDocs + L"\\note.bin", bytes);
 
     const std::wstring mirrorDocs = kMirror + L"\\" + serial + L"\\C\\Docs";
     EXPECT_EQ(CFD_DownloadFile((mirrorDocs + L"\\note.bin").c_str(), nullptr), S_OK);
-    EXPECT_EQ(ReadFile(mirrorDocs + L"\\note.bin"), bytes);
+    EXPECT_EQ(ReadText(mirrorDocs + L"\\note.bin"), bytes);
 
-    WriteFile(mirrorDocs + L"\\reply.txt", "from the computer");
+    WriteText(mirrorDocs + L"\\reply.txt", "from the computer");
     EXPECT_EQ(CFD_UploadFile((mirrorDocs + L"\\reply.txt").c_str(), nullptr), S_OK);
-    EXPECT_EQ(ReadFile(phoneDocs + L"\\reply.txt"), "from the computer");
+    EXPECT_EQ(ReadText(phoneDocs + L"\\reply.txt"), "from the computer");
 
     // Missing on the phone, outside the mirror, or climbing out of it: a failure code, nothing written.
     const HRESULT failures[] = {
@@ -142,34 +123,16 @@ TEST_F(PhoneFileDialog, FilesTravelBetweenPhoneAndMirror)
     };
     for (HRESULT failure : failures)
         EXPECT_EQ(static_cast<uint32_t>(failure) & 0xFFFF0000u, 0x80000000u) << std::hex << failure;
-    EXPECT_EQ(GetFileAttributesW((LongTemp() + L"escape.bin").c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_EQ(GetFileAttributesW((TempFolder() + L"escape.bin").c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
-TEST_F(PhoneFileDialog, PhoneUnpluggedDuringADownloadLeavesNoPartialFile)
+// A slow download plays the theme's clip in the progress window (its animation control's picture moves); a phone
+// unplugged during one leaves no file, whole or partial.
+TEST_F(PhoneFileDialog, SlowDownloadPlaysTheClipAndAnUnplugLeavesNoPartialFile)
 {
     const std::wstring serial = phones.New(L"slow", L"--copydelay 20");
-    const std::wstring phoneDocs = phones.Folder(L"slow") + L"\\files\\C";
-    // Some 250 blocks of 20 ms: the unplug, a controller process started on a busy machine, must come while the
-    // copy runs; the copy stops there, so the size costs nothing when it does.
-    WriteFile(phoneDocs + L"\\big.bin", std::string(16 << 20, 'x'));
-    std::thread unplug([&] {
-        Sleep(150);
-        phones.Ctl(L"detach slow");
-    });
-    const std::wstring target = kMirror + L"\\" + serial + L"\\C\\big.bin";
-    const HRESULT result = CFD_DownloadFile(target.c_str(), nullptr);
-    unplug.join();
-    EXPECT_NE(result, S_OK);
-    EXPECT_EQ(static_cast<uint32_t>(result) & 0xFFFF0000u, 0x80000000u) << std::hex << result;
-    EXPECT_EQ(GetFileAttributesW(target.c_str()), INVALID_FILE_ATTRIBUTES);
-    EXPECT_EQ(GetFileAttributesW((target + L".partial").c_str()), INVALID_FILE_ATTRIBUTES);
-}
-
-// While the file travels, the progress window plays the theme's clip: its animation control's picture moves.
-TEST_F(PhoneFileDialog, TransferWindowPlaysTheThemesClip)
-{
-    const std::wstring serial = phones.New(L"slow", L"--copydelay 20");
-    WriteFile(phones.Folder(L"slow") + L"\\files\\C\\big.bin", std::string(6 << 20, 'x'));  // some 90 blocks of 20 ms
+    const std::wstring phoneFiles = phones.Folder(L"slow") + L"\\files\\C", target = kMirror + L"\\" + serial + L"\\C";
+    WriteText(phoneFiles + L"\\clip.bin", std::string(6 << 20, 'x'));  // some 90 blocks of 20 ms
     std::atomic<bool> moved{false}, done{false};
     std::thread watch([&] {
         for (; !done && !moved; Sleep(10)) {
@@ -188,16 +151,30 @@ TEST_F(PhoneFileDialog, TransferWindowPlaysTheThemesClip)
             Sleep(300);  // the window has painted: what changes now is the clip
             const testskin::Capture before = testskin::CaptureWindow(clip);
             Sleep(250);
-            moved = before.width > 100 && before.pixels != testskin::CaptureWindow(clip).pixels;
+            // Both pictures of a window that still stands: one of a window that closed meanwhile differs too.
+            const testskin::Capture after = testskin::CaptureWindow(clip);
+            moved = IsWindow(clip) && before.width > 100 && after.width == before.width &&
+                    after.height == before.height && before.pixels != after.pixels;
         }
     });
-    EXPECT_EQ(CFD_DownloadFile((kMirror + L"\\" + serial + L"\\C\\big.bin").c_str(), nullptr), S_OK);
+    EXPECT_EQ(CFD_DownloadFile((target + L"\\clip.bin").c_str(), nullptr), S_OK);
     done = true;
     watch.join();
     EXPECT_TRUE(moved);
-}
 
-// --- the dialogs, driven from a second thread -------------------------------------------------------------------
+    // Some 250 blocks: the unplug, a controller process started on a busy machine, must come while the copy
+    // runs; the copy stops there, so the size costs nothing when it does.
+    WriteText(phoneFiles + L"\\big.bin", std::string(16 << 20, 'x'));
+    std::thread unplug([&] {
+        Sleep(150);
+        phones.Ctl(L"detach slow");
+    });
+    const HRESULT result = CFD_DownloadFile((target + L"\\big.bin").c_str(), nullptr);
+    unplug.join();
+    EXPECT_EQ(static_cast<uint32_t>(result) & 0xFFFF0000u, 0x80000000u) << std::hex << result;
+    EXPECT_EQ(GetFileAttributesW((target + L"\\big.bin").c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_EQ(GetFileAttributesW((target + L"\\big.bin.partial").c_str()), INVALID_FILE_ATTRIBUTES);
+}
 
 // Records what the dialog tells its listener.
 struct Recorder : CFileDialogListener {
@@ -207,34 +184,6 @@ struct Recorder : CFileDialogListener {
     int OnFileNameOK(HWND, OFNOTIFYW*) override { return ++fileOks, 1; }
 };
 
-// The top-level dialog window of `thread` for which `match` holds, waited for up to 5 s.
-HWND FindDialog(DWORD thread, const std::function<bool(HWND)>& match)
-{
-    HWND found = nullptr;
-    WaitUntil([&] {
-        struct Search {
-            const std::function<bool(HWND)>* match;
-            HWND found;
-        } search = {&match, nullptr};
-        EnumThreadWindows(
-            thread,
-            [](HWND hwnd, LPARAM data) {
-                auto* s = reinterpret_cast<Search*>(data);
-                wchar_t cls[32];
-                GetClassNameW(hwnd, cls, 32);
-                if (IsWindowVisible(hwnd) && lstrcmpW(cls, L"#32770") == 0 && (*s->match)(hwnd)) {
-                    s->found = hwnd;
-                    return FALSE;
-                }
-                return TRUE;
-            },
-            reinterpret_cast<LPARAM>(&search));
-        found = search.found;
-        return found != nullptr;
-    });
-    return found;
-}
-bool IsFileDialog(HWND hwnd) { return GetDlgItem(hwnd, lst1) || GetDlgItem(hwnd, lst2) || GetDlgItem(hwnd, cmb13); }
 // The text of a message box: the platform's in the static 0xFFFF, the suite's in its first static (id 0).
 std::wstring MessageText(HWND box)
 {
@@ -243,33 +192,9 @@ std::wstring MessageText(HWND box)
         GetDlgItemTextW(box, 0, text, 512);
     return text;
 }
-// Types into the dialog's name box and presses Enter.
-void Enter(HWND dialog, const std::wstring& text)
+bool IsMessageBox(HWND hwnd)
 {
-    HWND box = GetDlgItem(dialog, edt1) ? GetDlgItem(dialog, edt1) : GetDlgItem(dialog, cmb13);
-    SendMessageW(box, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text.c_str()));
-    PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
-}
-
-// Runs `call` with `steps` driving it from a second thread, under a watchdog.
-INT_PTR RunDriven(const std::function<INT_PTR()>& call, const std::function<void(DWORD)>& steps)
-{
-    return zcmod_test::RunDriven(call, steps);
-}
-BOOL RunDriven(BOOL (*call)(OPENFILENAMEW*), OPENFILENAMEW& ofn, const std::function<void(DWORD)>& steps)
-{
-    return static_cast<BOOL>(RunDriven([&]() -> INT_PTR { return call(&ofn); }, steps));
-}
-
-OPENFILENAMEW Ofn(wchar_t* buffer, DWORD size, DWORD flags)
-{
-    OPENFILENAMEW ofn = {};
-    ofn.lStructSize = sizeof(ofn);
-    ofn.lpstrFile = buffer;
-    ofn.nMaxFile = size;
-    ofn.lpstrFilter = L"All files\0*.*\0";
-    ofn.Flags = flags;
-    return ofn;
+    return IsDialogClass(hwnd) && !IsFileDialog(hwnd);
 }
 
 TEST_F(PhoneFileDialog, OpenGivesCancelOneFileOrSeveral)
@@ -277,36 +202,36 @@ TEST_F(PhoneFileDialog, OpenGivesCancelOneFileOrSeveral)
     Recorder recorder;
     CFD_SetListener(&recorder);
     // A folder outside the data layer: its initial directory is taken as it is.
-    const std::wstring folder = LongTemp() + L"zcmod-open-" + std::to_wstring(GetCurrentProcessId());
+    const std::wstring folder = TempFolder() + L"zcmod-open-" + std::to_wstring(GetCurrentProcessId());
     MakeFolders(folder);
-    WriteFile(folder + L"\\a.txt", "a");
-    WriteFile(folder + L"\\b.txt", "b");
+    WriteText(folder + L"\\a.txt", "a");
+    WriteText(folder + L"\\b.txt", "b");
     wchar_t buffer[1024] = {};
-
     OPENFILENAMEW ofn = Ofn(buffer, 1024, OFN_FILEMUSTEXIST);
-    std::wstring title;
-    EXPECT_FALSE(RunDriven(CFD_GetOpenFileName, ofn, [&](DWORD thread) {
-        HWND dialog = FindDialog(thread, IsFileDialog);
-        wchar_t text[64] = {};
-        GetWindowTextW(dialog, text, 64);
-        title = text;
-        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    const auto open = [&](const std::function<void(HWND)>& steps) {
+        return RunFileDialog([&] { return CFD_GetOpenFileName(&ofn); }, steps);
+    };
+
+    wchar_t title[64] = {};
+    EXPECT_FALSE(open([&](HWND dialog) {
+        GetWindowTextW(dialog, title, 64);
+        Cancel(dialog);
     }));
-    EXPECT_EQ(title, L"Open");
+    EXPECT_STREQ(title, L"Open");
     EXPECT_EQ(recorder.initDone, 1);
     EXPECT_EQ(ofn.Flags, static_cast<DWORD>(OFN_FILEMUSTEXIST));  // the caller's structure comes back as it was
     EXPECT_EQ(ofn.lpfnHook, nullptr);
 
-    EXPECT_TRUE(RunDriven(CFD_GetOpenFileName, ofn, [&](DWORD thread) { Enter(FindDialog(thread, IsFileDialog), folder + L"\\b.txt"); }));
+    EXPECT_TRUE(open([&](HWND dialog) { Enter(dialog, folder + L"\\b.txt"); }));
     EXPECT_EQ(std::wstring(buffer), folder + L"\\b.txt");
 
     ofn = Ofn(buffer, 1024, OFN_ALLOWMULTISELECT);
     ofn.lpstrInitialDir = folder.c_str();
-    EXPECT_TRUE(RunDriven(CFD_GetOpenFileName, ofn, [&](DWORD thread) { Enter(FindDialog(thread, IsFileDialog), L"\"a.txt\" \"b.txt\""); }));
+    EXPECT_TRUE(open([&](HWND dialog) { Enter(dialog, L"\"a.txt\" \"b.txt\""); }));
     EXPECT_EQ(std::wstring(buffer), folder);
     const wchar_t* first = buffer + wcslen(buffer) + 1;
-    EXPECT_EQ(std::wstring(first), L"a.txt");
-    EXPECT_EQ(std::wstring(first + wcslen(first) + 1), L"b.txt");
+    EXPECT_STREQ(first, L"a.txt");
+    EXPECT_STREQ(first + wcslen(first) + 1, L"b.txt");
     CFD_SetListener(nullptr);
     RemoveTree(folder);
 }
@@ -317,50 +242,50 @@ TEST_F(PhoneFileDialog, SaveRefusesForbiddenFoldersAndReadOnlyFiles)
     CFD_SetListener(&recorder);
     const std::wstring locked = DataFolder(L"Locked", "<Folder Name=\"My Files\" Forbidden=\"DA\"/>");
     const std::wstring open = DataFolder(L"Open", "<Folder Name=\"My Files\" Forbidden=\"B\"/>");
-    WriteFile(open + L"\\old.txt", "old");
+    WriteText(open + L"\\old.txt", "old");
     SetFileAttributesW((open + L"\\old.txt").c_str(), FILE_ATTRIBUTE_READONLY);
     wchar_t buffer[MAX_PATH] = {};
 
-    // Into `folder`, then the name; each of the `messages` message boxes that follow is read and answered
-    // (yes to a prompt); a dialog still open after them was refused and is cancelled.
-    auto save = [&](const std::wstring& folder, const std::wstring& name, DWORD flags, size_t messages,
-                    std::vector<std::wstring>& seen) {
-        buffer[0] = 0;
-        OPENFILENAMEW ofn = Ofn(buffer, MAX_PATH, flags);
-        return RunDriven(CFD_GetSaveFileName, ofn, [&](DWORD thread) {
-            HWND dialog = FindDialog(thread, IsFileDialog);
-            const int changes = recorder.folderChanges;
-            Enter(dialog, folder);
-            WaitUntil([&] { return recorder.folderChanges > changes; });
-            Enter(dialog, name);
-            for (size_t i = 0; i < messages; ++i) {
-                HWND box = FindDialog(thread, [](HWND h) { return !IsFileDialog(h); });
-                if (!box)
-                    break;
-                seen.push_back(MessageText(box));
-                PostMessageW(box, WM_COMMAND, GetDlgItem(box, IDYES) ? IDYES : IDOK, 0);
-                WaitUntil([&] { return !IsWindow(box); });
-            }
-            if (messages)
-                PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-        });
-    };
+    // Into `folder`, then the name; the message boxes that follow are read into `seen` and answered (yes to a
+    // prompt); a dialog still open after `messages` of them was refused and is cancelled.
     std::vector<std::wstring> seen;
-    EXPECT_FALSE(save(locked, L"new.txt", 0, 1, seen));
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0], L"Files cannot be saved in this folder.\nPlease choose another folder.");
+    auto save = [&](const std::wstring& folder, const std::wstring& name, DWORD flags, size_t messages) {
+        buffer[0] = 0;
+        seen.clear();
+        OPENFILENAMEW ofn = Ofn(buffer, MAX_PATH, flags);
+        return RunFileDialog([&] { return CFD_GetSaveFileName(&ofn); },
+                             [&](HWND dialog) {
+                                 wchar_t shown[MAX_PATH] = {};  // the dialog may open in the folder
+                                 SendMessageW(dialog, CDM_GETFOLDERPATH, MAX_PATH, reinterpret_cast<LPARAM>(shown));
+                                 const int changes = recorder.folderChanges;
+                                 if (_wcsicmp(shown, folder.c_str()) != 0) {
+                                     Enter(dialog, folder);
+                                     WaitUntil([&] { return recorder.folderChanges > changes; });
+                                 }
+                                 Enter(dialog, name);
+                                 for (size_t i = 0; i < messages; ++i) {
+                                     HWND box = WaitForWindow(GetWindowThreadProcessId(dialog, nullptr), IsMessageBox);
+                                     if (!box)
+                                         break;
+                                     seen.push_back(MessageText(box));
+                                     PostMessageW(box, WM_COMMAND, GetDlgItem(box, IDYES) ? IDYES : IDOK, 0);
+                                     WaitUntil([&] { return !IsWindow(box); });
+                                 }
+                                 if (messages)
+                                     Cancel(dialog);
+                             });
+    };
+    EXPECT_FALSE(save(locked, L"new.txt", 0, 1));
+    EXPECT_EQ(seen, std::vector<std::wstring>{L"Files cannot be saved in this folder.\nPlease choose another folder."});
 
-    seen.clear();
-    EXPECT_TRUE(save(open, L"new.txt", 0, 0, seen));
+    EXPECT_TRUE(save(open, L"new.txt", 0, 0));
     EXPECT_TRUE(seen.empty());
     EXPECT_EQ(std::wstring(buffer), open + L"\\new.txt");
 
     // A read-only target is refused, even when the overwrite prompt was answered yes.
-    seen.clear();
-    EXPECT_FALSE(save(open, L"old.txt", OFN_OVERWRITEPROMPT, 2, seen));
-    ASSERT_EQ(seen.size(), 2u);
-    EXPECT_EQ(seen[0], L"old.txt already exists.\nDo you want to replace it?");
-    EXPECT_EQ(seen[1], L"old.txt is read-only.\nPlease save the file under another name.");
+    EXPECT_FALSE(save(open, L"old.txt", OFN_OVERWRITEPROMPT, 2));
+    EXPECT_EQ(seen, (std::vector<std::wstring>{L"old.txt already exists.\nDo you want to replace it?",
+                                               L"old.txt is read-only.\nPlease save the file under another name."}));
     SetFileAttributesW((open + L"\\old.txt").c_str(), FILE_ATTRIBUTE_NORMAL);
     CFD_SetListener(nullptr);
 }
@@ -374,10 +299,9 @@ TEST_F(PhoneFileDialog, FileDialogObjectKeepsTitlesOfUpTo63Characters)
         std::wstring title;
     } cases[] = {{name63 + L".txt", name63}, {name64 + L".txt", L""}};
     for (const auto& c : cases) {
-        WriteFile(folder + L"\\" + c.name, "x");
+        WriteText(folder + L"\\" + c.name, "x");
         CNFileDialog dialog(TRUE, L".txt", nullptr, 0, L"Text|*.txt|", nullptr);
-        EXPECT_EQ(RunDriven([&] { return dialog.DoModal(); },
-                            [&](DWORD thread) { Enter(FindDialog(thread, IsFileDialog), folder + L"\\" + c.name); }),
+        EXPECT_EQ(RunFileDialog([&] { return dialog.DoModal(); }, [&](HWND d) { Enter(d, folder + L"\\" + c.name); }),
                   1);
         EXPECT_EQ(std::wstring(dialog.GetFileNameTitle()), c.title);
         EXPECT_EQ(std::wstring(dialog.GetFileName()), c.name);

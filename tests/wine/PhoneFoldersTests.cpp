@@ -7,19 +7,16 @@
 #include <windows.h>
 
 #include <commctrl.h>
-#include <dlgs.h>
 #include <shlobj.h>
 #include <shlwapi.h>
 
-#include <atomic>
 #include <cstring>
-#include <fstream>
 #include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "DrivenModal.h"
+#include "PhoneShellSupport.h"
 #include "ServiceTestSupport.h"
 #include "zcmod/PhoneFileDialog.h"
 
@@ -28,29 +25,8 @@ using namespace zcmod_test;
 namespace {
 
 const std::wstring kRoot = L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}\\::{416651E4-9C3C-11D9-8BDE-F66BAD1E3F3A}";
-
-std::wstring Mirror()
-{
-    wchar_t temp[MAX_PATH], longer[MAX_PATH];
-    GetTempPathW(MAX_PATH, temp);
-    GetLongPathNameW(temp, longer, MAX_PATH);
-    return std::wstring(longer) + L"CFD Temp Folder";
-}
-void WriteBytes(const std::wstring& path, const std::string& bytes)
-{
-    std::ofstream(path.c_str(), std::ios::binary) << bytes;
-}
-std::string ReadBytes(const std::wstring& path)
-{
-    std::ifstream in(path.c_str(), std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-void MakeFolders(const std::wstring& path)
-{
-    for (size_t at = path.find(L'\\', 3); at != std::wstring::npos; at = path.find(L'\\', at + 1))
-        CreateDirectoryW(path.substr(0, at).c_str(), nullptr);
-    CreateDirectoryW(path.c_str(), nullptr);
-}
+// Names that a phone's file system may hold but a mirror must not.
+const wchar_t* const kHostile[] = {L"con", L"NUL.txt", L"com1", L"dots.", L"blank "};
 
 struct Pidl {
     PIDLIST_ABSOLUTE p = nullptr;
@@ -67,14 +43,6 @@ struct Com {
     T* operator->() const { return p; }
 };
 
-std::wstring Name(IShellFolder* folder, PCUITEMID_CHILD item, SHGDNF flags)
-{
-    STRRET ret = {};
-    wchar_t text[MAX_PATH] = {};
-    if (FAILED(folder->GetDisplayNameOf(item, flags, &ret)) || FAILED(StrRetToBufW(&ret, item, text, MAX_PATH)))
-        return L"<failed>";
-    return text;
-}
 // The folder of a shell path, bound from the desktop.
 bool Bind(const std::wstring& path, Com<IShellFolder>& folder, Pidl& pidl)
 {
@@ -84,19 +52,27 @@ bool Bind(const std::wstring& path, Com<IShellFolder>& folder, Pidl& pidl)
     SHGetDesktopFolder(&desktop.p);
     return SUCCEEDED(desktop->BindToObject(pidl.p, nullptr, IID_IShellFolder, reinterpret_cast<void**>(&folder.p)));
 }
-// "name|path" of each item: its display name and the path the platform gives for it.
-std::vector<std::wstring> List(IShellFolder* folder, PCIDLIST_ABSOLUTE at, SHCONTF flags)
+// "name|path" of each item of the shell folder at `path`: its display name and the path the platform gives
+// for it.
+std::vector<std::wstring> List(const std::wstring& path, SHCONTF flags)
 {
+    Com<IShellFolder> folder;
+    Pidl at;
+    if (!Bind(path, folder, at))
+        return {L"<not bound>"};
     std::vector<std::wstring> items;
     Com<IEnumIDList> list;
     if (folder->EnumObjects(nullptr, flags, &list.p) != S_OK)
         return items;
     PITEMID_CHILD item = nullptr;
     while (list->Next(1, &item, nullptr) == S_OK) {
-        PIDLIST_ABSOLUTE full = ILCombine(at, item);
-        wchar_t path[MAX_PATH] = L"<none>";
-        SHGetPathFromIDListW(full, path);
-        items.push_back(Name(folder, item, SHGDN_NORMAL) + L"|" + path);
+        PIDLIST_ABSOLUTE full = ILCombine(at.p, item);
+        wchar_t name[MAX_PATH] = L"<failed>", itemPath[MAX_PATH] = L"<none>";
+        STRRET ret = {};
+        if (SUCCEEDED(folder->GetDisplayNameOf(item, SHGDN_NORMAL, &ret)))
+            StrRetToBufW(&ret, item, name, MAX_PATH);
+        SHGetPathFromIDListW(full, itemPath);
+        items.push_back(std::wstring(name) + L"|" + itemPath);
         CoTaskMemFree(full);
         CoTaskMemFree(item);
     }
@@ -118,16 +94,18 @@ protected:
         MakeFolders(files + L"\\C\\Docs");
         MakeFolders(files + L"\\C\\Music");
         MakeFolders(files + L"\\D");
-        WriteBytes(files + L"\\C\\Docs\\note.txt", "twelve bytes");
-        WriteBytes(files + L"\\C\\Docs\\b.jpg", "jpg");
+        WriteText(files + L"\\C\\Docs\\note.txt", "twelve bytes");
+        WriteText(files + L"\\C\\Docs\\b.jpg", "jpg");
         detached = phones.New(L"p2");
         phones.Ctl(L"detach p2");
     }
     void TearDown() override
     {
         TerminateAllInterfaces();
+        for (const wchar_t* name : kHostile)  // the phones folder goes with the fixture only without them
+            DeleteFileW((L"\\\\?\\" + files + L"\\C\\Docs\\" + name).c_str());
         SetCurrentDirectoryW(BinDir().c_str());  // the dialog leaves the process in the folder it opened
-        RemoveTree(Mirror());
+        RemoveTree(MirrorFolder());
         CoUninitialize();
     }
     PhoneFoldersRegistration registration;
@@ -137,146 +115,102 @@ protected:
     std::wstring serial, detached, files;
 };
 
-TEST_F(PhoneFolders, RegisteredUnderMyComputerAndUnregistered)
+// Registered, the phones show under My Computer (the dialog test walks in there); unregistered, they are gone.
+TEST_F(PhoneFolders, UnregisteringTakesThePhonesOutOfTheShell)
 {
-    Com<IShellFolder> drives;
-    Pidl at;
-    ASSERT_TRUE(Bind(L"::{20D04FE0-3AEA-1069-A2D8-08002B30309D}", drives, at));
-    bool found = false;
-    for (const std::wstring& item : List(drives.p, at.p, SHCONTF_FOLDERS))
-        found = found || item.rfind(L"Phones|", 0) == 0;
-    EXPECT_TRUE(found) << "My Computer does not list the phones";
-
     EXPECT_EQ(registration.Call("DllUnregisterServer"), S_OK);
     Pidl gone;
     EXPECT_FALSE(SUCCEEDED(SHParseDisplayName((kRoot + L"\\" + serial).c_str(), nullptr, &gone.p, 0, nullptr)));
     EXPECT_EQ(registration.Call("DllRegisterServer"), S_OK);
 }
 
-TEST_F(PhoneFolders, AttachedPhonesAndTheirFilesWithMirrorPaths)
+// Only attached phones and the files of theirs that a mirror can hold are listed, each with its path in the
+// mirror; parsing refuses whatever could lead out of it.
+TEST_F(PhoneFolders, AttachedPhonesAndTheirFilesWithMirrorPathsNeverLeaveTheMirror)
 {
-    const std::wstring mirror = Mirror() + L"\\" + serial;
+    // Hostile names made through the long-path form, which passes them to the file system as they are, and a
+    // phone whose serial would climb out of the mirror.
+    for (const wchar_t* name : kHostile)
+        WriteText(L"\\\\?\\" + files + L"\\C\\Docs\\" + name, "x");
+    const std::wstring evil = phones.Folder(L"evil");
+    MakeFolders(evil + L"\\files\\C");
+    WriteText(evil + L"\\phone.ini", "serial=..\nname=Evil\nattached=1\n");
+
+    const std::wstring mirror = MirrorFolder() + L"\\" + serial, below = kRoot + L"\\" + serial;
     const struct {
         std::wstring path;
         SHCONTF flags;
         std::vector<std::wstring> items;
     } cases[] = {
-        {kRoot, SHCONTF_FOLDERS | SHCONTF_NONFOLDERS, {L"Work phone|" + mirror}},  // not the detached one
-        {kRoot + L"\\" + serial,
-         SHCONTF_FOLDERS,
-         {L"C:|" + mirror + L"\\C", L"D:|" + mirror + L"\\D", L"E:|" + mirror + L"\\E"}},
-        {kRoot + L"\\" + serial + L"\\C:",
+        {kRoot, SHCONTF_FOLDERS | SHCONTF_NONFOLDERS, {L"Work phone|" + mirror}},  // not the detached or evil one
+        {below, SHCONTF_FOLDERS, {L"C:|" + mirror + L"\\C", L"D:|" + mirror + L"\\D", L"E:|" + mirror + L"\\E"}},
+        {below + L"\\C:",
          SHCONTF_FOLDERS | SHCONTF_NONFOLDERS,
          {L"Docs|" + mirror + L"\\C\\Docs", L"Documents|" + mirror + L"\\C\\Documents",
           L"Music|" + mirror + L"\\C\\Music", L"Pictures|" + mirror + L"\\C\\Pictures",
           L"Sounds|" + mirror + L"\\C\\Sounds"}},
-        {kRoot + L"\\" + serial + L"\\C:\\Docs",
+        {below + L"\\C:\\Docs",
          SHCONTF_FOLDERS | SHCONTF_NONFOLDERS,
          {L"b.jpg|" + mirror + L"\\C\\Docs\\b.jpg", L"note.txt|" + mirror + L"\\C\\Docs\\note.txt"}},
-        {kRoot + L"\\" + serial + L"\\C:\\Docs", SHCONTF_FOLDERS, {}},
+        {below + L"\\C:\\Docs", SHCONTF_FOLDERS, {}},
     };
-    for (const auto& c : cases) {
-        Com<IShellFolder> folder;
-        Pidl at;
-        ASSERT_TRUE(Bind(c.path, folder, at)) << c.path.c_str();
-        EXPECT_EQ(List(folder.p, at.p, c.flags), c.items) << c.path.c_str();
-    }
+    for (const auto& c : cases)
+        EXPECT_EQ(List(c.path, c.flags), c.items) << c.path.c_str();
     // The folders of a path handed out exist in the mirror, so that the file system can follow it.
     EXPECT_NE(GetFileAttributesW((mirror + L"\\C\\Docs").c_str()), INVALID_FILE_ATTRIBUTES);
 
     // A file parses to a file-system item that is no folder; its parsing name in its folder is its own name.
     Pidl file;
     SFGAOF attributes = SFGAO_FOLDER | SFGAO_FILESYSTEM;
-    ASSERT_EQ(SHParseDisplayName((kRoot + L"\\" + serial + L"\\C:\\Docs\\note.txt").c_str(), nullptr, &file.p,
-                                 attributes, &attributes),
+    ASSERT_EQ(SHParseDisplayName((below + L"\\C:\\Docs\\note.txt").c_str(), nullptr, &file.p, attributes, &attributes),
               S_OK);
     EXPECT_EQ(attributes, static_cast<SFGAOF>(SFGAO_FILESYSTEM));
     wchar_t path[MAX_PATH] = {};
     EXPECT_TRUE(SHGetPathFromIDListW(file.p, path));
     EXPECT_EQ(std::wstring(path), mirror + L"\\C\\Docs\\note.txt");
-    // A phone that goes away takes its folder with it.
-    phones.Ctl(L"detach p1");
-    Com<IShellFolder> root;
-    Pidl rootAt;
-    ASSERT_TRUE(Bind(kRoot, root, rootAt));
-    EXPECT_TRUE(List(root.p, rootAt.p, SHCONTF_FOLDERS).empty());
-}
-
-TEST_F(PhoneFolders, HostileNamesNeverLeaveTheMirror)
-{
-    // Names that a phone's file system may hold but a mirror must not: made through the long-path form, which
-    // passes them to the file system as they are.
-    const wchar_t* hostile[] = {L"con", L"NUL.txt", L"com1", L"dots.", L"blank "};
-    for (const wchar_t* name : hostile)
-        WriteBytes(L"\\\\?\\" + files + L"\\C\\Docs\\" + name, "x");
-    // A phone whose serial would climb out of the mirror.
-    const std::wstring evil = phones.Folder(L"evil");
-    MakeFolders(evil + L"\\files\\C");
-    WriteBytes(evil + L"\\phone.ini", "serial=..\nname=Evil\nattached=1\n");
-
-    Com<IShellFolder> root;
-    Pidl rootAt;
-    ASSERT_TRUE(Bind(kRoot, root, rootAt));
-    EXPECT_EQ(List(root.p, rootAt.p, SHCONTF_FOLDERS).size(), 1u);
-    Com<IShellFolder> docs;
-    Pidl docsAt;
-    ASSERT_TRUE(Bind(kRoot + L"\\" + serial + L"\\C:\\Docs", docs, docsAt));
-    const std::vector<std::wstring> items = List(docs.p, docsAt.p, SHCONTF_NONFOLDERS);
-    const std::vector<std::wstring> expected = {L"b.jpg|" + Mirror() + L"\\" + serial + L"\\C\\Docs\\b.jpg",
-                                                L"note.txt|" + Mirror() + L"\\" + serial + L"\\C\\Docs\\note.txt"};
-    EXPECT_EQ(items, expected);
 
     // Parsing refuses what could lead elsewhere, what is not on the phone, and the detached phone.
-    const std::wstring below = kRoot + L"\\" + serial;
     const std::wstring refused[] = {
-        below + L"\\C:\\..\\..\\..\\escape.txt", below + L"\\C:\\Docs\\..\\..", kRoot + L"\\..",
-        kRoot + L"\\..\\C:",                     below + L"\\C:\\Docs\\con",    below + L"\\C:\\Docs\\dots.",
-        below + L"\\C:\\C:\\Windows",            below + L"\\Docs",             below + L"\\C:\\Docs\\none.txt",
-        below + L"\\C:\\Docs\\note.txt\\x",      kRoot + L"\\" + detached,      kRoot + L"\\*",
+        below + L"\\C:\\..\\..\\..\\escape.txt",
+        below + L"\\C:\\Docs\\..\\..",
+        kRoot + L"\\..",
+        kRoot + L"\\..\\C:",
+        below + L"\\C:\\Docs\\con",
+        below + L"\\C:\\Docs\\dots.",
+        below + L"\\C:\\C:\\Windows",
+        below + L"\\Docs",
+        below + L"\\C:\\Docs\\none.txt",
+        below + L"\\C:\\Docs\\note.txt\\x",
+        kRoot + L"\\" + detached,
+        kRoot + L"\\*",
     };
-    for (const std::wstring& path : refused) {
+    for (const std::wstring& refusedPath : refused) {
         Pidl pidl;
-        EXPECT_FALSE(SUCCEEDED(SHParseDisplayName(path.c_str(), nullptr, &pidl.p, 0, nullptr))) << path.c_str();
+        EXPECT_FALSE(SUCCEEDED(SHParseDisplayName(refusedPath.c_str(), nullptr, &pidl.p, 0, nullptr)))
+            << refusedPath.c_str();
     }
     // An item id of the phone root holding a climbing name, as a caller could forge it, gives no path.
-    Pidl phone;
+    Com<IShellFolder> root;
+    Pidl rootAt, phone;
+    ASSERT_TRUE(Bind(kRoot, root, rootAt));
     ASSERT_EQ(SHParseDisplayName(below.c_str(), nullptr, &phone.p, 0, nullptr), S_OK);
-    const WORD cb = ILFindLastID(phone.p)->mkid.cb;
-    std::vector<BYTE> forged(reinterpret_cast<const BYTE*>(ILFindLastID(phone.p)),
-                             reinterpret_cast<const BYTE*>(ILFindLastID(phone.p)) + cb);
-    const size_t nameAt = 16;
-    forged.resize(nameAt);
+    const BYTE* id = reinterpret_cast<const BYTE*>(ILFindLastID(phone.p));
+    std::vector<BYTE> forged(id, id + 16);  // the id's head, up to its name
     for (wchar_t c : std::wstring(L"..\0\0", 4))
         forged.insert(forged.end(), reinterpret_cast<BYTE*>(&c), reinterpret_cast<BYTE*>(&c) + 2);
     const WORD forgedSize = static_cast<WORD>(forged.size());
     std::memcpy(forged.data(), &forgedSize, 2);
     forged.insert(forged.end(), {0, 0});
     STRRET ret = {};
-    EXPECT_FALSE(SUCCEEDED(root->GetDisplayNameOf(reinterpret_cast<PCUITEMID_CHILD>(forged.data()), SHGDN_FORPARSING,
-                                                  &ret)));
-    for (const wchar_t* name : hostile)  // the phones folder goes with the fixture only without them
-        DeleteFileW((L"\\\\?\\" + files + L"\\C\\Docs\\" + name).c_str());
+    EXPECT_FALSE(
+        SUCCEEDED(root->GetDisplayNameOf(reinterpret_cast<PCUITEMID_CHILD>(forged.data()), SHGDN_FORPARSING, &ret)));
+    // A phone that goes away takes its folder with it.
+    phones.Ctl(L"detach p1");
+    EXPECT_TRUE(List(kRoot, SHCONTF_FOLDERS).empty());
 }
 
 // --- the platform's open dialog on a phone, driven from a second thread --------------------------------------
 
-HWND FindFileDialog(DWORD thread)
-{
-    HWND found = nullptr;
-    WaitUntil([&] {
-        EnumThreadWindows(
-            thread,
-            [](HWND hwnd, LPARAM data) {
-                if (!IsWindowVisible(hwnd) || !GetDlgItem(hwnd, cmb2))
-                    return TRUE;
-                *reinterpret_cast<HWND*>(data) = hwnd;
-                return FALSE;
-            },
-            reinterpret_cast<LPARAM>(&found));
-        return found != nullptr;
-    });
-    return found;
-}
 HWND FileList(HWND dialog)
 {
     HWND view = FindWindowExW(dialog, nullptr, L"SHELLDLL_DefView", nullptr);
@@ -321,63 +255,46 @@ bool DoubleClick(HWND dialog, const std::wstring& text)
     return true;
 }
 
-// Runs the open dialog on this thread while `drive` (which must end it) steps through it from another, under a
-// watchdog.
-BOOL RunDriven(OPENFILENAMEW& ofn, const std::function<void(HWND)>& drive)
-{
-    return zcmod_test::RunDriven([&] { return CFD_GetOpenFileName(&ofn); }, [&](DWORD self) {
-        if (HWND dialog = FindFileDialog(self))
-            drive(dialog);
-    });
-}
-
 // Without a first folder the user walks in from the desktop: My Computer, the phones, the phone, its drive and
 // folder, and a double-click on the file.
 TEST_F(PhoneFolders, OpenDialogBrowsesThePhoneAndTheFileComesDown)
 {
-    const std::wstring docs = Mirror() + L"\\" + serial + L"\\C\\Docs";
+    const std::wstring docs = MirrorFolder() + L"\\" + serial + L"\\C\\Docs";
     wchar_t file[MAX_PATH] = {};
-    OPENFILENAMEW ofn = {};
-    ofn.lStructSize = sizeof(ofn);
-    ofn.lpstrFile = file;
-    ofn.nMaxFile = MAX_PATH;
-    ofn.lpstrFilter = L"All files\0*.*\0";
-    ofn.Flags = OFN_FILEMUSTEXIST;
+    OPENFILENAMEW ofn = Ofn(file, MAX_PATH, OFN_FILEMUSTEXIST);
 
     std::vector<std::wstring> shown;
-    bool phoneListed = false;
-    const BOOL chosen = RunDriven(ofn, [&](HWND dialog) {
-        // The first entry of "Look in" is the desktop; from there the user walks in.
-        HWND combo = GetDlgItem(dialog, cmb2);
-        SendMessageW(combo, CB_SETCURSEL, 0, 0);
-        PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(cmb2, CBN_SELENDOK), reinterpret_cast<LPARAM>(combo));
-        if (!DoubleClick(dialog, L"My Computer"))
-            return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
-        phoneListed = DoubleClick(dialog, L"Phones");
-        if (!phoneListed)
-            return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
-        for (const wchar_t* step : {L"Work phone", L"C:", L"Docs"})
-            if (!DoubleClick(dialog, step))
-                return PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0), void();
-        WaitUntil([&] { return ListTexts(dialog).size() == 2; });
-        shown = ListTexts(dialog);
-        if (!DoubleClick(dialog, L"note.txt"))
-            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-    });
-
-    EXPECT_TRUE(phoneListed) << "no \"Phones\" in the dialog's Look in list";
+    std::wstring missing;
+    const BOOL chosen = RunFileDialog(
+        [&] { return CFD_GetOpenFileName(&ofn); },
+        [&](HWND dialog) {
+            // The first entry of "Look in" is the desktop; from there the user walks in.
+            HWND combo = GetDlgItem(dialog, cmb2);
+            SendMessageW(combo, CB_SETCURSEL, 0, 0);
+            PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(cmb2, CBN_SELENDOK), reinterpret_cast<LPARAM>(combo));
+            for (const wchar_t* step : {L"My Computer", L"Phones", L"Work phone", L"C:", L"Docs"})
+                if (!DoubleClick(dialog, step)) {
+                    missing = step;
+                    return Cancel(dialog);
+                }
+            WaitUntil([&] { return ListTexts(dialog).size() == 2; });
+            shown = ListTexts(dialog);
+            if (!DoubleClick(dialog, L"note.txt"))
+                Cancel(dialog);
+        });
+    EXPECT_EQ(missing, L"") << "not in the dialog's list on the way in";
     EXPECT_EQ(shown, (std::vector<std::wstring>{L"b.jpg", L"note.txt"}));
     ASSERT_TRUE(chosen);
     EXPECT_EQ(std::wstring(file), docs + L"\\note.txt");
     EXPECT_EQ(CFD_DownloadFile(file, nullptr), S_OK);
-    EXPECT_EQ(ReadBytes(file), "twelve bytes");
+    EXPECT_EQ(ReadText(file), "twelve bytes");
 }
 
 // A folder of the mirror as first folder opens the dialog on the phone (or at the phones when opening inside a
 // phone is not enabled), without the user walking in; a folder gone from the phone gives the level above it.
 TEST_F(PhoneFolders, MirrorFolderAsFirstFolderOpensOnThePhone)
 {
-    const std::wstring phone = Mirror() + L"\\" + serial;
+    const std::wstring phone = MirrorFolder() + L"\\" + serial;
     MakeFolders(phone + L"\\C\\Docs");
     const struct {
         unsigned long phoneFolders;
@@ -392,18 +309,17 @@ TEST_F(PhoneFolders, MirrorFolderAsFirstFolderOpensOnThePhone)
         SCOPED_TRACE(testing::Message() << c.first.c_str() << " " << c.phoneFolders);
         CFD_EnablePhoneFolders(c.phoneFolders);
         wchar_t file[MAX_PATH] = {}, folder[MAX_PATH] = {};
-        OPENFILENAMEW ofn = {};
-        ofn.lStructSize = sizeof(ofn);
-        ofn.lpstrFile = file;
-        ofn.nMaxFile = MAX_PATH;
+        OPENFILENAMEW ofn = Ofn(file, MAX_PATH);
         ofn.lpstrInitialDir = c.first.c_str();
         std::vector<std::wstring> shown;
-        EXPECT_FALSE(RunDriven(ofn, [&](HWND dialog) {
-            WaitUntil([&] { return ListTexts(dialog) == c.shown; });
-            shown = ListTexts(dialog);
-            SendMessageW(dialog, CDM_GETFOLDERPATH, MAX_PATH, reinterpret_cast<LPARAM>(folder));
-            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-        }));
+        EXPECT_FALSE(RunFileDialog([&] { return CFD_GetOpenFileName(&ofn); },
+                                   [&](HWND dialog) {
+                                       WaitUntil([&] { return ListTexts(dialog) == c.shown; });
+                                       shown = ListTexts(dialog);
+                                       SendMessageW(dialog, CDM_GETFOLDERPATH, MAX_PATH,
+                                                    reinterpret_cast<LPARAM>(folder));
+                                       Cancel(dialog);
+                                   }));
         EXPECT_EQ(shown, c.shown);
         EXPECT_EQ(_wcsicmp(folder, c.folder.c_str()), 0) << folder;
         EXPECT_EQ(ofn.lpstrInitialDir, c.first.c_str()) << "the caller's first folder did not come back";

@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "ImageTestSupport.h"
@@ -347,6 +348,16 @@ struct Theme {
     COLORREF window;
 };
 const Theme kThemes[] = {{L"Default", "Default", RGB(0xf2, 0xf5, 0xf9)}, {L"Graphite", "Graphite", RGB(0x23, 0x27, 0x2e)}};
+
+// The four looks a golden is reviewed in: each theme, left to right in English and mirrored in Hebrew.
+struct Look {
+    const wchar_t* theme;
+    bool rtl;
+    const wchar_t* Language() const { return rtl ? L"heb" : L"eng"; }
+    // The end of the golden's name, "Default_ltr" and the like.
+    std::string Suffix() const { return std::string(theme[0] == L'D' ? "Default" : "Graphite") + (rtl ? "_rtl" : "_ltr"); }
+};
+const Look kLooks[] = {{L"Default", false}, {L"Default", true}, {L"Graphite", false}, {L"Graphite", true}};
 
 // A top-level popup in the window colour of the theme in use (the machine's, until the object goes), at a
 // place on the screen, left to right or mirrored.

@@ -527,15 +527,10 @@ TEST_F(WindowBackground, NativeMenuBecomesAMenuBarUnderTheCaption)
 
 TEST_F(WindowBackground, GoldenFramesInBothThemesAndLayouts)
 {
-    struct Case {
-        const wchar_t* theme;
-        bool rtl;
-    } cases[] = {{L"Default", false}, {L"Default", true}, {L"Graphite", false}, {L"Graphite", true}};
-    for (const Case& c : cases) {
-        SetUpResources(c.rtl ? L"heb" : L"eng", c.theme);
+    for (const Look& c : kLooks) {
+        SetUpResources(c.Language(), c.theme);
         CVuikLib::SetLayout(c.rtl ? LAYOUT_RTL : 0);
-        const std::string suffix =
-            std::string(c.theme == std::wstring(L"Default") ? "Default" : "Graphite") + (c.rtl ? "_rtl" : "_ltr");
+        const std::string suffix = c.Suffix();
         SCOPED_TRACE(suffix);
         Framed w(kAll, c.rtl ? L"\x05D4\x05D5\x05D3\x05E2\x05D5\x05EA" : L"Messages", RECT{40, 40, 360, 240});
         const Capture active = w.Shot();
@@ -575,7 +570,7 @@ TEST_F(WindowBackground, NoHandleLeftOverFramingAndClosingWindows)
     };
     cycle();
     const HandleCounter::Counts before = counter.Live();
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 100; ++i)
         cycle();
     EXPECT_EQ(counter.Live(), before) << counter.Live().ToString() << " against " << before.ToString();
 }
