@@ -446,7 +446,8 @@ TEST_F(ButtonFamily, HandleHygiene)
         for (int i = 0; i < rounds; ++i) {
             HWND hwnd = kept[i & 1];
             const int step = i / 2 % 4;
-            if (step == 1)  // a focused CVuikButtonCtrl2's paint drops its buffer (disabling takes the focus)
+            // A focused CVuikButtonCtrl2's paint drops its buffer; disabling takes the focus again.
+            if (step == 1 && hwnd == kept[1])
                 SetFocus(hwnd);
             SendMessageW(hwnd, BM_SETCHECK, step == 0, 0);
             SendMessageW(hwnd, BM_SETSTATE, step == 1, 0);
