@@ -1,7 +1,4 @@
-// The skinned combo box with the shipped themes' pieces: choosing by mouse and keyboard through the drop-down
-// the library draws (a ComboBoxEx32's icons indented there), hover and focus, the tooltip of a long item,
-// pixel goldens of the closed control in its states, and handle hygiene over many drop-downs. Pixels are read
-// from the screen.
+// The skinned combo box with the shipped themes' pieces. Pixels are read from the screen.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -80,8 +77,7 @@ public:
         SetCursorPos(0, 0);
     }
 
-    // The combo at (10, 10) of a panel at (60, 60), 220 wide; a ComboBoxEx32 gives item i the icon i % 3 and
-    // an indent of i.
+    // The combo on a panel, 220 wide; a ComboBoxEx32 gives item i the icon i % 3 and an indent of i.
     void Make(const std::vector<const wchar_t*>& items, bool ex = false, bool rtl = false, int select = 0)
     {
         Destroy();
@@ -155,9 +151,8 @@ public:
     CProbeCombo m_combo;
 };
 
-// The user opens the list and chooses, with the mouse and with the keyboard, and on the closed control with
-// an arrow key; the list's items are the library's (the hovered one in its highlight, a ComboBoxEx32's icons
-// moved in by 10 pixels a level), and the closed control shows each choice.
+// The user chooses with the mouse, with the keyboard and with an arrow key on the closed control, which shows
+// each choice; the list draws the hovered item in the highlight and a ComboBoxEx32's icons 10 pixels a level in.
 TEST_F(ComboBox, ChoosesWithMouseAndKeyboard)
 {
     for (bool ex : {false, true}) {
@@ -166,8 +161,7 @@ TEST_F(ComboBox, ChoosesWithMouseAndKeyboard)
         ASSERT_TRUE(m_combo.GetSkin() && m_combo.SkinIsValid());
         const Capture first = Closed();
 
-        // A click on the arrow opens the list, a click on the third item chooses it. The click waits until
-        // the screen has the window under the mouse.
+        // A click on the arrow opens the list (once the window is under the mouse), one on the third chooses.
         RECT r;
         GetClientRect(m_combo.m_hWnd, &r);
         const POINT arrow = ScreenOf(m_combo.m_hWnd, r.right - 8, r.bottom / 2);
@@ -219,8 +213,8 @@ TEST_F(ComboBox, ChoosesWithMouseAndKeyboard)
     }
 }
 
-// The closed control: the mouse over it gives the hover look, a focused one at rest looks the same, and the
-// mouse leaving gives the normal look back. The top line, in the outline's colour, tells the state.
+// The mouse over the closed control gives the hover look, and a focused one at rest looks the same; the top
+// line, in the outline's colour, tells the look.
 TEST_F(ComboBox, HoverAndFocusLookAlike)
 {
     Make(kPhones);
@@ -252,8 +246,8 @@ TEST_F(ComboBox, HoverAndFocusLookAlike)
     EXPECT_TRUE(m_combo.HasFocus());
 }
 
-// An item that fits gets no tip; the mouse on a long one shows the whole text (its ampersands collapsed)
-// beside the item's start; the tip goes on an item that fits and when the mouse leaves the list.
+// The mouse on a long item shows its whole text (ampersands collapsed) at the item's start; none on an item
+// that fits, and the tip goes when the mouse leaves the list.
 TEST_F(ComboBox, LongItemShowsTipBesideIt)
 {
     Make({L"Short", L"Tom &&&& Jerry: a name much too long for the list to show it whole", L"A&&B", L"Fits"});
@@ -282,7 +276,7 @@ TEST_F(ComboBox, LongItemShowsTipBesideIt)
     EXPECT_TRUE(Recorder::PumpUntil([&] { return !IsWindowVisible(tip); }, 1000)) << "the tip outlived the mouse";
 }
 
-// The closed control in its states, in both themes and both layouts: one golden each, the states stacked.
+// The closed control's states stacked, one golden per theme and layout.
 TEST_F(ComboBox, Goldens)
 {
     const struct {
@@ -310,7 +304,7 @@ TEST_F(ComboBox, Goldens)
         }
 }
 
-// A thousand drop-downs opened and closed, with the tip shown now and then, leave nothing of the library's.
+// A thousand drop-downs, some with the tip, leave nothing behind.
 TEST_F(ComboBox, DropDownCyclesLeaveNoHandles)
 {
     Make({L"Short", L"An item long enough to need the tooltip beside the list, every time", L"Third"});

@@ -1,14 +1,10 @@
-// The skinned edit and list view under real input: typing into an edit whose border stays drawn and whose
-// parent shows through; a list view forced into an owner-drawn report view whose header the library repaints,
-// with rows drawn by the owner as the user selects them by mouse and keyboard; both themes, both layouts,
-// goldens, and what many lives of both leave behind.
+// The skinned edit and list view under real input, in both themes and layouts.
 #include <windows.h>
 
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
 #include <string>
-#include <utility>
 
 #include "Golden.h"
 #include "HandleCounter.h"
@@ -38,28 +34,6 @@ const Look kLooks[] = {{L"Default", false}, {L"Default", true}, {L"Graphite", fa
 COLORREF ThemeColour(UINT id) { return DkhLoadColor(nullptr, id); }
 bool Dark(uint32_t pixel) { return ((pixel >> 16 & 0xFF) + (pixel >> 8 & 0xFF) + (pixel & 0xFF)) < 3 * 0x70; }
 
-// What the screen shows of a window, its whole rectangle or its client area, left to right as the eye sees
-// it also in a mirrored window.
-Capture CaptureScreen(HWND hwnd, bool clientOnly = false)
-{
-    RECT r;
-    GetWindowRect(hwnd, &r);
-    if (clientOnly) {
-        GetClientRect(hwnd, &r);
-        MapWindowPoints(hwnd, nullptr, reinterpret_cast<POINT*>(&r), 2);
-        if (r.left > r.right)
-            std::swap(r.left, r.right);
-    }
-    return testskin::CaptureScreen(r);
-}
-
-int Height(HWND hwnd)
-{
-    RECT r = {};
-    GetClientRect(hwnd, &r);
-    return r.bottom;
-}
-
 void InsertColumn(HWND list, int index, const wchar_t* text, int width, int format)
 {
     LVCOLUMNW column = {};
@@ -78,7 +52,6 @@ void InsertItem(HWND list, int index, const wchar_t* text)
     item.pszText = const_cast<wchar_t*>(text);
     ListView_InsertItem(list, &item);
 }
-
 
 // The theme of a look for the test's life, with the layout; the suite's settings go when it ends.
 class ThemeScope {
@@ -113,89 +86,76 @@ LRESULT CALLBACK HollowEdits(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPar
     return CallWindowProcW(reinterpret_cast<WNDPROC>(GetPropW(hwnd, L"test.proc")), hwnd, message, wParam, lParam);
 }
 
-// Typed text shows, the border is the gradient, and the parent's picture, two halves, lies under the edit where
-// it lies on the parent, in the client area and in the ring that the border's notched path leaves out. A plain
-// parent that keeps no buffer shows through the ring by its own erase.
+// Typed text shows in the border's gradient over the parent's picture, in the client area and in the ring the
+// notched border leaves out (the golden); disabled, the border stays.
 TEST_F(EditCtrlTest, TypingKeepsTheBorderAndShowsTheParent)
 {
-    for (const Look& look : kLooks)
-        for (bool skinnedParent : {true, false}) {
-            SCOPED_TRACE(look.Name("edit") + (skinnedParent ? " panel" : " plain"));
-            ThemeScope theme(look);
-            const COLORREF window = ThemeColour(ZGR_COLOR_WINDOW), accent = ThemeColour(ZGR_COLOR_HIGHLIGHT);
-            CTestSkin panelSkin(SkinDef{window, accent});
-            CTestPanel panel;
-            Recorder rec;
-            const RECT where = {150, 150, 450, 250};
-            HWND parent = skinnedParent ? panel.CreatePanel(nullptr, where, &panelSkin) : rec.CreateParent("p", where);
-            ASSERT_TRUE(parent);
-            SetPropW(parent, L"test.proc", reinterpret_cast<HANDLE>(GetWindowLongPtrW(parent, GWLP_WNDPROC)));
-            SetWindowLongPtrW(parent, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HollowEdits));
-            if (look.rtl)
-                SetWindowLongPtrW(parent, GWL_EXSTYLE, GetWindowLongPtrW(parent, GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
-            // As a dialog makes an edit with a border: a client edge.
-            HWND hwnd = CreateWindowExW(WS_EX_CLIENTEDGE, L"Edit", L"", WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, 50, 30,
-                                        200, 26, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
-            CVuikEditCtrl edit;
-            ASSERT_TRUE(edit.SubclassWindow(hwnd));
-            EXPECT_FALSE(edit.SubclassWindow(hwnd));
-            EXPECT_EQ(GetWindowLongPtrW(hwnd, GWL_STYLE) & 0x6800000, 0x6800000);
-            // The border's first paint may come before the parent ever painted: the buffer is built then.
-            SendMessageW(hwnd, WM_NCPAINT, 1, 0);
-            SetForegroundWindow(parent);
-            SetFocus(hwnd);
-            input::Type(L"hello world");
-            Recorder::Pump(60);
-            wchar_t text[32] = {};
-            GetWindowTextW(hwnd, text, 32);
-            EXPECT_STREQ(text, L"hello world");
-            SetFocus(parent);  // no blinking caret in the pictures
-            RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW);
-            Recorder::Pump(20);
+    for (const Look& look : kLooks) {
+        SCOPED_TRACE(look.Name("edit"));
+        ThemeScope theme(look);
+        CTestSkin panelSkin(SkinDef{ThemeColour(ZGR_COLOR_WINDOW), ThemeColour(ZGR_COLOR_HIGHLIGHT)});
+        CTestPanel panel;
+        HWND parent = panel.CreatePanel(nullptr, RECT{150, 150, 450, 250}, &panelSkin);
+        ASSERT_TRUE(parent);
+        SetPropW(parent, L"test.proc", reinterpret_cast<HANDLE>(GetWindowLongPtrW(parent, GWLP_WNDPROC)));
+        SetWindowLongPtrW(parent, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(HollowEdits));
+        if (look.rtl)
+            SetWindowLongPtrW(parent, GWL_EXSTYLE, GetWindowLongPtrW(parent, GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
+        // As a dialog makes an edit with a border: a client edge.
+        HWND hwnd = CreateWindowExW(WS_EX_CLIENTEDGE, L"Edit", L"", WS_CHILD | WS_VISIBLE | ES_AUTOHSCROLL, 50, 30, 200,
+                                    26, parent, nullptr, GetModuleHandleW(nullptr), nullptr);
+        CVuikEditCtrl edit;
+        ASSERT_TRUE(edit.SubclassWindow(hwnd));
+        EXPECT_FALSE(edit.SubclassWindow(hwnd));
+        EXPECT_EQ(GetWindowLongPtrW(hwnd, GWL_STYLE) & 0x6800000, 0x6800000);
+        SendMessageW(hwnd, WM_NCPAINT, 1, 0);  // a border painted before the parent ever did builds its buffer
+        SetForegroundWindow(parent);
+        SetFocus(hwnd);
+        input::Type(L"hello world");
+        Recorder::Pump(60);
+        wchar_t text[32] = {};
+        GetWindowTextW(hwnd, text, 32);
+        EXPECT_STREQ(text, L"hello world");
+        SetFocus(parent);  // no blinking caret in the pictures
+        RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW);
+        Recorder::Pump(20);
+        const Capture c = CaptureOnScreen(hwnd);
+        ASSERT_EQ(c.width, 200);
+        EXPECT_TRUE(zcmod_test::MatchesGolden(look.Name("edit"), c.width, c.height, c.pixels.data()));
 
-            const Capture c = CaptureScreen(hwnd);
-            ASSERT_EQ(c.width, 200);
-            const int w = c.width, h = c.height;
-            // The panel's halves meet at the edit's x 100; a mirrored panel shows them the other way round.
-            const uint32_t left = skinnedParent ? Rgb(look.rtl ? accent : window) : Rgb(GetSysColor(COLOR_WINDOW));
-            const uint32_t right = skinnedParent ? Rgb(look.rtl ? window : accent) : left;
-            EXPECT_EQ(c.At(0, h / 2), left) << std::hex << c.At(0, h / 2);
-            EXPECT_EQ(c.At(w - 1, h / 2), right) << std::hex << c.At(w - 1, h / 2);
-            EXPECT_TRUE(Near(c.At(w / 2, 1), 0x656464, 8)) << std::hex << c.At(w / 2, 1);
-            EXPECT_TRUE(Near(c.At(w / 2, h - 2), 0xADADAD, 8)) << std::hex << c.At(w / 2, h - 2);
-            EXPECT_TRUE(Near(c.At(1, h / 2), 0x898888, 8)) << std::hex << c.At(1, h / 2);
-            if (!skinnedParent) {
-                DestroyWindow(parent);
-                continue;
-            }
-            // The golden pins the rest: the parent under the text, the typed text near the leading edge.
-            EXPECT_TRUE(zcmod_test::MatchesGolden(look.Name("edit"), c.width, c.height, c.pixels.data()));
-
-            // Disabled: the state follows, the border stays.
-            EXPECT_EQ(edit.GetGraphicalState(), EditBoxEnabled);
-            EnableWindow(hwnd, FALSE);
-            RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
-            EXPECT_EQ(edit.GetGraphicalState(), EditBoxDisabled);
-            const Capture d = CaptureScreen(hwnd);
-            for (int x = 0; x < w; ++x)
-                ASSERT_EQ(d.At(x, 1), c.At(x, 1)) << x;
-            DestroyWindow(parent);
-        }
+        EXPECT_EQ(edit.GetGraphicalState(), EditBoxEnabled);
+        EnableWindow(hwnd, FALSE);
+        RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_FRAME | RDW_UPDATENOW);
+        EXPECT_EQ(edit.GetGraphicalState(), EditBoxDisabled);
+        const Capture d = CaptureOnScreen(hwnd);
+        for (int x = 0; x < c.width; ++x)
+            ASSERT_EQ(d.At(x, 1), c.At(x, 1)) << x;
+        DestroyWindow(parent);
+    }
 }
 
-// An edit without a parent asks nobody for its background: its ring shows the window colour.
-TEST_F(EditCtrlTest, WithoutAParentTheRingShowsTheWindowColour)
+// A plain parent that keeps no buffer shows through the ring by its own erase, also when the border paints
+// first; an edit without a parent asks nobody: its ring shows the window colour.
+TEST_F(EditCtrlTest, RingShowsAPlainParentOrTheWindowColour)
 {
     LibraryState lib;
-    HWND hwnd = CreateWindowExW(WS_EX_CLIENTEDGE, L"Edit", L"top", WS_POPUP | WS_VISIBLE, 300, 300, 160, 26, nullptr,
-                                nullptr, GetModuleHandleW(nullptr), nullptr);
-    CVuikEditCtrl edit;
-    ASSERT_TRUE(edit.SubclassWindow(hwnd));
-    RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW);
-    const Capture c = CaptureScreen(hwnd);
-    EXPECT_EQ(c.At(0, c.height / 2), Rgb(GetSysColor(COLOR_WINDOW))) << std::hex << c.At(0, c.height / 2);
-    EXPECT_TRUE(Near(c.At(c.width / 2, 1), 0x656464, 8)) << std::hex << c.At(c.width / 2, 1);
-    DestroyWindow(hwnd);
+    Recorder rec;
+    for (bool withParent : {true, false}) {
+        SCOPED_TRACE(withParent ? "plain parent" : "no parent");
+        HWND parent = withParent ? rec.CreateParent("p", RECT{150, 150, 450, 250}) : nullptr;
+        HWND hwnd = CreateWindowExW(WS_EX_CLIENTEDGE, L"Edit", L"text", (parent ? WS_CHILD : WS_POPUP) | WS_VISIBLE,
+                                    parent ? 50 : 300, parent ? 30 : 300, 160, 26, parent, nullptr, nullptr, nullptr);
+        CVuikEditCtrl edit;
+        ASSERT_TRUE(edit.SubclassWindow(hwnd));
+        SendMessageW(hwnd, WM_NCPAINT, 1, 0);
+        RedrawWindow(hwnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW);
+        Recorder::Pump(20);
+        const Capture c = CaptureOnScreen(hwnd);
+        for (int x : {0, c.width - 1})
+            EXPECT_EQ(c.At(x, c.height / 2), Rgb(GetSysColor(COLOR_WINDOW))) << std::hex << c.At(x, c.height / 2);
+        EXPECT_TRUE(Near(c.At(c.width / 2, 1), 0x656464, 8)) << std::hex << c.At(c.width / 2, 1);
+        DestroyWindow(parent ? parent : hwnd);
+    }
 }
 
 // ---- List view -------------------------------------------------------------------------------------------
@@ -240,13 +200,11 @@ protected:
         } columns[] = {{L"Name", 120, LVCFMT_LEFT},
                        {L"Phone", 110, LVCFMT_RIGHT},
                        {L"A note long enough to run past its column's edge", 90, LVCFMT_LEFT}};
-        for (int i = 0; i < 3; ++i) {
+        for (int i = 0; i < 3; ++i)
             InsertColumn(m_list, i, columns[i].text, columns[i].width, columns[i].format);
-        }
         const wchar_t* names[] = {L"Ada Lovelace", L"Alan Turing", L"Grace Hopper", L"Edsger Dijkstra", L"Barbara Liskov"};
-        for (int i = 0; i < 5; ++i) {
+        for (int i = 0; i < 5; ++i)
             InsertItem(m_list, i, names[i]);
-        }
     }
     void TearDown() override
     {
@@ -273,8 +231,8 @@ protected:
     COLORREF m_highlight = RGB(0, 0, 0);
 };
 
-// Whatever the style, the list ends in an owner-drawn report view with a header in the skin's font, and a
-// header without columns is background and bottom line only.
+// Whatever the style, the list ends in an owner-drawn report view with a header in the skin's font; a header
+// without columns is background and bottom line only.
 TEST_F(ListViewCtrlTest, AnyStyleBecomesAnOwnerDrawnReportView)
 {
     ThemeScope theme(kLooks[0]);
@@ -297,11 +255,10 @@ TEST_F(ListViewCtrlTest, AnyStyleBecomesAnOwnerDrawnReportView)
 
         Recorder::Pump(20);
         RedrawWindow(header, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-        const Capture c = CaptureScreen(header, true);
+        const Capture c = CaptureOnScreen(header);
         ASSERT_GT(c.height, 2);
-        for (int y = 0; y < c.height; ++y)
-            for (int x = 0; x < c.width; ++x)
-                ASSERT_FALSE(Dark(c.At(x, y))) << x << "," << y;
+        for (int x : {1, c.width / 2, c.width - 2})
+            EXPECT_FALSE(Dark(c.At(x, c.height / 2))) << x;
         EXPECT_EQ(c.At(c.width / 2, c.height - 1), 0xD2D2D2u);
         EXPECT_TRUE(Near(c.At(c.width / 2, 0), 0xFFFFFF, 2));
         DestroyWindow(m_owner);
@@ -309,9 +266,8 @@ TEST_F(ListViewCtrlTest, AnyStyleBecomesAnOwnerDrawnReportView)
     }
 }
 
-// Columns and rows in both themes and layouts: a click and the Down key select rows that the owner draws in
-// the highlight, while the header stays painted. The golden pins the header's gradient, line, separators and
-// left-aligned text clipped to its column, and the rows.
+// A click and the Down key select rows that the owner draws in the highlight, while the header stays painted;
+// the golden pins the header (gradient, line, separators, clipped text) and the rows.
 TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
 {
     for (const Look& look : kLooks) {
@@ -326,8 +282,6 @@ TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
         AddColumns();
         SetForegroundWindow(m_owner);
         Recorder::Pump(40);
-        EXPECT_EQ(ctrl.GetHeaderSkin()->GetTextColor(), ThemeColour(ZGR_COLOR_LISTVIEW_HEADER_TEXT));
-
         input::Click(RowPoint(2, 40));
         Recorder::Pump(60);
         EXPECT_EQ(ListView_GetNextItem(list, -1, LVNI_SELECTED), 2);
@@ -337,16 +291,14 @@ TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
         EXPECT_EQ(ListView_GetNextItem(list, -1, LVNI_SELECTED), 3);
         RedrawWindow(list, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
         Recorder::Pump(20);
-        EXPECT_GE(Height(ctrl.GetHeader()), 19) << "the header's font sets its height";
-        const Capture whole = CaptureScreen(list);
+        const Capture whole = CaptureOnScreen(list);
         EXPECT_TRUE(zcmod_test::MatchesGolden(look.Name("listview"), whole.width, whole.height, whole.pixels.data()));
         DestroyWindow(m_owner);
         m_owner = nullptr;
     }
 }
 
-// Two hundred lives of a skinned edit and a skinned list view, each typed into, filled, selected and painted,
-// leave nothing of the library's behind after one warm-up.
+// Two hundred lives of a skinned edit and list view, filled, selected and painted, leave nothing behind.
 TEST(ListViewEditHygiene, ManyLivesLeaveNothing)
 {
     ThemeScope theme(kLooks[0]);

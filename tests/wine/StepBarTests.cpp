@@ -1,6 +1,5 @@
-// The step bar of a wizard with the shipped themes' pieces: a bar made by taking over a window shows what a
-// created one shows, the step operations only store until the application repaints, and pixel goldens (the
-// layout arithmetic is the portable core's, checked natively). Pixels are read from the screen.
+// The wizard's step bar with the shipped themes' pieces (its layout arithmetic is checked natively). Pixels are
+// read from the screen.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -67,8 +66,7 @@ protected:
     std::unique_ptr<CVuikStepBarCtrl> m_bar;
 };
 
-// Taking over a window clears its border and then shows, pixel for pixel, what a created bar shows; the
-// Create path needs the application's class.
+// A taken-over window loses its border and shows what a created bar shows; Create needs the class.
 TEST_F(StepBar, TakenOverBarShowsWhatACreatedOneShows)
 {
     const int shapes[][2] = {{4, 2}, {4, 6}, {3, -1}};
@@ -88,8 +86,7 @@ TEST_F(StepBar, TakenOverBarShowsWhatACreatedOneShows)
                                                                  RECT{0, 0, 10, 10}, L"", 1, WS_CHILD, 0, nullptr));
 }
 
-// The step operations only store: the picture moves when the application repaints, with the command the bar
-// answers by repainting itself; any other command is answered the same and changes nothing.
+// The step operations only store: the picture moves on the repaint command; other commands change nothing.
 TEST_F(StepBar, StepsShowOnlyAfterTheRepaintCommand)
 {
     Make(4, 1);
@@ -108,7 +105,7 @@ TEST_F(StepBar, StepsShowOnlyAfterTheRepaintCommand)
     EXPECT_EQ(Shown().At(150, y), fill);
 }
 
-// The bar in both themes and layouts: one golden each, several counts stacked.
+// Several counts stacked, one golden per theme and layout.
 TEST_F(StepBar, Goldens)
 {
     const int shapes[][2] = {{4, 0}, {4, 1}, {4, 3}, {4, 4}, {5, 2}, {0, 0}};
