@@ -49,14 +49,8 @@ inline std::wstring WinePath(const std::string& linuxPath)
     return path;
 }
 // A file of the repository's tests/data folder (relative path with '/'), and one of libpng's PNG suite.
-inline std::wstring DataFile(const std::string& relative)
-{
-    return WinePath(std::string(ZCMOD_TEST_DATA_DIR) + "/" + relative);
-}
-inline std::wstring PngSuiteFile(const std::string& name)
-{
-    return WinePath(std::string(ZCMOD_PNGSUITE_DIR) + "/" + name);
-}
+inline std::wstring DataFile(const std::string& relative) { return WinePath(ZCMOD_TEST_DATA_DIR "/" + relative); }
+inline std::wstring PngSuiteFile(const std::string& name) { return WinePath(ZCMOD_PNGSUITE_DIR "/" + name); }
 
 inline std::vector<uint8_t> ReadBytes(const std::wstring& path)
 {
@@ -149,6 +143,11 @@ bool MakeFrame(CNBitmapUtil& util, BitmapType type, int index, int w, int h, F c
         data[3 * i + 2] = static_cast<char>((c >> 16) & 0xFF);
     }
     return util.CreateBitmapFromData(w, h, data.data(), type, index) == 1;
+}
+// 0x00RRGGBB that differs at every (x, y) of a frame up to 12 x 8, in every channel.
+inline uint32_t Gradient(int x, int y)
+{
+    return static_cast<uint32_t>((x * 20 + 5) << 16 | (y * 30 + 7) << 8 | (x * y + 1));
 }
 inline bool MakeSolid(CNBitmapUtil& util, BitmapType type, int index, int w, int h, uint32_t rgb)
 {

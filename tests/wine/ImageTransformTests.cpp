@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ImageTestSupport.h"
+#include "TestSkins.h"
 #include "image/NBitmapUtilEx.h"
 #include "zcmod/zcmod.h"
 
@@ -10,21 +11,11 @@ using namespace zcmod_test;
 
 namespace {
 
-uint32_t Gradient(int x, int y)
-{
-    return static_cast<uint32_t>((x * 20 + 5) << 16 | (y * 30 + 7) << 8 | (x * y + 1));
-}
-
-// The pixel at (x, y) of a device context, as 0x00RRGGBB.
-uint32_t PixelOf(HDC dc, int x, int y)
-{
-    const COLORREF c = GetPixel(dc, x, y);
-    return GetRValue(c) << 16 | GetGValue(c) << 8 | GetBValue(c);
-}
+uint32_t PixelOf(HDC dc, int x, int y) { return testskin::Rgb(GetPixel(dc, x, y)); }
 
 }  // namespace
 
-TEST(ImageTransform, FramesFromDataHandlesAndSections)
+TEST(ImageTransform, FramesFromDataHandlesSectionsAndClones)
 {
     TestBitmapUtil util;
     char data[12] = {};
@@ -44,27 +35,24 @@ TEST(ImageTransform, FramesFromDataHandlesAndSections)
     EXPECT_EQ(p.At(0, 0), Gradient(2, 1));
     EXPECT_EQ(p.At(2, 1), Gradient(4, 2));
     EXPECT_EQ(util.CreateBitmapFromHandle(nullptr, BT_RESULT, 4), 0);
-}
 
-TEST(ImageTransform, CloneCopiesPixelsButNotTheDelay)
-{
-    TestBitmapUtil util;
-    ASSERT_TRUE(MakeFrame(util, BT_IMAGE, 2, 7, 4, Gradient));
-    util.SetFrameDelay(BT_IMAGE, 2, 90);
+    // A clone copies the pixels but not the delay.
+    ASSERT_TRUE(MakeFrame(util, BT_ALPHA, 2, 7, 4, Gradient));
+    util.SetFrameDelay(BT_ALPHA, 2, 90);
     ASSERT_TRUE(MakeSolid(util, BT_BACKGROUND, 0, 3, 3, 0));
-    EXPECT_RESULT_ERROR(util, util.Clone(BT_IMAGE, 2, BT_IMAGE, 2), 0, ZBU_OPERATION_FAILED);
-    EXPECT_RESULT_ERROR(util, util.Clone(BT_IMAGE, 3, BT_BACKGROUND, 1), 0, ZBU_NO_BITMAP);
-    EXPECT_RESULT_ERROR(util, util.Clone(BT_IMAGE, 2, BT_BACKGROUND, 1), 1, ZBU_OK);
+    EXPECT_RESULT_ERROR(util, util.Clone(BT_ALPHA, 2, BT_ALPHA, 2), 0, ZBU_OPERATION_FAILED);
+    EXPECT_RESULT_ERROR(util, util.Clone(BT_ALPHA, 3, BT_BACKGROUND, 1), 0, ZBU_NO_BITMAP);
+    EXPECT_RESULT_ERROR(util, util.Clone(BT_ALPHA, 2, BT_BACKGROUND, 1), 1, ZBU_OK);
     EXPECT_EQ(util.GetBitmapHandle(BT_BACKGROUND, 0), nullptr);  // other geometry: replaced
     EXPECT_EQ(util.GetFrameDelay(BT_BACKGROUND, 1), 0);
-    const Pixels p = ReadFrame(util, BT_BACKGROUND, 1);
+    const Pixels clone = ReadFrame(util, BT_BACKGROUND, 1);
     for (int i = 0; i < 28; ++i)
-        ASSERT_EQ(p.At(i % 7, i / 7), Gradient(i % 7, i / 7)) << i;
-    ASSERT_EQ(util.Clone(BT_IMAGE, 2, BT_IMAGE, 3), 1);  // within one store
-    EXPECT_EQ(util.GetNumberOfBitmaps(BT_IMAGE), 2);
+        ASSERT_EQ(clone.At(i % 7, i / 7), Gradient(i % 7, i / 7)) << i;
+    ASSERT_EQ(util.Clone(BT_ALPHA, 2, BT_ALPHA, 3), 1);  // within one store
+    EXPECT_EQ(util.GetNumberOfBitmaps(BT_ALPHA), 2);
 }
 
-TEST(ImageTransform, ResizeIntoTheResizedStore)
+TEST(ImageTransform, ResizeAndResizeDitherFillTheResizedStores)
 {
     TestBitmapUtil util;
     ASSERT_TRUE(MakeFrame(util, BT_ALPHA, 0, 3, 2, Gradient));
@@ -90,12 +78,9 @@ TEST(ImageTransform, ResizeIntoTheResizedStore)
     EXPECT_RESULT_ERROR(util, util.ResizeRelative(BT_ALPHA, 0, 0, 50, 0), 0, ZBU_BAD_ARG2);
     EXPECT_RESULT_ERROR(util, util.ResizeRelative(BT_ALPHA, 0, 10, 0, 0), 0, ZBU_BAD_ARG3);
     EXPECT_RESULT_ERROR(util, util.Resize(BT_ALPHA, 0, 0x7FFFFFFF, 0x7FFFFFFF, 0), 0, ZBU_GDI_FAILED);
-}
 
-TEST(ImageTransform, ResizeDitherScalesFrameZerosStoreIntoTheResizedOne)
-{
-    // The arithmetic is the portable core's; this shows the class feeds it the frames and the noise.
-    TestBitmapUtil util;
+    // ResizeDither scales frame 0's store into the resized one. The arithmetic is the portable core's; this shows
+    // the class feeds it the frames and the noise.
     ASSERT_TRUE(MakeFrame(util, BT_IMAGE, 0, 2, 1, [](int x, int) { return x ? 0xC86432u : 0u; }));
     EXPECT_EQ(util.ResizeDither(BT_IMAGE, 0, 0, 0, 2, 1, 4, 1, 0, 0), 0);
     EXPECT_EQ(ReadFrame(util, BT_IMAGE_RESIZED, 0).At(1, 0), 0x643219u);  // halfway, at a step of 0.5
@@ -123,7 +108,7 @@ TEST(ImageTransform, ResizeDitherScalesFrameZerosStoreIntoTheResizedOne)
     EXPECT_EQ(util.ResizeDither(BT_BACKGROUND, 0, 0, 0, 19, 19, 0x7FFFFFFF, 0x7FFFFFFF, 0, 0), 0);
 }
 
-TEST(ImageTransform, PixelHelpersAndTheBlendFunction)
+TEST(ImageTransform, PixelHelpersTheBlendFunctionAndABlendOverAPieceOfABackground)
 {
     // The pixel rules are the portable core's (native tests); a width of 4 makes rows of exactly 12 bytes: the
     // class stores the last pixel of a row and not its fourth byte.
@@ -140,6 +125,21 @@ TEST(ImageTransform, PixelHelpersAndTheBlendFunction)
     EXPECT_EQ(util.GetLastError(), ZBU_BAD_ARG2);
     util.AlphaBlendFunction(image, alpha, background, nullptr, 1);
     EXPECT_EQ(util.GetLastError(), ZBU_BAD_ARG4);
+
+    // A blend over a piece of a larger background.
+    ASSERT_TRUE(MakeSolid(util, BT_IMAGE, 0, 2, 2, 0));
+    ASSERT_TRUE(MakeSolid(util, BT_ALPHA, 0, 2, 2, 0xFFFFFF));  // all background
+    ASSERT_TRUE(MakeFrame(util, BT_BACKGROUND, 0, 6, 6, Gradient));
+    EXPECT_RESULT_ERROR(util, util.AlphaBlendBitmapsBGPos(2, -1, 0, 0, 0), -1, ZBU_BAD_ARG2);
+    EXPECT_RESULT_ERROR(util, util.AlphaBlendBitmapsBGPos(2, 0, -1, 0, 0), -1, ZBU_BAD_ARG3);
+    EXPECT_RESULT_ERROR(util, util.AlphaBlendBitmapsBGPos(2, 0, 0, 1, 0), -1, ZBU_NO_BITMAP);
+    CNBitmapUtil::CNBitmap* store = util.GetBitmapObject(BT_BACKGROUND);
+    ASSERT_EQ(util.AlphaBlendBitmapsBGPos(2, 3, 2, 0, 0), 2);
+    EXPECT_EQ(util.GetBitmapObject(BT_BACKGROUND), store);  // put back
+    // The 2 x 2 piece at (3, 2), each byte faded by 255/256.
+    const Pixels p = ReadFrame(util, BT_RESULT, 0);
+    EXPECT_TRUE(Near(p.At(0, 0), Gradient(3, 2), 1) && p.At(0, 0) != Gradient(3, 2));
+    EXPECT_TRUE(Near(p.At(1, 1), Gradient(4, 3), 1));
 }
 
 TEST(ImageTransform, AlphaBlendKeepsItsBuffersBetweenBlendsOfOneFrame)
@@ -200,27 +200,6 @@ TEST(ImageTransform, AlphaBlendKeepsItsBuffersBetweenBlendsOfOneFrame)
         ASSERT_TRUE(MakeSolid(util, type, 1, 40, 30, type == BT_IMAGE ? 0xFFFFFF : 0));
     EXPECT_EQ(util.AlphaBlendBitmaps(0, 0, 1), 30);
     EXPECT_EQ(ReadFrame(util, BT_RESULT, 1).At(39, 29), 0xFEFEFEu);
-}
-
-TEST(ImageTransform, BlendOverAPieceOfALargerBackground)
-{
-    TestBitmapUtil util;
-    ASSERT_TRUE(MakeSolid(util, BT_IMAGE, 0, 2, 2, 0));
-    ASSERT_TRUE(MakeSolid(util, BT_ALPHA, 0, 2, 2, 0xFFFFFF));  // all background
-    ASSERT_TRUE(MakeFrame(util, BT_BACKGROUND, 0, 6, 6, Gradient));
-    EXPECT_RESULT_ERROR(util, util.AlphaBlendBitmapsBGPos(2, -1, 0, 0, 0), -1, ZBU_BAD_ARG2);
-    EXPECT_RESULT_ERROR(util, util.AlphaBlendBitmapsBGPos(2, 0, -1, 0, 0), -1, ZBU_BAD_ARG3);
-    EXPECT_RESULT_ERROR(util, util.AlphaBlendBitmapsBGPos(2, 0, 0, 1, 0), -1, ZBU_NO_BITMAP);
-    CNBitmapUtil::CNBitmap* background = util.GetBitmapObject(BT_BACKGROUND);
-    ASSERT_EQ(util.AlphaBlendBitmapsBGPos(2, 3, 2, 0, 0), 2);
-    EXPECT_EQ(util.GetBitmapObject(BT_BACKGROUND), background);  // put back
-    // The 2 x 2 piece at (3, 2), each byte faded by 255/256.
-    auto faded = [](uint32_t c) {
-        return ((c >> 16) * 255 >> 8) << 16 | ((c >> 8 & 0xFF) * 255 >> 8) << 8 | (c & 0xFF) * 255 >> 8;
-    };
-    const Pixels p = ReadFrame(util, BT_RESULT, 0);
-    EXPECT_EQ(p.At(0, 0), faded(Gradient(3, 2)));
-    EXPECT_EQ(p.At(1, 1), faded(Gradient(4, 3)));
 }
 
 TEST(ImageTransform, TilesAndColourBackgrounds)
@@ -299,11 +278,7 @@ TEST(ImageTransform, MirrorSectionsAndTheExtendedUtilsFlags)
     // CNBitmapUtilEx mirrors a frame once on a drawing request and remembers it; a request of 0 does not undo it.
     CNBitmapUtilEx ex;
     ASSERT_TRUE(MakeFrame(ex, BT_IMAGE, 0, 3, 2, Gradient));
-    HDC memory = CreateCompatibleDC(nullptr);
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), 10, 10, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    HGDIOBJ old = SelectObject(memory, CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+    testskin::Canvas memory(10, 10);
     EXPECT_EQ(ex.DrawBitmap(nullptr, 0, 0, BT_IMAGE, 0, 1), 0);
     EXPECT_EQ(ex.DrawBitmap(memory, 0, 0, BT_IMAGE, 1, 1), 0);
     EXPECT_EQ(ex.DrawBitmap(memory, nullptr, BT_IMAGE, 0, 1), 0);
@@ -316,8 +291,6 @@ TEST(ImageTransform, MirrorSectionsAndTheExtendedUtilsFlags)
     EXPECT_EQ(ex.IsMirrored(BT_IMAGE, 0), 1);
     EXPECT_EQ(ex.MirrorBitmap(BT_IMAGE, 0), 1);
     EXPECT_EQ(ex.IsMirrored(BT_IMAGE, 0), 0);
-    DeleteObject(SelectObject(memory, old));
-    DeleteDC(memory);
 }
 
 TEST(ImageTransform, WindowTransfers)
