@@ -225,11 +225,12 @@ TEST(ImagePng, RgbaPlaneGoesToAlphaOnlyFromImageStore)
 
 TEST(ImagePng, OutcomesByDepthAndOfBrokenAndForeignBlocks)
 {
-    // The depth table is checked on every file natively; here each of the adapter's three routes.
+    // The depth table is checked on every file natively; here each of the adapter's routes (16-bit samples too).
     const struct {
         const char* name;
         bool loads, alpha;
-    } cases[] = {{"basn3p02.png", false, false}, {"basn0g08.png", true, false}, {"basn6a08.png", true, true}};
+    } cases[] = {{"basn3p02.png", false, false}, {"basn0g08.png", true, false}, {"basn2c16.png", true, false},
+                 {"basn6a08.png", true, true}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         TestBitmapUtil util;
