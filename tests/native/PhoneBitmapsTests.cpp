@@ -174,7 +174,7 @@ TEST(Wbmp, FilesWrittenByNetpbmAndImageMagick)
     }
 }
 
-TEST(Ota, SizesThresholdsAndThePartialLastByte)
+TEST(Ota, SizesThresholdsThePartialLastByteAndRefusals)
 {
     // 72 x 14 takes 126 data bytes; a set bit is black. Whole round trips are the fuzzer's.
     Frame logo(72, 14, 255);
@@ -202,18 +202,15 @@ TEST(Ota, SizesThresholdsAndThePartialLastByte)
     ASSERT_TRUE(across.ok);
     EXPECT_EQ(across.pixels[3 * 3], 0);
     EXPECT_EQ(across.pixels[3 * 4], 255);
-}
 
-TEST(Ota, DecoderRefusals)
-{
     // 8,197 bytes are refused unread, even with a valid header; 8,196 are fine.
-    Bytes file(8197, 0);
-    file[1] = 8;
-    file[2] = 8;
-    file[3] = 1;
-    EXPECT_FALSE(ReadOta(file).ok);
-    file.resize(8196);
-    EXPECT_TRUE(ReadOta(file).ok);
+    Bytes large(8197, 0);
+    large[1] = 8;
+    large[2] = 8;
+    large[3] = 1;
+    EXPECT_FALSE(ReadOta(large).ok);
+    large.resize(8196);
+    EXPECT_TRUE(ReadOta(large).ok);
     // Byte 0 must be 0, byte 3 must be 1, and the bits must all be there (9 x 1 needs 2 data bytes).
     EXPECT_FALSE(ReadOta({1, 8, 1, 1, 0}).ok);
     EXPECT_FALSE(ReadOta({0, 8, 1, 2, 0}).ok);
@@ -229,5 +226,5 @@ TEST(Ota, DecoderRefusals)
         EXPECT_EQ(std::make_pair(d.width, d.height), c.second);
     }
     int w = 0, h = 0;
-    EXPECT_FALSE(DecodeOta(nullptr, 0, file, w, h));
+    EXPECT_FALSE(DecodeOta(nullptr, 0, large, w, h));
 }

@@ -39,22 +39,6 @@ TEST(ImageStore, EmptyStoresTheJpegFactorsRangeAndAFinalClear)
     util.Clear();  // twice is harmless
 }
 
-TEST(ImageStore, HeaderRecordOfABitmapReservesColourBitsXorTwoEntries)
-{
-    // 1, 4 and 8 bits per pixel reserve 3, 6 and 10 palette entries (not 2, 16, 256); deeper bitmaps none.
-    for (const auto& c : {std::make_pair(1u, 3u), std::make_pair(4u, 6u), std::make_pair(8u, 10u), {32u, 0u}}) {
-        HBITMAP bitmap = CreateBitmap(9, 4, 1, c.first, nullptr);
-        BITMAPINFO* info = TestBitmapUtil::CreateBitmapInfoStruct(bitmap);
-        ASSERT_NE(info, nullptr) << c.first;
-        EXPECT_EQ(info->bmiHeader.biClrUsed, c.second) << c.first;
-        EXPECT_EQ(info->bmiHeader.biBitCount, 24);
-        EXPECT_EQ(info->bmiHeader.biWidth, 9);
-        free(info);
-        DeleteObject(bitmap);
-    }
-    EXPECT_EQ(TestBitmapUtil::CreateBitmapInfoStruct(nullptr), nullptr);
-}
-
 TEST(ImageStore, ReplaceRuleAcrossGeometries)
 {
     TestBitmapUtil util, other;
@@ -88,7 +72,7 @@ TEST(ImageStore, ReplaceRuleAcrossGeometries)
     EXPECT_EQ(util.GetBitmapWidth(BT_IMAGE), 50);
 }
 
-TEST(ImageStore, ExtensionDispatch)
+TEST(ImageStore, ExtensionDispatchAndAStillGifAtTheAskedIndex)
 {
     TestBitmapUtil util;
     ScratchFolder scratch;
@@ -111,13 +95,9 @@ TEST(ImageStore, ExtensionDispatch)
                             ZBU_BAD_FORMAT);
     EXPECT_RESULT_ERROR(util, util.NLoadBitmap(scratch.File(L"missing.bmp").c_str(), BT_IMAGE, 0), nullptr,
                         ZBU_BAD_FORMAT);
-}
 
-TEST(ImageStore, StillGifTakesThePictureRouteToTheAskedIndex)
-{
     // (BMP files take this route in the save test's round trip.) One image: the store is not emptied as by an
     // animation, and the frame lands at the asked index with delay 0, after a block walk that found no loop.
-    TestBitmapUtil util;
     ASSERT_TRUE(MakeSolid(util, BT_IMAGE, 0, 4, 4, 0x111111));
     ASSERT_TRUE(MakeSolid(util, BT_IMAGE, 9, 4, 4, 0x222222));
     ASSERT_NE(util.NLoadBitmap(DataFile("still.gif").c_str(), BT_IMAGE, 3), nullptr);
@@ -127,8 +107,22 @@ TEST(ImageStore, StillGifTakesThePictureRouteToTheAskedIndex)
     EXPECT_TRUE(Near(ReadFrame(util, BT_IMAGE, 3).At(1, 1), 0x000080, 2));
 }
 
-TEST(ImageStore, HeaderRecordAndPixelLayoutsAgree)
+TEST(ImageStore, HeaderRecordsOfBitmapsAndFramesAndThePixelLayoutsAgree)
 {
+    // 1, 4 and 8 bits per pixel reserve 3, 6 and 10 palette entries (not 2, 16, 256); deeper bitmaps none.
+    for (const auto& c : {std::make_pair(1u, 3u), std::make_pair(4u, 6u), std::make_pair(8u, 10u), {32u, 0u}}) {
+        HBITMAP bitmap = CreateBitmap(9, 4, 1, c.first, nullptr);
+        BITMAPINFO* info = TestBitmapUtil::CreateBitmapInfoStruct(bitmap);
+        ASSERT_NE(info, nullptr) << c.first;
+        EXPECT_EQ(info->bmiHeader.biClrUsed, c.second) << c.first;
+        EXPECT_EQ(info->bmiHeader.biBitCount, 24);
+        EXPECT_EQ(info->bmiHeader.biWidth, 9);
+        free(info);
+        DeleteObject(bitmap);
+    }
+    EXPECT_EQ(TestBitmapUtil::CreateBitmapInfoStruct(nullptr), nullptr);
+
+    // A frame's header record.
     TestBitmapUtil util;
     ASSERT_TRUE(MakeFrame(util, BT_IMAGE, 5, 5, 3, Gradient));
     const BITMAPINFOHEADER expected = {sizeof(BITMAPINFOHEADER), 5, 3, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
@@ -248,7 +242,7 @@ TEST(ImageStore, SaveBitmapFormatsAndErrors)
                         ZBU_WRITE_FAILED);
 }
 
-TEST(ImageStore, LoadBitmapFromResourceByEachRoute)
+TEST(ImageStore, LoadBitmapFromResourceByEachRouteTheExportAndSetBitmap)
 {
     HMODULE theme =
         LoadLibraryExW((BinDir() + L"\\Resource\\ZCMOD_Test.zgr").c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
@@ -294,29 +288,27 @@ TEST(ImageStore, LoadBitmapFromResourceByEachRoute)
     EXPECT_EQ(find, INVALID_HANDLE_VALUE);
     if (find != INVALID_HANDLE_VALUE)
         FindClose(find);
-}
 
-TEST(ImageStore, LoadBitmapExportAndSetBitmap)
-{
+    // The exported loader reads the user's theme; the copy is the caller's.
     SuiteRegistry registry;
     registry.SetUserTheme(L"Test");
     HBITMAP copy = ZCMOD_LoadBitmap(800);
     ASSERT_NE(copy, nullptr);
     EXPECT_EQ(ZCMOD_LoadBitmap(4321), nullptr);
-    TestBitmapUtil util;
-    ASSERT_EQ(util.CreateBitmapFromHandle(copy, BT_IMAGE, 2), 1);
-    DeleteObject(copy);  // the caller's
-    EXPECT_EQ(util.GetBitmapWidth(BT_IMAGE), 5);
-    EXPECT_EQ(ReadFrame(util, BT_IMAGE, 2).At(0, 0), 0xFF0000u);
+    ASSERT_EQ(util.CreateBitmapFromHandle(copy, BT_RESULT_RESIZED, 2), 1);
+    DeleteObject(copy);
+    EXPECT_EQ(util.GetBitmapWidth(BT_RESULT_RESIZED), 5);
+    EXPECT_EQ(ReadFrame(util, BT_RESULT_RESIZED, 2).At(0, 0), 0xFF0000u);
 
     // SetBitmap shows a frame in a static control; the store keeps it.
     HWND stat = CreateWindowExW(0, L"STATIC", L"", WS_POPUP | SS_BITMAP, 0, 0, 10, 10, nullptr, nullptr,
                                 GetModuleHandleW(nullptr), nullptr);
-    EXPECT_EQ(util.SetBitmap(stat, BT_IMAGE, 2), util.GetBitmapHandle(BT_IMAGE, 2));
+    EXPECT_EQ(util.SetBitmap(stat, BT_RESULT_RESIZED, 2), util.GetBitmapHandle(BT_RESULT_RESIZED, 2));
     EXPECT_EQ(reinterpret_cast<HBITMAP>(SendMessageW(stat, STM_GETIMAGE, IMAGE_BITMAP, 0)),
-              util.GetBitmapHandle(BT_IMAGE, 2));
-    EXPECT_EQ(util.SetBitmap(stat, BT_IMAGE, 3), nullptr);
-    EXPECT_RESULT_ERROR(util, util.SetBitmap(nullptr, BT_IMAGE, 2), nullptr, ZBU_BAD_ARG1);
+              util.GetBitmapHandle(BT_RESULT_RESIZED, 2));
+    EXPECT_EQ(util.SetBitmap(stat, BT_RESULT_RESIZED, 3), nullptr);
+    EXPECT_RESULT_ERROR(util, util.SetBitmap(nullptr, BT_RESULT_RESIZED, 2), nullptr, ZBU_BAD_ARG1);
     SendMessageW(stat, STM_SETIMAGE, IMAGE_BITMAP, 0);
     DestroyWindow(stat);
 }
+
