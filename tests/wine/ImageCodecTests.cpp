@@ -224,7 +224,9 @@ TEST(ImagePng, OutcomesByDepthAndOfBrokenAndForeignBlocks)
     const struct {
         const char* name;
         bool loads, alpha;
-    } cases[] = {{"basn3p02.png", false, false}, {"basn0g08.png", true, false}, {"basn2c16.png", true, false},
+    } cases[] = {{"basn3p02.png", false, false},
+                 {"basn0g08.png", true, false},
+                 {"basn2c16.png", true, false},
                  {"basn6a08.png", true, true}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

@@ -311,4 +311,3 @@ TEST(ImageStore, LoadBitmapFromResourceByEachRouteTheExportAndSetBitmap)
     SendMessageW(stat, STM_SETIMAGE, IMAGE_BITMAP, 0);
     DestroyWindow(stat);
 }
-

@@ -49,8 +49,14 @@ inline std::wstring WinePath(const std::string& linuxPath)
     return path;
 }
 // A file of the repository's tests/data folder (relative path with '/'), and one of libpng's PNG suite.
-inline std::wstring DataFile(const std::string& relative) { return WinePath(ZCMOD_TEST_DATA_DIR "/" + relative); }
-inline std::wstring PngSuiteFile(const std::string& name) { return WinePath(ZCMOD_PNGSUITE_DIR "/" + name); }
+inline std::wstring DataFile(const std::string& relative)
+{
+    return WinePath(ZCMOD_TEST_DATA_DIR "/" + relative);
+}
+inline std::wstring PngSuiteFile(const std::string& name)
+{
+    return WinePath(ZCMOD_PNGSUITE_DIR "/" + name);
+}
 
 inline std::vector<uint8_t> ReadBytes(const std::wstring& path)
 {

@@ -11,7 +11,10 @@ using namespace zcmod_test;
 
 namespace {
 
-uint32_t PixelOf(HDC dc, int x, int y) { return testskin::Rgb(GetPixel(dc, x, y)); }
+uint32_t PixelOf(HDC dc, int x, int y)
+{
+    return testskin::Rgb(GetPixel(dc, x, y));
+}
 
 }  // namespace
 
