@@ -193,32 +193,7 @@ TEST(ImageWbmpExport, WriteFilesForImageMagick)
 
 // ---- PNG ----------------------------------------------------------------------------------------------------------
 
-TEST(ImagePng, RgbaPlaneGoesToAlphaOnlyFromImageStore)
-{
-    TestBitmapUtil util;
-    ASSERT_TRUE(MakeSolid(util, BT_ALPHA, 0, 9, 9, 0x010101));  // another geometry: loses only frame 3
-    ASSERT_NE(util.NLoadBitmap(DataFile("wine/image/rgba.png").c_str(), BT_IMAGE, 3), nullptr);
-    // Alpha 0 keeps its colour.
-    ExpectPixels(ReadFrame(util, BT_IMAGE, 3), {{0, 0, 0xFF0000}, {1, 0, 0x00FF00}, {2, 1, 0x010203}});
-    ASSERT_NE(util.GetBitmapHandle(BT_ALPHA, 3), nullptr);
-    EXPECT_NE(util.GetBitmapHandle(BT_ALPHA, 0), nullptr);
-    // The plane's frame is read through its own geometry here: 255 - alpha.
-    BITMAPINFO info = {};
-    info.bmiHeader = {sizeof(BITMAPINFOHEADER), 3, -2, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
-    Bytes padded(12 * 2);
-    HDC screen = GetDC(nullptr);
-    ASSERT_EQ(GetDIBits(screen, util.GetBitmapHandle(BT_ALPHA, 3), 0, 2, padded.data(), &info, DIB_RGB_COLORS), 2);
-    ReleaseDC(nullptr, screen);
-    const int planes[][2] = {{0, 0}, {3, 255}, {6, 127}, {12, 191}, {18, 254}};  // alpha 255, 0, 128, 64, 1
-    for (const auto& e : planes)
-        EXPECT_EQ(padded[e[0]], e[1]) << e[0];
-
-    TestBitmapUtil other;
-    ASSERT_NE(other.NLoadBitmap(DataFile("wine/image/rgba.png").c_str(), BT_BACKGROUND, 0), nullptr);
-    EXPECT_EQ(other.GetNumberOfBitmaps(BT_ALPHA), 0);
-}
-
-TEST(ImagePng, OutcomesByDepthAndOfBrokenAndForeignBlocks)
+TEST(ImagePng, OutcomesByDepthBrokenAndForeignBlocksAndThePlaneOfRgba)
 {
     // The depth table is checked on every file natively; here each of the adapter's routes (16-bit samples too).
     const struct {
@@ -256,6 +231,29 @@ TEST(ImagePng, OutcomesByDepthAndOfBrokenAndForeignBlocks)
     ASSERT_NE(util.LoadPNGFromMem(const_cast<uint8_t*>(good.data()), good.size(), BT_IMAGE, 0), nullptr);
     EXPECT_RESULT_ERROR(util, util.NLoadBitmap(scratch.File(L"missing.png").c_str(), BT_IMAGE, 0), nullptr,
                         ZBU_FILE_OPEN);
+
+    // An RGBA file's plane goes to the transparency store only from the image store.
+    TestBitmapUtil rgba;
+    ASSERT_TRUE(MakeSolid(rgba, BT_ALPHA, 0, 9, 9, 0x010101));  // another geometry: loses only frame 3
+    ASSERT_NE(rgba.NLoadBitmap(DataFile("wine/image/rgba.png").c_str(), BT_IMAGE, 3), nullptr);
+    // Alpha 0 keeps its colour.
+    ExpectPixels(ReadFrame(rgba, BT_IMAGE, 3), {{0, 0, 0xFF0000}, {1, 0, 0x00FF00}, {2, 1, 0x010203}});
+    ASSERT_NE(rgba.GetBitmapHandle(BT_ALPHA, 3), nullptr);
+    EXPECT_NE(rgba.GetBitmapHandle(BT_ALPHA, 0), nullptr);
+    // The plane's frame is read through its own geometry here: 255 - alpha.
+    BITMAPINFO info = {};
+    info.bmiHeader = {sizeof(BITMAPINFOHEADER), 3, -2, 1, 24, BI_RGB, 0, 0, 0, 0, 0};
+    Bytes padded(12 * 2);
+    HDC screen = GetDC(nullptr);
+    ASSERT_EQ(GetDIBits(screen, rgba.GetBitmapHandle(BT_ALPHA, 3), 0, 2, padded.data(), &info, DIB_RGB_COLORS), 2);
+    ReleaseDC(nullptr, screen);
+    const int planes[][2] = {{0, 0}, {3, 255}, {6, 127}, {12, 191}, {18, 254}};  // alpha 255, 0, 128, 64, 1
+    for (const auto& e : planes)
+        EXPECT_EQ(padded[e[0]], e[1]) << e[0];
+
+    TestBitmapUtil other;
+    ASSERT_NE(other.NLoadBitmap(DataFile("wine/image/rgba.png").c_str(), BT_BACKGROUND, 0), nullptr);
+    EXPECT_EQ(other.GetNumberOfBitmaps(BT_ALPHA), 0);
 }
 
 // ---- Damaged files ------------------------------------------------------------------------------------------------

@@ -205,7 +205,7 @@ TEST(ImageTransform, AlphaBlendKeepsItsBuffersBetweenBlendsOfOneFrame)
     EXPECT_EQ(ReadFrame(util, BT_RESULT, 1).At(39, 29), 0xFEFEFEu);
 }
 
-TEST(ImageTransform, TilesAndColourBackgrounds)
+TEST(ImageTransform, TilesColourBackgroundsRegionsAndMirrors)
 {
     TestBitmapUtil util;
     ASSERT_TRUE(MakeFrame(util, BT_ALPHA, 3, 5, 5, Gradient));
@@ -231,52 +231,48 @@ TEST(ImageTransform, TilesAndColourBackgrounds)
     ASSERT_EQ(p.width, 1);
     EXPECT_EQ(p.At(0, 0), 0x0A141Eu);
     EXPECT_NE(util.GetBitmapHandle(BT_BACKGROUND, 1), nullptr);
-}
 
-TEST(ImageTransform, RegionsCutAwayTheColour)
-{
-    TestBitmapUtil util;
+    // Regions cut away the colour.
+    TestBitmapUtil regions;
     // A frame of the key colour with a 3 x 2 block of another colour at (2, 1).
-    ASSERT_TRUE(MakeFrame(util, BT_IMAGE, 0, 8, 5,
+    ASSERT_TRUE(MakeFrame(regions, BT_IMAGE, 0, 8, 5,
                           [](int x, int y) { return x >= 2 && x < 5 && y >= 1 && y < 3 ? 0x102030u : 0xFF00FFu; }));
-    HRGN region = util.BitmapToRegion(BT_IMAGE, 0, 0xFF00FF, 0);
+    HRGN region = regions.BitmapToRegion(BT_IMAGE, 0, 0xFF00FF, 0);
     RECT box = {};
     GetRgnBox(region, &box);
     EXPECT_EQ((std::vector<LONG>{box.left, box.top, box.right, box.bottom}), (std::vector<LONG>{2, 1, 5, 3}));
     DeleteObject(region);
     // Wholly the colour, also within a tolerance that is one level wider below: null. No pixel of it: all.
-    ASSERT_TRUE(MakeSolid(util, BT_ALPHA, 0, 6, 4, 0x123456));
-    EXPECT_EQ(util.BitmapToRegion(BT_ALPHA, 0, 0x123456, 0), nullptr);
-    EXPECT_EQ(util.BitmapToRegion(BT_ALPHA, 0, 0x143658, 0x010101), nullptr);
-    region = util.BitmapToRegion(BT_ALPHA, 0, 0x103254, 0x010101);
+    ASSERT_TRUE(MakeSolid(regions, BT_ALPHA, 0, 6, 4, 0x123456));
+    EXPECT_EQ(regions.BitmapToRegion(BT_ALPHA, 0, 0x123456, 0), nullptr);
+    EXPECT_EQ(regions.BitmapToRegion(BT_ALPHA, 0, 0x143658, 0x010101), nullptr);
+    region = regions.BitmapToRegion(BT_ALPHA, 0, 0x103254, 0x010101);
     GetRgnBox(region, &box);
     EXPECT_EQ((std::vector<LONG>{box.left, box.top, box.right, box.bottom}), (std::vector<LONG>{0, 0, 6, 4}));
     DeleteObject(region);
 
     // More than 2,000 runs: parts are combined into one region.
-    ASSERT_TRUE(MakeFrame(util, BT_BACKGROUND, 0, 100, 50, [](int x, int y) { return (x + y) % 2 ? 0u : 0xFFFFFFu; }));
-    region = util.BitmapToRegion(BT_BACKGROUND, 0, 0xFFFFFF, 0);
+    ASSERT_TRUE(MakeFrame(regions, BT_BACKGROUND, 0, 100, 50, [](int x, int y) { return (x + y) % 2 ? 0u : 0xFFFFFFu; }));
+    region = regions.BitmapToRegion(BT_BACKGROUND, 0, 0xFFFFFF, 0);
     std::vector<char> data(GetRegionData(region, 0, nullptr));
     GetRegionData(region, static_cast<DWORD>(data.size()), reinterpret_cast<RGNDATA*>(data.data()));
     EXPECT_EQ(reinterpret_cast<RGNDATA*>(data.data())->rdh.nCount, 2500u);
     EXPECT_TRUE(PtInRegion(region, 98, 49));
     EXPECT_FALSE(PtInRegion(region, 99, 49));
     DeleteObject(region);
-    EXPECT_RESULT_ERROR(util, util.BitmapToRegion(BT_RESULT, 0, 0, 0), nullptr, ZBU_NO_BITMAP);
-}
+    EXPECT_RESULT_ERROR(regions, regions.BitmapToRegion(BT_RESULT, 0, 0, 0), nullptr, ZBU_NO_BITMAP);
 
-TEST(ImageTransform, MirrorSectionsAndTheExtendedUtilsFlags)
-{
-    TestBitmapUtil util;
-    ASSERT_TRUE(MakeFrame(util, BT_IMAGE, 0, 4, 3, Gradient));
-    ASSERT_EQ(util.MirrorSection(BT_IMAGE, 0, 0, 0, 4, 3, 1, 0), 1);
-    EXPECT_EQ(ReadFrame(util, BT_IMAGE, 0).At(0, 2), Gradient(3, 2));
-    ASSERT_EQ(util.MirrorSection(BT_IMAGE, 0, 1, 0, 2, 3, 1, 1), 1);  // both ways, on a part
-    const Pixels p = ReadFrame(util, BT_IMAGE, 0);
-    EXPECT_EQ(p.At(1, 0), Gradient(1, 2));
-    EXPECT_EQ(p.At(2, 2), Gradient(2, 0));
-    EXPECT_EQ(p.At(0, 0), Gradient(3, 0));
-    EXPECT_EQ(util.MirrorSection(BT_IMAGE, 1, 0, 0, 4, 3, 1, 0), 0);
+    // Mirrored sections.
+    TestBitmapUtil mirror;
+    ASSERT_TRUE(MakeFrame(mirror, BT_IMAGE, 0, 4, 3, Gradient));
+    ASSERT_EQ(mirror.MirrorSection(BT_IMAGE, 0, 0, 0, 4, 3, 1, 0), 1);
+    EXPECT_EQ(ReadFrame(mirror, BT_IMAGE, 0).At(0, 2), Gradient(3, 2));
+    ASSERT_EQ(mirror.MirrorSection(BT_IMAGE, 0, 1, 0, 2, 3, 1, 1), 1);  // both ways, on a part
+    const Pixels both = ReadFrame(mirror, BT_IMAGE, 0);
+    EXPECT_EQ(both.At(1, 0), Gradient(1, 2));
+    EXPECT_EQ(both.At(2, 2), Gradient(2, 0));
+    EXPECT_EQ(both.At(0, 0), Gradient(3, 0));
+    EXPECT_EQ(mirror.MirrorSection(BT_IMAGE, 1, 0, 0, 4, 3, 1, 0), 0);
 
     // CNBitmapUtilEx mirrors a frame once on a drawing request and remembers it; a request of 0 does not undo it.
     CNBitmapUtilEx ex;
