@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "MessageSequence.h"
 #include "ServiceTestSupport.h"
 #include "device/DeviceSelection.h"
 #include "zcmod/CSDWrapper.h"
@@ -81,16 +82,7 @@ private:
 // Dispatches this thread's messages until `done` holds or `timeoutMs` has passed.
 inline bool PumpUntil(const std::function<bool()>& done, DWORD timeoutMs = 8000)
 {
-    return WaitUntil(
-        [&] {
-            MSG message;
-            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-                TranslateMessage(&message);
-                DispatchMessageW(&message);
-            }
-            return done();
-        },
-        timeoutMs);
+    return msgseq::Recorder::PumpUntil(done, timeoutMs);
 }
 
 // Records listener calls as "attached <friendly name> <connection> <serial>", "unsupported",
