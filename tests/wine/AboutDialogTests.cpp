@@ -18,7 +18,6 @@
 #include "zcmod/CommonAboutDlg.h"
 #include "zcmod/RTLHelper.h"
 #include "zcmod/ResourceIds.h"
-#include "zcmod/Utils.h"
 #include "zcmod/VuikLib.h"
 
 using namespace zcmod_test;
@@ -104,16 +103,11 @@ protected:
 
 }  // namespace
 
-// The Hebrew texts are pinned by the right-to-left goldens.
-TEST_F(AboutDialog, ReadsTheSuitesTextsAndTheApplications)
+// The suite's texts (the maker, the version word of string 95 without its three leading characters, the build
+// number, the legal lines) are pinned by the goldens in both languages.
+TEST_F(AboutDialog, ReadsTheApplicationsTexts)
 {
     CCommonAboutDlg about;
-    // The maker from the settings library, the word of string 95 without its three leading characters, and the
-    // installation's build number (set up as 8.1.4).
-    EXPECT_STREQ(about.GetVersionText(), L"Zelvo Version 8.1.4");
-    EXPECT_EQ(std::wstring(about.GetLegalText()),
-              LanguageString(ZLR_STR_ABOUT_LEGAL_FIRST) + L" " + LanguageString(ZLR_STR_ABOUT_LEGAL_SECOND));
-
     EXPECT_STREQ(about.GetTitleText(), L"");
     tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_LONG);
     params.m_nFooterId = IDS_ABOUT_TEST_NO_BLOCK;
