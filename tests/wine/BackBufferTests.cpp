@@ -36,15 +36,6 @@ Capture Build(CTestPanel& panel)
     return ReadBitmap(panel.GetBackBuffer());
 }
 
-// A visible skinned button at `rect` of `parent`.
-bool AddButton(CTestButton& button, HWND parent, RECT rect, UINT id, CTestSkin* skin)
-{
-    if (!button.Create(parent, rect, id, WS_CHILD | WS_VISIBLE, 0))
-        return false;
-    button.SetSkin(skin);
-    return true;
-}
-
 TEST(BackBuffer, BuiltOnlyInAPaintAndKeptUntilDropped)
 {
     LibraryState lib;
@@ -190,7 +181,8 @@ TEST(BackBuffer, ButtonEraseAsksItsParentForTheBackground)
     CTestPanel panel;
     CTestButton button;
     ASSERT_TRUE(panel.CreatePanel(nullptr, kTopRect, &skin));
-    ASSERT_TRUE(AddButton(button, panel.m_hWnd, RECT{80, 30, 120, 70}, 1, &buttonSkin));
+    ASSERT_TRUE(button.Create(panel.m_hWnd, RECT{80, 30, 120, 70}, 1, WS_CHILD | WS_VISIBLE, 0));
+    button.SetSkin(&buttonSkin);
     RedrawWindow(panel.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     rec.Watch(panel.m_hWnd, "panel");
     rec.Watch(button.m_hWnd, "button");
@@ -246,9 +238,12 @@ TEST_P(SkinnedWindow, ShowsBackgroundsMarksPicturesAndPlaceholders)
     CTestPanel panel;
     CTestButton mark, badge, broken;
     ASSERT_TRUE(panel.CreatePanel(nullptr, kTopRect, &panelSkin));
-    ASSERT_TRUE(AddButton(mark, panel.m_hWnd, RECT{80, 30, 120, 70}, 1, &markSkin));
-    ASSERT_TRUE(AddButton(badge, panel.m_hWnd, RECT{20, 20, 60, 60}, 2, &badgeSkin));
-    ASSERT_TRUE(AddButton(broken, panel.m_hWnd, RECT{140, 20, 180, 60}, 3, &brokenSkin));
+    const auto add = [&](CTestButton& button, RECT rect, CTestSkin& skin) {
+        button.SetSkin(&skin);
+        return button.Create(panel.m_hWnd, rect, 1, WS_CHILD | WS_VISIBLE, 0) != nullptr;
+    };
+    ASSERT_TRUE(add(mark, RECT{80, 30, 120, 70}, markSkin) && add(badge, RECT{20, 20, 60, 60}, badgeSkin) &&
+                add(broken, RECT{140, 20, 180, 60}, brokenSkin));
     RedrawWindow(panel.m_hWnd, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW);
     Recorder::Pump(20);
 
