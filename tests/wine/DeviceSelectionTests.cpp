@@ -387,6 +387,4 @@ INSTANTIATE_TEST_SUITE_P(
                                 L"Several phones connected - choose one"},
                       TitleCase{L"heb", L"אין טלפון מחובר", L"מחובר אל Alpha", L"מחובר טלפון שאינו נתמך",
                                 L"מחוברים כמה טלפונים - בחרו אחד"}),
-    [](const ::testing::TestParamInfo<TitleCase>& info) {
-        return std::string(info.param.language, info.param.language + 3);
-    });
+    ::testing::PrintToStringParamName());

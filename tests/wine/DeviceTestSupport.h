@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "MessageSequence.h"
 #include "ServiceTestSupport.h"
 #include "device/DeviceSelection.h"
 #include "zcmod/CSDWrapper.h"
@@ -81,19 +82,7 @@ private:
 // Dispatches this thread's messages until `done` holds or `timeoutMs` has passed.
 inline bool PumpUntil(const std::function<bool()>& done, DWORD timeoutMs = 8000)
 {
-    const DWORD start = GetTickCount();
-    for (;;) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
-        if (done())
-            return true;
-        if (GetTickCount() - start > timeoutMs)
-            return false;
-        Sleep(2);
-    }
+    return msgseq::Recorder::PumpUntil(done, timeoutMs);
 }
 
 // Records listener calls as "attached <friendly name> <connection> <serial>", "unsupported",

@@ -167,56 +167,51 @@ TEST_F(Settings, SelectedPhoneIsCopiedOnlyFromAStringThatFits)
 
 TEST(Bluetooth, EachStackKindReadsItsOwnKey)
 {
+    // The texts' parse rules are the native settings text test's; here, which key each kind reads.
     const wchar_t* const keys[] = {L"SOFTWARE\\WidComm", L"SOFTWARE\\Digianswer", L"SOFTWARE\\IVT Corporation",
                                    L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\ZcmodTestToshiba"};
     for (const wchar_t* key : keys)
         DeleteTree(HKEY_LOCAL_MACHINE, key);
     wchar_t version[260] = L"none";
     wchar_t build[260] = L"none";
+    // "result version build" as one text.
+    auto read = [&](CBTStackInfo& info, int kind, int capacity = 260) {
+        const int result = info.GetStackVersion(kind, version, build, capacity);
+        return std::to_wstring(result) + L" " + version + L" " + build;
+    };
     {
         CBTStackInfo info;  // finds no BlueSoleil to cache
         for (int kind : std::initializer_list<int>{0, 6, CBTStackInfo::WidComm, CBTStackInfo::Digianswer,
                                                    CBTStackInfo::Toshiba, CBTStackInfo::BlueSoleil})
-            EXPECT_EQ(info.GetStackVersion(kind, version, build, 260), 0) << kind;
-        EXPECT_STREQ(version, L"none");
+            EXPECT_EQ(read(info, kind), L"0 none none") << kind;
     }
     CBTStackInfo info;
 
     // WidComm: "BTWVERS" before "DisplayName"; results that do not fit the caller's buffer are not copied.
     SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\WidComm\\Install", L"DisplayName", L"WIDCOMM 6.2.0.1700");
-    ASSERT_EQ(info.GetStackVersion(CBTStackInfo::WidComm, version, build, 260), 1);
-    EXPECT_STREQ(version, L"6.2.0");
-    EXPECT_STREQ(build, L"1700");
+    EXPECT_EQ(read(info, CBTStackInfo::WidComm), L"1 6.2.0 1700");
     SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\WidComm\\Install", L"BTWVERS", L"5.1.0.1100");
-    ASSERT_EQ(info.GetStackVersion(CBTStackInfo::WidComm, version, build, 260), 1);
-    EXPECT_STREQ(version, L"5.1.0");
-    EXPECT_STREQ(build, L"1100");
+    EXPECT_EQ(read(info, CBTStackInfo::WidComm), L"1 5.1.0 1100");
     wcscpy(version, L"old");
-    ASSERT_EQ(info.GetStackVersion(CBTStackInfo::WidComm, version, build, 4), 1);
-    EXPECT_STREQ(version, L"old");
+    EXPECT_EQ(read(info, CBTStackInfo::WidComm, 4), L"1 old 1100");
 
     // Digianswer needs a first subkey, and takes the numbers behind the words of its "Version".
     SetString(HKEY_LOCAL_MACHINE, keys[1], L"Version", L"Digianswer version 4.10 build 331");
-    EXPECT_EQ(info.GetStackVersion(CBTStackInfo::Digianswer, version, build, 260), 0) << "no subkey yet";
+    EXPECT_EQ(read(info, CBTStackInfo::Digianswer).substr(0, 1), L"0") << "no subkey yet";
     SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Digianswer\\Bluetooth", L"x", L"y");
-    ASSERT_EQ(info.GetStackVersion(CBTStackInfo::Digianswer, version, build, 260), 1);
-    EXPECT_STREQ(version, L"4.10");
-    EXPECT_STREQ(build, L"331");
+    EXPECT_EQ(read(info, CBTStackInfo::Digianswer), L"1 4.10 331");
 
     // Toshiba: a display name in any case; the build stays as it is.
     SetString(HKEY_LOCAL_MACHINE, keys[3], L"DisplayName", L"toshiba bluetooth stack for windows");
     SetString(HKEY_LOCAL_MACHINE, keys[3], L"DisplayVersion", L"v9.10.12");
-    ASSERT_EQ(info.GetStackVersion(CBTStackInfo::Toshiba, version, build, 260), 1);
-    EXPECT_STREQ(version, L"v9.10.12");
-    EXPECT_STREQ(build, L"331");
+    EXPECT_EQ(read(info, CBTStackInfo::Toshiba), L"1 v9.10.12 331");
 
     // BlueSoleil: the first subkey's name, cached by the constructor.
     SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\IVT Corporation\\BlueSoleil\\10.0.498.0", L"x", L"y");
     CBTStackInfo cached;
     for (const wchar_t* key : keys)
         DeleteTree(HKEY_LOCAL_MACHINE, key);
-    ASSERT_EQ(cached.GetStackVersion(CBTStackInfo::BlueSoleil, version, build, 260), 1);
-    EXPECT_STREQ(version, L"10.0.498.0");
+    EXPECT_EQ(read(cached, CBTStackInfo::BlueSoleil).substr(0, 13), L"1 10.0.498.0 ");
 }
 
 TEST(FaultReporting, FilterHandsTheFaultToTheReporter)

@@ -121,14 +121,7 @@ TEST(Tooltip, ARealHoverShowsTheTipWithItsText)
     ASSERT_TRUE(manager);
     SetForegroundWindow(one.top);
     auto waitFor = [&](bool visible) {
-        const DWORD end = GetTickCount() + 5000;
-        MSG msg;
-        while (IsWindowVisible(manager) != visible && GetTickCount() < end) {
-            while (PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE))
-                DispatchMessageW(&msg);
-            Sleep(10);
-        }
-        return IsWindowVisible(manager) == visible;
+        return msgseq::Recorder::PumpUntil([&] { return (IsWindowVisible(manager) != FALSE) == visible; }, 5000);
     };
     msgseq::input::MoveTo(POINT{30, 30});
     ASSERT_TRUE(waitFor(false));
