@@ -97,6 +97,21 @@ float Wave(float fraction)
     return static_cast<float>(std::sin(static_cast<double>(fraction) * 3.14159));
 }
 
+// A sample position of the resize, in single precision as the arithmetic is defined: its whole part, the first
+// sample's weight in hundredths, trunc((1 - fraction) * 100), and the wave of its fraction when noise is on.
+struct Sample {
+    int32_t whole;
+    int32_t weight;
+    float wave;
+};
+
+Sample SampleAt(float position, bool dither)
+{
+    const int32_t whole = TruncToInt(position);
+    const float fraction = position - static_cast<float>(whole);
+    return Sample{whole, TruncToInt((1.0f - fraction) * 100.0f), dither ? Wave(fraction) : 0.0f};
+}
+
 // The fade factor of one direction: trunc(255 - (d / edgeDivisor) * wave * (noiseBase - noise)), multiplied
 // left to right in single precision. Each product is a statement of its own so that no compiler fuses a
 // multiply and an add.
@@ -232,10 +247,10 @@ void ResizeDitherPixelsReference(const PixelView& source, PixelView& destination
     std::vector<Column> table(static_cast<size_t>(columns > 0 ? columns : 0));
     float fx = static_cast<float>(srcX);
     for (Column& column : table) {
-        column.ix = TruncToInt(fx);
-        const float fracX = fx - static_cast<float>(column.ix);
-        column.wx = TruncToInt((1.0f - fracX) * 100.0f);
-        column.wave = dither ? Wave(fracX) : 0.0f;
+        const Sample sample = SampleAt(fx, dither);
+        column.ix = sample.whole;
+        column.wx = sample.weight;
+        column.wave = sample.wave;
         fx += stepX;
     }
 
@@ -244,10 +259,9 @@ void ResizeDitherPixelsReference(const PixelView& source, PixelView& destination
         // Rows below the destination would all be dropped, and nothing they compute is carried on.
         if (y >= destination.height)
             break;
-        const int32_t iy = TruncToInt(fy);
-        const float fracY = fy - static_cast<float>(iy);
-        const int32_t wy = TruncToInt((1.0f - fracY) * 100.0f);
-        const float waveY = dither ? Wave(fracY) : 0.0f;
+        const Sample sample = SampleAt(fy, dither);
+        const int32_t iy = sample.whole, wy = sample.weight;
+        const float waveY = sample.wave;
 
         for (int x = 0; x < dstW; ++x) {
             if (x >= columns) {
@@ -455,31 +469,27 @@ struct DitherPlan {
         table.resize(static_cast<size_t>(columns));
         float fx = static_cast<float>(srcX);
         for (FastColumn& column : table) {
-            const int32_t ix = TruncToInt(fx);
-            const float fracX = fx - static_cast<float>(ix);
-            const int32_t wx = TruncToInt((1.0f - fracX) * 100.0f);
-            if (wx < 0 || wx > 100)
+            const Sample sample = SampleAt(fx, dither);
+            if (sample.weight < 0 || sample.weight > 100)
                 return false;
-            column.left = static_cast<uint32_t>(3 * Clamp(ix, src.width - 1));
-            column.right = static_cast<uint32_t>(3 * Clamp(static_cast<int64_t>(ix) + 1, src.width - 1));
-            column.wx = static_cast<uint32_t>(wx);
-            column.wave = dither ? Wave(fracX) : 0.0f;
+            column.left = static_cast<uint32_t>(3 * Clamp(sample.whole, src.width - 1));
+            column.right = static_cast<uint32_t>(3 * Clamp(static_cast<int64_t>(sample.whole) + 1, src.width - 1));
+            column.wx = static_cast<uint32_t>(sample.weight);
+            column.wave = sample.wave;
             farthest = column.right > farthest ? column.right : farthest;
             fx += stepX;
         }
         rowTable.resize(static_cast<size_t>(rows));
         float fy = static_cast<float>(srcY);
         for (Row& row : rowTable) {
-            const int32_t iy = TruncToInt(fy);
-            const float fracY = fy - static_cast<float>(iy);
-            const int32_t wy = TruncToInt((1.0f - fracY) * 100.0f);
-            if (wy < 0 || wy > 100)
+            const Sample sample = SampleAt(fy, dither);
+            if (sample.weight < 0 || sample.weight > 100)
                 return false;
-            row.top = src.buffer + static_cast<int64_t>(src.stride) * Clamp(iy, src.height - 1);
-            row.bottom =
-                src.buffer + static_cast<int64_t>(src.stride) * Clamp(static_cast<int64_t>(iy) + 1, src.height - 1);
-            row.wy = static_cast<uint32_t>(wy);
-            row.wave = dither ? Wave(fracY) : 0.0f;
+            const int64_t stride = src.stride;
+            row.top = src.buffer + stride * Clamp(sample.whole, src.height - 1);
+            row.bottom = src.buffer + stride * Clamp(static_cast<int64_t>(sample.whole) + 1, src.height - 1);
+            row.wy = static_cast<uint32_t>(sample.weight);
+            row.wave = sample.wave;
             fy += stepY;
         }
         if (dither)
