@@ -43,7 +43,6 @@ public:
         m_panel = CreateWindowExW(0, kPanelClass, L"", WS_CHILD | WS_VISIBLE, 24, 84, 240, 30, host, nullptr,
                                   GetModuleHandleW(nullptr), nullptr);
         SetWindowLongPtrW(m_panel, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-        m_font = SuiteFont(14);
         m_pushButtons.Add(m_panel,
                           RightToLeftLanguage() ? L"\x05D0\x05D5\x05D3\x05D5\x05EA..." : L"About Desk Hub Gallery...",
                           0, 0, 240, 30, kOpenButton);
@@ -57,9 +56,6 @@ public:
         if (m_panel)
             DestroyWindow(m_panel);
         m_panel = nullptr;
-        if (m_font)
-            DeleteObject(m_font);
-        m_font = nullptr;
         if (m_snapshot)
             DeleteObject(m_snapshot);
         m_snapshot = nullptr;
@@ -166,7 +162,6 @@ private:
     gallery::PushButtons m_pushButtons;
     HWND m_host = nullptr;
     HWND m_panel = nullptr;
-    HFONT m_font = nullptr;
     HBITMAP m_snapshot = nullptr;
     CCommonAboutDlg* m_open = nullptr;
     INT_PTR m_result = 0;

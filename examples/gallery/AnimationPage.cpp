@@ -124,9 +124,9 @@ public:
         }
         m_players[kOnce]->PlayOnce();
         const int buttonTop = kPlayersTop + kPlayers * kPlayerStep;
-        m_buttons[0] = MakeButton(L"Play once again", kOnceButton, kLeft, buttonTop);
-        m_buttons[1] = MakeButton(L"Show the splash screen", kSplashButton, kLeft + 180, buttonTop);
-        m_buttons[2] = MakeButton(L"Fade a window in and out", kFadeButton, kLeft + 360, buttonTop);
+        m_pushButtons.Add(m_host, L"Play once again", kLeft, buttonTop, 170, 28, kOnceButton);
+        m_pushButtons.Add(m_host, L"Show the splash screen", kLeft + 180, buttonTop, 170, 28, kSplashButton);
+        m_pushButtons.Add(m_host, L"Fade a window in and out", kLeft + 360, buttonTop, 170, 28, kFadeButton);
         // The page's buttons talk to the host: listen there while the page is shown (in the platform's chain of
         // subclasses, which the buttons' own use of the host shares).
         SetWindowSubclass(host, HostCommandProc, 1, reinterpret_cast<DWORD_PTR>(this));
@@ -150,8 +150,6 @@ public:
             m_targets[i] = nullptr;
         }
         m_pushButtons.Clear();
-        for (HWND& b : m_buttons)
-            b = nullptr;
         RemoveWindowSubclass(m_host, HostCommandProc, 1);
         m_host = nullptr;
     }
@@ -277,10 +275,6 @@ private:
         }
     }
 
-    HWND MakeButton(const wchar_t* text, int id, int x, int y)
-    {
-        return m_pushButtons.Add(m_host, text, x, y, 170, 28, id);
-    }
 
     static void PumpFor(DWORD ms)
     {
@@ -381,7 +375,6 @@ private:
     CNBitmapUtil m_frames;
     std::unique_ptr<CPNGAnimation> m_players[kPlayers];
     HWND m_targets[kPlayers] = {};
-    HWND m_buttons[3] = {};
     HBITMAP m_splashShot = nullptr;
     SIZE m_shotSize = {};
     int m_splashResult = 0;

@@ -20,6 +20,7 @@
 
 #include "Drawing.h"
 #include "GalleryPage.h"
+#include "PushButtons.h"
 #include "art/ButtonArt.h"
 
 using namespace gallery;
@@ -177,18 +178,7 @@ public:
     {
         Leave();
         m_font = SuiteFont(14);
-        CVuikButtonSkinDef def = CVuikButtonSkin::GetDefaultSkinDef();
-        for (int s = 0; s < 4; ++s) {
-            CVuikButtonStateSkinDef& d = def.m_States[s];
-            d.m_nLeftBitmapId = Art(IDB_GALLERY_FACE + s * 3);
-            d.m_nMiddleBitmapId = Art(IDB_GALLERY_FACE + s * 3 + 1);
-            d.m_nRightBitmapId = Art(IDB_GALLERY_FACE + s * 3 + 2);
-            d.m_nImageBitmapId = Art(IDB_GALLERY_GLYPH);
-            d.m_nImageAlign = CVuikButtonStateSkinDef::AlignLeft;
-            d.m_nOffsetX = d.m_nOffsetY = s == ButtonPressed ? 1 : 0;
-            d.m_crText = DkhLoadColor(nullptr, s == ButtonDisabled ? ZGR_COLOR_TEXT_DISABLED : ZGR_COLOR_TEXT);
-            d.m_hFont = m_font;
-        }
+        const CVuikButtonSkinDef def = FaceSkinDef(m_font, IDB_GALLERY_GLYPH);
         CVuikButtonSkinDef animated = def;
         animated.m_States[ButtonNormal].m_nFirstFrameId = Art(IDB_GALLERY_SPINNER_FIRST);
         animated.m_States[ButtonNormal].m_nLastFrameId = Art(IDB_GALLERY_SPINNER_LAST);

@@ -28,23 +28,29 @@ public:
 
 }  // namespace
 
+CVuikButtonSkinDef FaceSkinDef(HFONT font, UINT glyph)
+{
+    const UINT art = DarkTheme() ? IDB_GALLERY_DARK_OFFSET : 0;
+    CVuikButtonSkinDef def = CVuikButtonSkin::GetDefaultSkinDef();
+    for (int s = 0; s < 4; ++s) {
+        CVuikButtonStateSkinDef& d = def.m_States[s];
+        d.m_nLeftBitmapId = IDB_GALLERY_FACE + art + s * 3;
+        d.m_nMiddleBitmapId = IDB_GALLERY_FACE + art + s * 3 + 1;
+        d.m_nRightBitmapId = IDB_GALLERY_FACE + art + s * 3 + 2;
+        d.m_nImageBitmapId = glyph ? glyph + art : 0;
+        d.m_nImageAlign = glyph ? CVuikButtonStateSkinDef::AlignLeft : CVuikButtonStateSkinDef::AlignCaption;
+        d.m_nOffsetX = d.m_nOffsetY = s == ButtonPressed ? 1 : 0;
+        d.m_crText = DkhLoadColor(nullptr, s == ButtonDisabled ? ZGR_COLOR_TEXT_DISABLED : ZGR_COLOR_TEXT);
+        d.m_hFont = font;
+    }
+    return def;
+}
+
 HWND PushButtons::Add(HWND parent, const wchar_t* text, int x, int y, int width, int height, int id)
 {
     if (!m_loaded) {
-        const UINT art = DarkTheme() ? IDB_GALLERY_DARK_OFFSET : 0;
         m_font = SuiteFont(14);
-        CVuikButtonSkinDef def = CVuikButtonSkin::GetDefaultSkinDef();
-        for (int s = 0; s < 4; ++s) {
-            CVuikButtonStateSkinDef& d = def.m_States[s];
-            d.m_nLeftBitmapId = IDB_GALLERY_FACE + art + s * 3;
-            d.m_nMiddleBitmapId = IDB_GALLERY_FACE + art + s * 3 + 1;
-            d.m_nRightBitmapId = IDB_GALLERY_FACE + art + s * 3 + 2;
-            d.m_nImageBitmapId = 0;
-            d.m_nImageAlign = CVuikButtonStateSkinDef::AlignCaption;
-            d.m_nOffsetX = d.m_nOffsetY = s == ButtonPressed ? 1 : 0;
-            d.m_crText = DkhLoadColor(nullptr, s == ButtonDisabled ? ZGR_COLOR_TEXT_DISABLED : ZGR_COLOR_TEXT);
-            d.m_hFont = m_font;
-        }
+        const CVuikButtonSkinDef def = FaceSkinDef(m_font, 0);
         // Pictures are loaded as drawn: a mirrored button turns its whole buffer round.
         LayoutScope layout(false);
         m_skin.SetSkinDef(def);

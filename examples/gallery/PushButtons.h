@@ -14,6 +14,10 @@
 
 namespace gallery {
 
+// The gallery's three-piece face (art/buttons.py) in the theme in use, each state in the theme's text colour and
+// `font`, with `glyph` (0: none) at the caption's left.
+CVuikButtonSkinDef FaceSkinDef(HFONT font, UINT glyph);
+
 class PushButtons {
 public:
     PushButtons() = default;

@@ -15,9 +15,15 @@ MICROSECONDS = 80000  # 12.5 frames a second
 START_X, END_X, BASE_Y, RISE = 70, 202, 30, 20  # the document's centre at both ends, and the arc's height
 
 
+def colours(p, lit):
+    """The outline and the screen of a device: the accent's when it is the one being written to."""
+    if lit:
+        return p.accent, mix(p.accent, p.face, 0.35)
+    return p.border_strong, mix(p.window, p.face, 0.5)
+
+
 def computer(p, lit):
-    edge = p.accent if lit else p.border_strong
-    screen = mix(p.accent, p.face, 0.35) if lit else mix(p.window, p.face, 0.5)
+    edge, screen = colours(p, lit)
     return ('<rect x="8.5" y="9.5" width="49" height="33" rx="%d" fill="%s" stroke="%s" stroke-width="1"/>'
             '<rect x="12" y="13" width="42" height="26" rx="1" fill="%s"/>'
             '<path d="M28 43 L27 49 L39 49 L38 43 Z" fill="%s"/>'
@@ -26,8 +32,7 @@ def computer(p, lit):
 
 
 def phone(p, lit):
-    edge = p.accent if lit else p.border_strong
-    screen = mix(p.accent, p.face, 0.35) if lit else mix(p.window, p.face, 0.5)
+    edge, screen = colours(p, lit)
     return ('<rect x="223.5" y="5.5" width="29" height="49" rx="%d" fill="%s" stroke="%s" stroke-width="1"/>'
             '<rect x="234" y="8" width="8" height="1.5" rx="0.75" fill="%s"/>'
             '<rect x="226" y="12" width="24" height="33" rx="1" fill="%s"/>'
