@@ -1,5 +1,6 @@
-// Finding the windows of a modal loop from a second thread, and a file dialog run on the test's thread, driven
-// from a second thread and guarded by a watchdog, with the steps a user takes in it.
+// Finding the windows of a modal loop from a second thread, and a modal dialog (a file dialog, a message box)
+// run on the test's thread, driven from a second thread and guarded by a watchdog, with the steps a user takes
+// in a file dialog.
 #pragma once
 
 #include <windows.h>
@@ -65,18 +66,18 @@ inline void Enter(HWND dialog, const std::wstring& text)
     PostMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
 }
 
-// Runs `call` (which opens a file dialog) on this thread while `steps`, on another, drives the dialog once it is
-// ready and ends it; a watchdog posts IDCANCEL to every window of this thread after 20 s, so that a stuck
-// dialog fails the test rather than hang the suite.
+// Runs `call` (which opens a modal window) on this thread while `steps`, on another, drives the first window
+// of this thread that `match` knows, once it has shown, and ends it; a watchdog posts IDCANCEL to every window
+// of this thread after 20 s, so that a stuck dialog fails the test rather than hang the suite.
 template <class Call>
-auto RunFileDialog(Call call, const std::function<void(HWND)>& steps) -> decltype(call())
+auto RunModal(Call call, bool (*match)(HWND), const std::function<void(HWND)>& steps) -> decltype(call())
 {
     const DWORD self = GetCurrentThreadId();
     std::atomic<bool> done{false};
     std::thread driver([&] {
-        if (HWND dialog = WaitForWindow(self, IsFileDialog)) {
-            Sleep(100);  // let CDN_INITDONE and the first paint pass
-            steps(dialog);
+        if (HWND window = WaitForWindow(self, match)) {
+            Sleep(100);  // let the dialog's initialisation and first paint pass
+            steps(window);
         }
     });
     std::thread watchdog([&] {
@@ -93,6 +94,12 @@ auto RunFileDialog(Call call, const std::function<void(HWND)>& steps) -> decltyp
     driver.join();
     watchdog.join();
     return result;
+}
+
+template <class Call>
+auto RunFileDialog(Call call, const std::function<void(HWND)>& steps) -> decltype(call())
+{
+    return RunModal(call, IsFileDialog, steps);
 }
 
 }  // namespace zcmod_test
