@@ -54,8 +54,8 @@ std::vector<HWND> PopupWindows()
     return found;
 }
 
-// A window as the screen shows it. A window of a right-to-left layout has a mirrored context; the copy goes to
-// a context mirrored the same way, so that no mirroring happens between the two.
+// A window as the screen shows it (a popup over the bar left out). A window of a right-to-left layout has a
+// mirrored context; the copy goes to a context mirrored the same way, so that no mirroring happens between them.
 Capture CaptureShown(HWND hwnd)
 {
     RECT client;
@@ -92,30 +92,21 @@ public:
     Script& operator=(const Script&) = delete;
 
     // True when every step finished before the watchdog. The application's loop: the bar's accelerators first.
-    bool Run(std::vector<Step> steps, DWORD timeout = 6000)
+    bool Run(std::vector<Step> steps)
     {
         m_steps = std::move(steps);
         m_index = 0;
         m_done = m_failed = false;
         m_stepStart = m_runStart = GetTickCount();
-        m_timeout = timeout;
-        const DWORD deadline = GetTickCount() + timeout + 2000;
-        while (!m_done && static_cast<LONG>(deadline - GetTickCount()) > 0) {
-            MSG msg;
-            if (!PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
-                Sleep(2);
-                continue;
-            }
+        MSG msg;
+        while (!m_done && GetMessageW(&msg, nullptr, 0, 0)) {  // the tick ends the run, by its watchdog at the latest
             if (m_bar && m_bar->TranslateMenuAccelerator(&msg))
                 continue;
             TranslateMessage(&msg);
             DispatchMessageW(&msg);
         }
-        if (!m_done)
-            m_failed = true;
-        m_done = true;
         Recorder::Pump(30);  // a request to open that is still queued is ended by the tick
-        return !m_failed;
+        return m_done && !m_failed;
     }
     size_t FailedStep() const { return m_index; }
     DWORD Elapsed() const { return GetTickCount() - m_stepStart; }
@@ -130,7 +121,7 @@ private:
         Script* s = s_current;
         if (!s)
             return;
-        if (!s->m_done && GetTickCount() - s->m_runStart > s->m_timeout)
+        if (!s->m_done && GetTickCount() - s->m_runStart > 6000)
             s->m_failed = s->m_done = true;
         if (s->m_done) {
             if (!PopupWindows().empty())
@@ -149,7 +140,7 @@ private:
     size_t m_index = 0;
     bool m_done = false;
     bool m_failed = false;
-    DWORD m_stepStart = 0, m_runStart = 0, m_timeout = 0;
+    DWORD m_stepStart = 0, m_runStart = 0;
     UINT_PTR m_tick = 0;
 };
 
@@ -161,7 +152,6 @@ Step Do(std::function<void()> action)
         return true;
     };
 }
-Step Until(std::function<bool()> condition) { return condition; }
 // Waits for a state, but at most `limit`: a wrong state then shows in the test's own comparison.
 Step Settle(std::function<bool()> condition, DWORD limit = 2000)
 {
@@ -274,6 +264,55 @@ public:
         return [this] { return !CVuikMenuBarCtrl::IsPopupOpen() && bar->ActiveIndex() < 0 && PopupWindows().empty(); };
     }
 
+    // A menu opened by a click on button `start` (-1: by the first of `middle`), moved by `middle`, and the state
+    // it settles in: the active button (-1: closed), the popup windows open and the keyboard mode.
+    struct Move {
+        const char* name;
+        int start;
+        std::vector<Step> middle;
+        int active;
+        size_t windows;
+        bool keyboard;
+    };
+    void Drive(const std::vector<Move>& cases)
+    {
+        for (const Move& c : cases) {
+            SCOPED_TRACE(c.name);
+            Script script(bar.get());
+            input::MoveTo(kAway);
+            std::vector<Step> steps;
+            if (c.start >= 0)
+                steps = {ClickAt(ButtonCentre(c.start)), OpenIs(c.start), Pause(60)};
+            steps.insert(steps.end(), c.middle.begin(), c.middle.end());
+            int seenActive = -2;
+            size_t seenWindows = 0;
+            bool keyboard = false;
+            LRESULT checked = -1;
+            steps.insert(steps.end(),
+                         {Settle([&] { return bar->ActiveIndex() == c.active && PopupWindows().size() == c.windows; }),
+                          Pause(200), Do([&] {
+                              seenActive = bar->ActiveIndex();
+                              seenWindows = PopupWindows().size();
+                              keyboard = bar->KeyboardMode();
+                              if (c.active >= 0)
+                                  checked = SendMessageW(Button(c.active), BM_GETCHECK, 0, 0);
+                          }),
+                          Do([] { input::MoveTo(kAway); }), Pause(60), Press(VK_ESCAPE), Press(VK_ESCAPE), Closed()});
+            ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
+            EXPECT_EQ(seenActive, c.active);
+            EXPECT_EQ(seenWindows, c.windows);
+            EXPECT_EQ(keyboard, c.keyboard);
+            if (c.active >= 0) {
+                EXPECT_EQ(checked, 1) << "the open menu's button shows Open";
+                EXPECT_EQ(SendMessageW(Button(c.active), BM_GETCHECK, 0, 0), 0) << "the closed menu's button is let go";
+            }
+            // Whatever happened, nothing opens afterwards by itself.
+            Recorder::Pump(150);
+            EXPECT_FALSE(CVuikMenuBarCtrl::IsPopupOpen());
+            EXPECT_FALSE(bar->IgnoreNextDown()) << "the closing click was the one to ignore";
+        }
+    }
+
     zcmod_test::SuiteRegistry registry;
     LibraryState lib;
     CTestSkin strip{SkinDef{kStrip, kStrip}};
@@ -284,75 +323,36 @@ public:
     std::unique_ptr<CTestMenuBar> bar;
 };
 
-// The bar and its buttons (their places are the goldens'); every item of every drop-down is owner-drawn, with
-// its level as item data, its text and radio type kept (the goldens show how they are measured and drawn).
-TEST_F(MenuBar, ButtonsAcceleratorsAndOwnerDrawnItems)
-{
-    Build();
-    EXPECT_EQ(GetDlgCtrlID(bar->m_hWnd), 0xFFF);
-    ASSERT_EQ(bar->GetButtonCount(), 4);
-    EXPECT_EQ(bar->GetSourceMenu(), menu);
-    for (int i = 0; i < 4; ++i)
-        EXPECT_EQ(GetDlgCtrlID(Button(i)), 0x1000 + i);
-    const HMENU file = GetSubMenu(menu, 0);
-    const struct {
-        HMENU owner;
-        int position, level;
-        const wchar_t* text;
-        UINT type;
-    } items[] = {{file, 0, 0, L"&New\tCtrl+N", 0},           {file, 2, 0, L"", MFT_SEPARATOR},
-                 {file, 3, 0, L"&Recent files", 0},          {GetSubMenu(menu, 2), 2, 0, L"&Large icons", MFT_RADIOCHECK},
-                 {GetSubMenu(file, 3), 0, 1, L"notes.txt", 0}};  // a submenu's items are level 1
-    for (const auto& item : items) {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(item.text)));
-        wchar_t text[64] = {};
-        MENUITEMINFOW info = {};
-        info.cbSize = sizeof(info);
-        info.fMask = MIIM_FTYPE | MIIM_DATA | MIIM_STRING;
-        info.dwTypeData = text;
-        info.cch = 63;
-        ASSERT_TRUE(GetMenuItemInfoW(item.owner, item.position, TRUE, &info));
-        EXPECT_TRUE(info.fType & MFT_OWNERDRAW);
-        EXPECT_EQ(info.fType & (MFT_SEPARATOR | MFT_RADIOCHECK), item.type);
-        EXPECT_EQ(info.dwItemData, static_cast<ULONG_PTR>(item.level));
-        EXPECT_STREQ(text, item.text);
-    }
-
-    // Commands chosen in a popup reach the host; an accelerator's (high word 1) does not.
-    recorder.Only({WM_COMMAND});
-    SendMessageW(bar->m_hWnd, WM_COMMAND, 102, 0);
-    EXPECT_EQ(recorder.Count(WM_COMMAND), 1);
-}
-
+// Alt with the letter after a lone "&" (upper-cased) opens that button's menu; "&&" is no mnemonic.
 TEST_F(MenuBar, AcceleratorTableFromMnemonics)
 {
     const struct {
         std::vector<const wchar_t*> texts;
-        std::vector<ACCEL> expected;
+        std::vector<std::pair<WORD, WORD>> keys;  // Alt with (key, button)
     } cases[] = {
-        {{L"&File", L"&edit"}, {{FALT | FVIRTKEY, 'F', 0}, {FALT | FVIRTKEY, 'E', 1}}},
-        {{L"Sales && &Marketing"}, {{FALT | FVIRTKEY, 'M', 0}}},
-        {{L"R&&D", L"No letter", L"Tools&9"}, {{FALT | FVIRTKEY, '9', 2}}},
+        {{L"&File", L"&edit"}, {{'F', 0}, {'E', 1}}},
+        {{L"Sales && &Marketing"}, {{'M', 0}}},
+        {{L"R&&D", L"No letter", L"Tools&9"}, {{'9', 2}}},
         {{L"Plain"}, {}},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(std::wstring(c.texts[0])));
         HMENU source = CreateMenu();
         for (const wchar_t* text : c.texts)
             AppendMenuW(source, MF_POPUP, reinterpret_cast<UINT_PTR>(CreatePopupMenu()), text);
         CTestMenuBar one;
-        HWND window = one.Create(source, frame.m_hWnd ? frame.m_hWnd : GetDesktopWindow(), POINT{0, 0}, nullptr);
-        ASSERT_TRUE(window);
+        ASSERT_TRUE(one.Create(source, GetDesktopWindow(), POINT{0, 0}, nullptr));
         HACCEL table = one.GetAcceleratorTable();
         std::vector<ACCEL> got(table ? CopyAcceleratorTableW(table, nullptr, 0) : 0);
         if (!got.empty())
             CopyAcceleratorTableW(table, got.data(), static_cast<int>(got.size()));
-        ASSERT_EQ(got.size(), c.expected.size()) << static_cast<const void*>(c.texts[0]);
-        for (size_t i = 0; i < got.size(); ++i) {
-            EXPECT_EQ(got[i].fVirt, c.expected[i].fVirt);
-            EXPECT_EQ(got[i].key, c.expected[i].key);
-            EXPECT_EQ(got[i].cmd, c.expected[i].cmd);
+        std::vector<std::pair<WORD, WORD>> keys;
+        for (const ACCEL& a : got) {
+            EXPECT_EQ(a.fVirt, FALT | FVIRTKEY);
+            keys.emplace_back(a.key, a.cmd);
         }
-        DestroyWindow(window);
+        EXPECT_EQ(keys, c.keys);
+        DestroyWindow(one.m_hWnd);
         DestroyMenu(source);
     }
 }
@@ -363,57 +363,28 @@ TEST_F(MenuBar, AcceleratorTableFromMnemonics)
 TEST_F(MenuBar, KeyboardMovesAcrossTheBar)
 {
     Build();
-    const struct {
-        const char* name;
-        int start;    // the button clicked first
-        WORD letter;  // else: Alt and this letter
-        std::vector<WORD> keys;
-        int active;       // after the keys
-        size_t windows;   // open popup windows after the keys
-    } cases[] = {
-        {"left from the first wraps to the last", 0, 0, {VK_LEFT}, 3, 1},
-        {"right from the last wraps to the first", 3, 0, {VK_RIGHT}, 0, 1},
-        {"right from the second, then twice left", 1, 0, {VK_RIGHT, VK_LEFT, VK_LEFT}, 0, 1},
-        {"right on an item with a submenu opens it", 0, 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT}, 0, 2},
-        {"left in the submenu closes it", 0, 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT}, 0, 1},
-        {"then left moves on", 0, 0, {VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT, VK_LEFT}, 3, 1},
-        {"Alt E", -1, 'E', {}, 1, 1},  // the letters' table has a test of its own
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        Script script(bar.get());
-        input::MoveTo(kAway);
-        std::vector<Step> steps = {c.letter ? Do([&] {
-                                       input::Key(VK_MENU, false);
-                                       input::Press(c.letter);
-                                       input::Key(VK_MENU, true);
-                                   })
-                                            : ClickAt(ButtonCentre(c.start)),
-                                   OpenIs(c.letter ? c.active : c.start), Pause(60)};
-        for (WORD key : c.keys)
+    const auto keys = [](std::initializer_list<WORD> list) {
+        std::vector<Step> steps;
+        for (WORD key : list)
             steps.insert(steps.end(), {Press(key), Pause(90)});
-        int seenActive = -2;
-        size_t seenWindows = 0;
-        bool keyboard = false;
-        LRESULT checked = -1;
-        steps.insert(steps.end(), {Settle([&] { return bar->ActiveIndex() == c.active && PopupWindows().size() == c.windows; }),
-                                   Pause(100), Do([&] {
-                                       seenActive = bar->ActiveIndex();
-                                       seenWindows = PopupWindows().size();
-                                       keyboard = bar->KeyboardMode();
-                                       checked = SendMessageW(Button(c.active), BM_GETCHECK, 0, 0);
-                                   }),
-                                   Do([] { input::MoveTo(kAway); }), Pause(60), Press(VK_ESCAPE), Press(VK_ESCAPE),
-                                   Until(Closed())});
-        ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
-        EXPECT_EQ(seenActive, c.active);
-        EXPECT_EQ(seenWindows, c.windows);
-        EXPECT_EQ(checked, 1) << "the open menu's button shows Open";
-        if (!c.letter) {
-            EXPECT_EQ(keyboard, c.active != c.start) << "a move across the bar is keyboard mode";
-        }
-        EXPECT_EQ(SendMessageW(Button(c.active), BM_GETCHECK, 0, 0), 0) << "the closed menu's button is let go";
-    }
+        return steps;
+    };
+    const std::vector<Step> altE = {Do([] {
+        input::Key(VK_MENU, false);
+        input::Press('E');
+        input::Key(VK_MENU, true);
+    })};
+    // A move across the bar is keyboard mode.
+    Drive({
+        {"left from the first wraps to the last", 0, keys({VK_LEFT}), 3, 1, true},
+        {"right from the last wraps to the first", 3, keys({VK_RIGHT}), 0, 1, true},
+        {"right from the second, then twice left", 1, keys({VK_RIGHT, VK_LEFT, VK_LEFT}), 0, 1, true},
+        {"right on an item with a submenu opens it", 0, keys({VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT}), 0, 2, false},
+        // A left in the submenu that moved across the bar would end on the third button.
+        {"left closes the submenu, then moves on", 0, keys({VK_DOWN, VK_DOWN, VK_DOWN, VK_RIGHT, VK_LEFT, VK_LEFT}),
+         3, 1, true},
+        {"Alt E", -1, altE, 1, 1, false},  // the letters' table has a test of its own
+    });
 }
 
 // The mouse over another button slides the open menu there; a click on the open button closes it for good;
@@ -422,56 +393,25 @@ TEST_F(MenuBar, KeyboardMovesAcrossTheBar)
 TEST_F(MenuBar, MouseSlidesClicksAndNudges)
 {
     Build();
-    const struct {
-        const char* name;
-        std::vector<Step> (*middle)(MenuBar&);
-        int active;  // after the middle steps, once things have settled (-1: closed)
-    } cases[] = {
-        {"sliding to the third button", [](MenuBar& t) -> std::vector<Step> {
-             return {Do([&t] { input::MoveTo(input::Centre(t.Button(2))); })};
-         }, 2},
-        // Five pixels aside, so that the two clicks make no double click.
-        {"a click on the open button closes it and leaves it closed", [](MenuBar& t) -> std::vector<Step> {
-             return {ClickAt([&t] {
-                 const POINT p = input::Centre(t.Button(0));
-                 return POINT{p.x + 5, p.y};
-             })};
-         }, -1},
-        // The way there slides the menu over; the click then closes it, as on a native menu bar.
-        {"a click on another button", [](MenuBar& t) -> std::vector<Step> { return {ClickAt(t.ButtonCentre(1))}; },
-         -1},
-        {"a two-pixel nudge after a key keeps the keyboard's menu", [](MenuBar& t) -> std::vector<Step> {
-             return {Press(VK_RIGHT), t.OpenIs(1), Pause(60), Do([&t] {
-                         const POINT p = input::Centre(t.Button(0));
-                         input::MoveTo(POINT{p.x + 2, p.y});
-                     })};
-         }, 1},
-        {"a six-pixel move after a key takes the menu back", [](MenuBar& t) -> std::vector<Step> {
-             return {Press(VK_RIGHT), t.OpenIs(1), Pause(60), Do([&t] {
-                         const POINT p = input::Centre(t.Button(0));
-                         input::MoveTo(POINT{p.x + 6, p.y});
-                     })};
-         }, 0},
+    // The mouse `dx` pixels right of button i's centre.
+    const auto beside = [this](int i, int dx) {
+        return [this, i, dx] {
+            const POINT p = input::Centre(Button(i));
+            return POINT{p.x + dx, p.y};
+        };
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        Script script(bar.get());
-        std::vector<Step> steps = {ClickAt(ButtonCentre(0)), OpenIs(0), Pause(60)};
-        for (Step& s : c.middle(*this))
-            steps.push_back(s);
-        int seen = -2;
-        steps.insert(steps.end(), {Settle([&] {
-                                       return bar->ActiveIndex() == c.active && PopupWindows().empty() == (c.active < 0);
-                                   }),
-                                   Pause(300), Do([&] { seen = bar->ActiveIndex(); }),
-                                   Do([] { input::MoveTo(kAway); }), Pause(60), Press(VK_ESCAPE), Until(Closed())});
-        ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
-        EXPECT_EQ(seen, c.active);
-        // Whatever happened, nothing opens afterwards by itself.
-        Recorder::Pump(150);
-        EXPECT_FALSE(CVuikMenuBarCtrl::IsPopupOpen());
-        EXPECT_FALSE(bar->IgnoreNextDown()) << "the closing click was the one to ignore";
-    }
+    const auto rightThenMove = [&](int dx) {
+        return std::vector<Step>{Press(VK_RIGHT), OpenIs(1), Pause(60), Do([=] { input::MoveTo(beside(0, dx)()); })};
+    };
+    Drive({
+        {"sliding to the third button", 0, {Do([=] { input::MoveTo(beside(2, 0)()); })}, 2, 1, false},
+        // Five pixels aside, so that the two clicks make no double click.
+        {"a click on the open button closes it and leaves it closed", 0, {ClickAt(beside(0, 5))}, -1, 0, false},
+        // The way there slides the menu over; the click then closes it, as on a native menu bar.
+        {"a click on another button", 0, {ClickAt(beside(1, 0))}, -1, 0, false},
+        {"a two-pixel nudge after a key keeps the keyboard's menu", 0, rightThenMove(2), 1, 1, true},
+        {"a six-pixel move after a key takes the menu back", 0, rightThenMove(6), 0, 1, false},
+    });
 }
 
 // However a popup ends, the message-filter hook goes with it, and the button is let go.
@@ -516,7 +456,7 @@ TEST_F(MenuBar, HookRemovedOnEveryWayOut)
                 }));
                 break;
         }
-        steps.push_back(Until([] { return !CVuikMenuBarCtrl::IsPopupOpen() && PopupWindows().empty(); }));
+        steps.push_back(Step([] { return !CVuikMenuBarCtrl::IsPopupOpen() && PopupWindows().empty(); }));
         ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
         EXPECT_EQ(hooksOpen, hooks + 1);
         EXPECT_EQ(counter.Live()[HandleCounter::Hook], hooks);
@@ -539,9 +479,8 @@ TEST_F(MenuBar, FontsFollowTheLanguage)
     const struct {
         const wchar_t* code;
         LONG itemHeight, buttonHeight, buttonWeight;
-    } cases[] = {{L"eng", 13, 12, FW_BOLD},    {L"chi-tc", 15, 15, FW_NORMAL}, {L"CHI-HK", 15, 15, FW_NORMAL},
-                 {L"chi-sc", 15, 15, FW_NORMAL}, {L"tha", 16, 16, FW_NORMAL},   {L"THA", 16, 16, FW_NORMAL},
-                 {L"chi", 13, 12, FW_BOLD},    {L"heb", 13, 12, FW_BOLD}};
+    } cases[] = {{L"eng", 13, 12, FW_BOLD},      {L"chi-tc", 15, 15, FW_NORMAL}, {L"CHI-HK", 15, 15, FW_NORMAL},
+                 {L"chi-sc", 15, 15, FW_NORMAL}, {L"THA", 16, 16, FW_NORMAL},    {L"chi", 13, 12, FW_BOLD}};
     CCommonModuleState& state = CCommonModuleState::Get();
     struct Restore {
         CCommonModuleState& state;
@@ -557,18 +496,14 @@ TEST_F(MenuBar, FontsFollowTheLanguage)
         CVuikMenuBarButtonSkin buttons;
         items.Load();
         buttons.Load();
+        // The face, character set and quality are the goldens'.
         LOGFONTW a = {}, b = {};
         ASSERT_TRUE(GetObjectW(items.m_hFont, sizeof(a), &a));
         ASSERT_TRUE(GetObjectW(buttons.GetFont(), sizeof(b), &b));
-        EXPECT_STREQ(a.lfFaceName, L"Zelvo Sans Wide");
-        EXPECT_STREQ(b.lfFaceName, L"Zelvo Sans Wide");
         EXPECT_EQ(a.lfHeight, c.itemHeight);
         EXPECT_EQ(a.lfWeight, FW_NORMAL);
         EXPECT_EQ(b.lfHeight, c.buttonHeight);
         EXPECT_EQ(b.lfWeight, c.buttonWeight);
-        EXPECT_EQ(b.lfCharSet, DEFAULT_CHARSET);
-        EXPECT_EQ(b.lfQuality, 5);
-        EXPECT_TRUE(items.IsValid() && buttons.IsValid());
     }
 }
 
@@ -608,7 +543,7 @@ TEST_F(MenuBar, Goldens)
                                            barPicture = CaptureShown(bar->m_hWnd);
                                            popupPicture = CaptureShown(popups.back());
                                        }),
-                                       Press(VK_ESCAPE), Until(Closed())});
+                                       Press(VK_ESCAPE), Closed()});
             ASSERT_TRUE(script.Run(steps)) << "stopped at step " << script.FailedStep();
             EXPECT_TRUE(zcmod_test::MatchesGolden(std::string(c.name) + "_popup", popupPicture.width,
                                                   popupPicture.height, popupPicture.pixels.data()));
@@ -621,8 +556,6 @@ TEST_F(MenuBar, Goldens)
             barPicture = CaptureShown(bar->m_hWnd);
             input::MoveTo(kAway);
         }
-        // The strip shows through the bar and its closed buttons.
-        EXPECT_EQ(barPicture.At(2, 2), 0x373737u) << std::hex << barPicture.At(2, 2);
         EXPECT_TRUE(zcmod_test::MatchesGolden(std::string(c.name) + "_bar", barPicture.width, barPicture.height,
                                               barPicture.pixels.data()));
         TearDown();
@@ -647,13 +580,11 @@ TEST_F(MenuBar, HandlesFlatOverManyPopups)
         cycle(i);
     Recorder::Pump(50);
     const HandleCounter::Counts before = counter.Live();
-    int opened = 0;
     recorder.Only({WM_ENTERMENULOOP});
     for (int i = 0; i < 200; ++i)
         cycle(i);
     Recorder::Pump(50);
-    opened = recorder.Count(WM_ENTERMENULOOP);
-    EXPECT_EQ(opened, 200);
+    EXPECT_EQ(recorder.Count(WM_ENTERMENULOOP), 200);
     EXPECT_EQ(counter.Live(), before) << counter.Live().ToString() << " / " << before.ToString();
     EXPECT_FALSE(CVuikMenuBarCtrl::IsPopupOpen());
 }
