@@ -13,11 +13,10 @@
 #include <vector>
 
 #include "Golden.h"
+#include "DeviceTestSupport.h"
 #include "HandleCounter.h"
 #include "TestSkins.h"
 #include "TestSupport.h"
-#include "zcmod/CommonModuleState.h"
-#include "zcmod/ResHandler.h"
 #include "zcmod/VuikMenuBarCtrl.h"
 
 using namespace testskin;
@@ -481,17 +480,9 @@ TEST_F(MenuBar, FontsFollowTheLanguage)
         LONG itemHeight, buttonHeight, buttonWeight;
     } cases[] = {{L"eng", 13, 12, FW_BOLD},      {L"chi-tc", 15, 15, FW_NORMAL}, {L"CHI-HK", 15, 15, FW_NORMAL},
                  {L"chi-sc", 15, 15, FW_NORMAL}, {L"THA", 16, 16, FW_NORMAL},    {L"chi", 13, 12, FW_BOLD}};
-    CCommonModuleState& state = CCommonModuleState::Get();
-    struct Restore {
-        CCommonModuleState& state;
-        CResHandler* handler;
-        ~Restore() { state.m_pResHandler = handler; }
-    } restore{state, state.m_pResHandler};
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(std::wstring(c.code)));
-        registry.SetLanguage(c.code);
-        CResHandler handler;  // the language is chosen once per handler
-        state.m_pResHandler = &handler;
+        zcmod_test::FreshResources language(registry, c.code);  // the language is chosen once per handler
         CVuikMenuBarSkin items;
         CVuikMenuBarButtonSkin buttons;
         items.Load();

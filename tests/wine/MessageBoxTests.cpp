@@ -96,16 +96,6 @@ void PostClick(HWND target)
     msgseq::input::Click(c);
 }
 
-void PostKey(HWND box, WPARAM key)
-{
-    GUITHREADINFO info = {};
-    info.cbSize = sizeof(info);
-    GetGUIThreadInfo(GetWindowThreadProcessId(box, nullptr), &info);
-    HWND target = info.hwndFocus ? info.hwndFocus : box;
-    PostMessageW(target, WM_KEYDOWN, key, 1);
-    PostMessageW(target, WM_KEYUP, key, 0xC0000001);
-}
-
 // How a run ends: a click on a button, a key, the close button of the frame, or WM_CLOSE.
 enum Action { Click, Escape, Enter, CloseButton, CloseMessage };
 
@@ -113,8 +103,11 @@ void Act(const Seen& s, Action action, UINT id)
 {
     switch (action) {
         case Click: PostClick(GetDlgItem(s.box, id)); break;
-        case Escape: PostKey(s.box, VK_ESCAPE); break;
-        case Enter: PostKey(s.box, VK_RETURN); break;
+        case Escape:
+        case Enter:
+            SetForegroundWindow(s.box);
+            msgseq::input::Press(action == Escape ? VK_ESCAPE : VK_RETURN);
+            break;
         case CloseButton:
             if (HWND close = GetDlgItem(s.box, CVuikWindowBackgroundCtrl::CommandClose))
                 PostClick(close);

@@ -116,20 +116,16 @@ protected:
         MapWindowPoints(m_tabs.m_hWnd, nullptr, &p, 1);
         return p;
     }
-    uint32_t At(const Capture& c, int x, int y) const
-    {
-        RECT r;
-        GetWindowRect(m_tabs.m_hWnd, &r);
-        const POINT p = ToScreen(x, y);
-        return c.At(p.x - r.left, p.y - r.top);
-    }
     // The selected tab's accent bar, from the piece itself.
     uint32_t Accent() { return m_skin.GetPiece(TAB_PIECE_SELECTED_MIDDLE)->GetPixel(0, 0); }
     // The screen at the top of tab i's middle, where a selected tab shows its accent bar.
-    uint32_t TopOf(const Capture& c, int i)
+    uint32_t TopOf(const Capture& c, int i) const
     {
         const RECT r = Item(i);
-        return At(c, (r.left + r.right) / 2, m_tabs.GetRowCount() > 1 ? r.top - 3 : r.top);
+        RECT window;
+        GetWindowRect(m_tabs.m_hWnd, &window);
+        const POINT p = ToScreen((r.left + r.right) / 2, m_tabs.GetRowCount() > 1 ? r.top - 3 : r.top);
+        return c.At(p.x - window.left, p.y - window.top);
     }
 
     testskin::LibraryState m_library;  // pictures from the test program, left to right
