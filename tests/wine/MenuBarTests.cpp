@@ -487,14 +487,18 @@ TEST_F(MenuBar, FontsFollowTheLanguage)
         CVuikMenuBarButtonSkin buttons;
         items.Load();
         buttons.Load();
-        // The face, character set and quality are the goldens'.
+        // Neither the face (a fallback under Wine) nor ClearType quality shows in the goldens.
         LOGFONTW a = {}, b = {};
         ASSERT_TRUE(GetObjectW(items.m_hFont, sizeof(a), &a));
         ASSERT_TRUE(GetObjectW(buttons.GetFont(), sizeof(b), &b));
+        EXPECT_STREQ(a.lfFaceName, L"Zelvo Sans Wide");
+        EXPECT_STREQ(b.lfFaceName, L"Zelvo Sans Wide");
         EXPECT_EQ(a.lfHeight, c.itemHeight);
         EXPECT_EQ(a.lfWeight, FW_NORMAL);
         EXPECT_EQ(b.lfHeight, c.buttonHeight);
         EXPECT_EQ(b.lfWeight, c.buttonWeight);
+        EXPECT_EQ(b.lfCharSet, DEFAULT_CHARSET);
+        EXPECT_EQ(b.lfQuality, 5);
     }
 }
 

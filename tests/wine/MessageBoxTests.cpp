@@ -36,6 +36,7 @@ struct Seen {
     std::map<UINT, RECT> buttons;  // live buttons by id; `row` holds them all
     std::map<UINT, std::wstring> buttonTexts;
     std::wstring message, title;
+    LONG_PTR textExStyle = 0;
     UINT defaultId = 0;
     bool hasIcon = false, sawText = false;
 };
@@ -77,6 +78,7 @@ Seen Look(HWND box)
                 s.text = ClientRectOf(child, box);
                 GetWindowTextW(child, buffer, 2048);
                 s.message = buffer;
+                s.textExStyle = GetWindowLongPtrW(child, GWL_EXSTYLE);
             } else {
                 s.hasIcon = true;
             }
@@ -397,9 +399,15 @@ TEST_F(MessageBoxes, GoldenBoxesInBothThemesAndLayouts)
                                     : L"Delete the message from the phone?";
         const wchar_t* title = c.rtl ? L"\x05D4\x05D5\x05D3\x05E2\x05D5\x05EA" : L"Messages";
         Capture common, plain;
-        RunBox(Common(text, title, MB_YESNOCANCEL | MB_ICONQUESTION), Escape, 0,
-               [&](const Seen& s) { common = Settled(s.box); });
+        BoxRun run = RunBox(Common(text, title, MB_YESNOCANCEL | MB_ICONQUESTION), Escape, 0,
+                            [&](const Seen& s) { common = Settled(s.box); });
         EXPECT_TRUE(MatchesGolden("msgbox_common_" + suffix, common.width, common.height, common.pixels.data()));
+        // The mirrored picture does not show the reading order of this text, nor the words of the icon buttons
+        // (their text and tips).
+        EXPECT_EQ((run.seen.textExStyle & WS_EX_RTLREADING) != 0, c.rtl);
+        EXPECT_EQ(run.seen.buttonTexts[IDYES], LanguageString(ZLR_STR_MSGBOX_YES));
+        EXPECT_EQ(run.seen.buttonTexts[IDNO], LanguageString(ZLR_STR_MSGBOX_NO));
+        EXPECT_EQ(run.seen.buttonTexts[IDCANCEL], LanguageString(ZLR_STR_MSGBOX_CANCEL));
         if (!c.rtl && c.theme == std::wstring(L"Default")) {
             // A word longer than the limit is broken over lines, as it was measured.
             const std::wstring unbroken(160, L'W');
@@ -411,7 +419,8 @@ TEST_F(MessageBoxes, GoldenBoxesInBothThemesAndLayouts)
         if (c.theme != std::wstring(L"Default"))
             continue;
         CVuikMessageBox::SetTextColor(RGB(255, 255, 255));  // over the test's dark background
-        RunBox(Plain(text, title, MB_OKCANCEL), Escape, 0, [&](const Seen& s) { plain = Settled(s.box); });
+        run = RunBox(Plain(text, title, MB_OKCANCEL), Escape, 0, [&](const Seen& s) { plain = Settled(s.box); });
+        EXPECT_EQ((run.seen.textExStyle & WS_EX_RTLREADING) != 0, c.rtl);
         EXPECT_TRUE(MatchesGolden("msgbox_plain_" + std::string(c.rtl ? "rtl" : "ltr"), plain.width, plain.height,
                                   plain.pixels.data()));
     }
