@@ -67,10 +67,11 @@ inline void Enter(HWND dialog, const std::wstring& text)
 }
 
 // Runs `call` (which opens a modal window) on this thread while `steps`, on another, drives the first window
-// of this thread that `match` knows, once it has shown, and ends it; a watchdog posts IDCANCEL to every window
-// of this thread after 20 s, so that a stuck dialog fails the test rather than hang the suite.
+// of this thread that `match` knows, once it has shown, and ends it; after `seconds` a watchdog fails the test and
+// ends the dialog by force, so that a stuck dialog does not hang the suite.
 template <class Call>
-auto RunModal(Call call, bool (*match)(HWND), const std::function<void(HWND)>& steps) -> decltype(call())
+auto RunModal(Call call, bool (*match)(HWND), const std::function<void(HWND)>& steps, int seconds = 20)
+    -> decltype(call())
 {
     const DWORD self = GetCurrentThreadId();
     std::atomic<bool> done{false};
@@ -81,12 +82,26 @@ auto RunModal(Call call, bool (*match)(HWND), const std::function<void(HWND)>& s
         }
     });
     std::thread watchdog([&] {
-        for (int i = 0; i < 2000 && !done; ++i)
+        for (int i = 0; i < seconds * 100 && !done; ++i)
             Sleep(10);
-        if (!done) {
-            ADD_FAILURE() << "the dialog did not end in 20 s";
+        if (!done)
+            ADD_FAILURE() << "the dialog did not end in " << seconds << " s";
+        // Cancel, then close, then end every dialog of this thread, until the call returns.
+        for (LPARAM attempt = 0; attempt < 3 && !done; ++attempt) {
             EnumThreadWindows(
-                self, [](HWND hwnd, LPARAM) { return PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0), TRUE; }, 0);
+                self,
+                [](HWND hwnd, LPARAM how) {
+                    if (how == 0)
+                        PostMessageW(hwnd, WM_COMMAND, IDCANCEL, 0);
+                    else if (how == 1)
+                        PostMessageW(hwnd, WM_CLOSE, 0, 0);
+                    else if (IsDialogClass(hwnd))
+                        EndDialog(hwnd, IDCANCEL);
+                    return TRUE;
+                },
+                attempt);
+            for (int i = 0; i < 200 && !done; ++i)
+                Sleep(10);
         }
     });
     const auto result = call();

@@ -224,7 +224,7 @@ public:
     }
 
     // The frame at a fixed place on the screen, right to left when `exStyle` says so, and the bar on it.
-    void Build(DWORD exStyle = 0, HMENU source = nullptr)
+    void Build(DWORD exStyle = 0)
     {
         frame.SetSkin(&strip);
         ASSERT_TRUE(frame.Create(msgseq::PlainClass(), nullptr, RECT{40, 40, 440, 160}, L"", 0,
@@ -240,7 +240,7 @@ public:
             *result = 0;
             return true;
         });
-        menu = source ? source : MakeMenu();
+        menu = MakeMenu();
         bar = std::make_unique<CTestMenuBar>();
         ASSERT_TRUE(bar->Create(menu, frame.m_hWnd, POINT{0, 30}, host));
         SetForegroundWindow(frame.m_hWnd);
