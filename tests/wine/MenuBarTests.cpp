@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "Golden.h"
 #include "DeviceTestSupport.h"
+#include "Golden.h"
 #include "HandleCounter.h"
 #include "TestSkins.h"
 #include "TestSupport.h"
