@@ -32,6 +32,9 @@ TEST(PhonePaths, MirrorAndPhonePathsBothWays)
               kRoot + L"s\\ab");
     for (const std::wstring& outside : {kTemp + L"other\\x", kMirror + L"X\\y", kMirror, kMirror + L"\\", std::wstring()})
         EXPECT_EQ(MirrorToPhonePath(outside, kMirror), L"") << outside.c_str();
+    // The service's form of a file's place: the folder with its leading separator and the drive's ":".
+    const PhoneFile file = SplitMirrorPath(kMirror + L"\\3581234\\C\\Pictures\\Trip\\cat.jpg", kMirror);
+    EXPECT_EQ(file.serial + L"|" + file.folder + L"|" + file.fileName, L"3581234|\\C:\\Pictures\\Trip|cat.jpg");
 }
 
 TEST(PhonePaths, HostileNamesFromAPhoneNeverLeaveTheMirror)
