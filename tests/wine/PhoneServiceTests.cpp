@@ -1,6 +1,6 @@
 // The stand-in connectivity service through the loaders, serving the calls the library makes: the device list
-// and its notifications from the controller in another process, the contacts with the searches that the contact
-// search sends. (Copies are the phone file dialog's tests, the recipient picker's reads its own tests'.)
+// and its notifications from the controller in another process, a refused copy, the contacts with the searches
+// that the contact search sends. (The recipient picker's reads are its own tests'.)
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -148,6 +148,37 @@ TEST_F(Service, DeviceListAndItsNotificationsReachTwoApplications)
     EXPECT_NE(second.output.find(lines), std::string::npos) << second.output;
     EXPECT_EQ(second.exitCode, 0u);
     EXPECT_EQ(LNKACloseDM(dm), S_OK);
+}
+
+namespace {
+
+HRESULT CALLBACK RefuseTheTransfer(DWORD, DWORD, DWORD64)
+{
+    return LNKA_E_CANCELLED;
+}
+
+}  // namespace
+
+// A listener that refuses a transfer stops it: the target is left as it was, with no partial file beside it.
+// (Copies that go through, and an unplug during one, are the phone file dialog's tests.)
+TEST_F(Service, ARefusedCopyLeavesTheTargetAsItWas)
+{
+    const std::wstring serial = phones.New(L"files", L"--files 8");
+    ASSERT_EQ(FSAPI_Initialize(kFsapiVersion, 0), S_OK);
+    HLNKAFS fs = nullptr;
+    DWORD media = LNKA_MEDIA_USB, id = 0;
+    ASSERT_EQ(LNKAOpenFS(serial.c_str(), &media, &fs, &id), S_OK);
+    ScratchFolder scratch;
+    const std::vector<uint8_t> old = {'o', 'l', 'd'};
+    scratch.Write(L"IMG_0001.jpg", old);
+    std::wstring pc = scratch.File(L"");
+    pc.pop_back();
+    ASSERT_EQ(LNKARegisterFSNotifyCallback(fs, API_REGISTER, RefuseTheTransfer), S_OK);
+    EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"IMG_0001.jpg", L"\\C:\\Pictures", pc.c_str()),
+              LNKA_E_CANCELLED);
+    EXPECT_TRUE(ReadBytes(scratch.File(L"IMG_0001.jpg")) == old) << "the target is left as it was";
+    EXPECT_EQ(GetFileAttributesW(scratch.File(L"IMG_0001.jpg.partial").c_str()), INVALID_FILE_ATTRIBUTES);
+    EXPECT_EQ(LNKACloseFS(fs), S_OK);
 }
 
 namespace {
