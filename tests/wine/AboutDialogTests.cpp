@@ -172,6 +172,8 @@ TEST_F(AboutDialog, ClosesByEveryPathWithItsId)
             if (tick > 0)
                 return;
             seen = box;
+            EXPECT_EQ(GetPropW(box, L"__DeskHubCCommonAboutDlgInstance"), static_cast<HANDLE>(&about));
+            EXPECT_TRUE(GetClassLongPtrW(box, GCL_STYLE) & CS_DROPSHADOW) << "a shadow, which no capture shows";
             EXPECT_EQ(GetDlgItem(box, kCaptionIcon) != nullptr, c.icon != 0) << "the caption icon";
             HWND ok = GetDlgItem(box, IDOK);
             ASSERT_NE(ok, nullptr);
@@ -247,6 +249,9 @@ TEST_F(AboutDialog, RightToLeftLanguageFlipsTheTemplate)
         GetWindowRect(GetDlgItem(box, kCaptionClose), &close);
         EXPECT_EQ(ok.left - frame.left, 33) << "the OK button 33 pixels in from the left";
         EXPECT_LT(close.left - frame.left, (frame.right - frame.left) / 2);
+        wchar_t text[16] = {};
+        GetWindowTextW(GetDlgItem(box, IDOK), text, 16);
+        EXPECT_STREQ(text, L"\x05D0\x05D9\x05E9\x05D5\x05E8") << "the OK button's name, drawn as a mark";
         EndDialog(box, IDOK);
     });
 }

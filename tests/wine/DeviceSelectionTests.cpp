@@ -62,6 +62,7 @@ TEST_F(DeviceSelection, RefusesWhatItCannotWatch)
     DestroyWindow(child);
 
     ASSERT_EQ(wrapper.Initialize(app.Get()), 0);
+    EXPECT_NE(GetPropW(app.Get(), L"__DeskHubCCSDWrapperImplInstancePtr"), nullptr);
     EXPECT_EQ(wrapper.Initialize(app.Get()), static_cast<long>(0x80004005L)) << "watched already";
     CCSDWrapper other;
     EXPECT_EQ(other.Initialize(app.Get()), static_cast<long>(0x80004005L)) << "another wrapper's window";
@@ -311,6 +312,7 @@ TEST(TitleBar, ShowsFileApplicationAndPhoneState)
         EXPECT_EQ(app.Title(), std::wstring(L"Report.txt | Editor | ") + c.unsupported);
         helper.OnDeviceDetached(L"Zelvo");
         EXPECT_EQ(app.Title(), std::wstring(L"Report.txt | Editor | ") + c.noDevice);
+        EXPECT_STREQ(helper.m_szDeviceManufacturer, L"Zelvo") << "the manufacturer stays";
 
         // All parts off gives an empty title, the phone state alone no separator.
         helper.SetFilename(L"", 0);
