@@ -74,11 +74,8 @@ TEST_F(DeviceSelection, RefusesWhatItCannotWatch)
     EXPECT_EQ(wrapper.SelectDevice(1), static_cast<long>(0x80004003L));
 }
 
-TEST(DeviceSelectionResources, MissingModulesFailTheStart)
+TEST_F(DeviceSelection, MissingModulesFailTheStart)
 {
-    SuiteRegistry suite;
-    AppWindow app;
-    CCSDWrapper wrapper;
     {
         FreshResources resources(suite, L"xyz");
         EXPECT_EQ(wrapper.Initialize(app.Get()), -11);
