@@ -157,7 +157,7 @@ TEST_F(PNGAnimationTest, ResultCodesOfEachOperation)
         Step run;
         bool result;
         int code;
-        Step after;  // what else must hold afterwards, if anything
+        Step after = nullptr;  // what else must hold afterwards, if anything
     };
     const Case cases[] = {
         {"members: false even on success", false, [](Animation& a) { return a.SetAnimationMembers(4, 9, 0); }, false, 0,
@@ -176,7 +176,6 @@ TEST_F(PNGAnimationTest, ResultCodesOfEachOperation)
          [=](Animation& a) { return !a.SetBitmapHandles(-1, b) && a.SetBitmapHandles(3, b) && a.SetStartupFrame(3); },
          true, 0, [=](Animation& a) { return a.GetLastBitmapHandle() == b && a.GetLastBitmapIndex() == 3; }},
         {"startup: = frames", true, [](Animation& a) { return a.SetStartupFrame(4); }, false, 7},
-        {"startup: negative passes", true, [](Animation& a) { return a.SetStartupFrame(-2); }, true, 0},
         {"window: null pointer", false, [](Animation& a) { return a.SetDestinationWindow(nullptr); }, false, 4},
         {"stop: no worker", false, [](Animation& a) { return a.StopAnimation(); }, false, 3},
         {"delete: no worker, the array goes all the same, the bitmaps stay", true,
@@ -265,7 +264,6 @@ TEST_F(PNGAnimationTest, StopWithinTwoSecondsAndTheWorkerEnds)
         bool destroyWindow, once, withArray;
     };
     const Case cases[] = {
-        {"looping", 30, false, false, true},
         {"window destroyed while playing", 30, true, false, true},
         {"a frame's delay longer than the stop's wait", 10000, false, false, true},
         {"one pass still running", 10000, false, true, true},
@@ -287,8 +285,9 @@ TEST_F(PNGAnimationTest, StopWithinTwoSecondsAndTheWorkerEnds)
             Sleep(100);
             EXPECT_EQ(WaitForSingleObject(worker, 0), static_cast<DWORD>(WAIT_TIMEOUT));
         }
-        if (!c.withArray)
+        if (!c.withArray) {
             EXPECT_EQ(WaitForSingleObject(worker, 5000), WAIT_OBJECT_0);
+        }
         const DWORD start = GetTickCount();
         EXPECT_TRUE(a.StopAnimation());
         EXPECT_LE(GetTickCount() - start, 2000u);
