@@ -212,8 +212,13 @@ TEST(GifFrameFile, RecordsOfTheCallersOwnAreChecked)
     ASSERT_FALSE(out.empty());
     EXPECT_FALSE(BuildGifFrameFile(gif.b.data(), n, *w.info, 1, out.data(), out.size() - 1));  // the output is short
     EXPECT_EQ(GifFrameFileSize(n, *w.info, 512), 0u);
-    // (Images that leave the file are the fuzzer's.) A prefix that ends inside the control block's data: the patch would leave the prefix, so none is made.
+    // An image that leaves the file.
     ZBUGIFFileStruct bad = *w.info;
+    bad.imageOffset[1] = 0xFFFFFFF0u;
+    EXPECT_EQ(GifFrameFileSize(n, bad, 1), 0u);
+    EXPECT_FALSE(BuildGifFrameFile(gif.b.data(), n, bad, 1, out.data(), out.size()));
+    // A prefix that ends inside the control block's data: the patch would leave the prefix, so none is made.
+    bad = *w.info;
     bad.imageOffset[0] = 13 + 6 + 5;  // the block's 0x21, 0xF9, 0x04 and two data bytes
     Bytes frame(GifFrameFileSize(n, bad, 1), 0xEE);
     ASSERT_TRUE(BuildGifFrameFile(gif.b.data(), n, bad, 1, frame.data(), frame.size()));
