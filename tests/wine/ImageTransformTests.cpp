@@ -117,9 +117,9 @@ TEST(ImageTransform, PixelHelpersTheBlendFunctionAndABlendOverAPieceOfABackgroun
     EXPECT_EQ(TestBitmapUtil::GetPixel(3, 1, buffer, 4, 2), 0xABCDEFul);
     EXPECT_EQ(buffer[24], 0x55);
     TestBitmapUtil util;
-    unsigned char image[] = {200}, alpha[] = {128}, background[] = {100}, result[1];
+    unsigned char image[] = {200}, alpha[] = {64}, background[] = {100}, result[1];
     util.AlphaBlendFunction(image, alpha, background, result, 1);
-    EXPECT_EQ(result[0], 149);  // (200 * 127 + 100 * 128) >> 8: the bytes reach the blend in their order
+    EXPECT_EQ(result[0], 174);  // (200 * 191 + 100 * 64) >> 8: image and background reach the blend in their order
     util.AlphaBlendFunction(image, nullptr, background, result, 1);
     EXPECT_EQ(util.GetLastError(), ZBU_BAD_ARG2);
     util.AlphaBlendFunction(image, alpha, background, nullptr, 1);
