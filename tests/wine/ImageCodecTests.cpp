@@ -255,19 +255,16 @@ TEST(ImagePng, OutcomesByDepthBrokenAndForeignBlocksAndThePlaneOfRgba)
 
 // ---- Damaged files ------------------------------------------------------------------------------------------------
 
-TEST(ImageRobustness, HostileGifScreenAndChainFailWithoutHarm)
+TEST(ImageRobustness, AGifScreenTooLargeToMakeComposesNoFrame)
 {
-    // (Damaged files of every format are the fuzzers' on the portable decoders.)
+    // (Damaged files of every format, chains that run off the end among them, are the fuzzers' on the portable
+    // decoders.) A GIF screen of 65535 x 65535 can't be made: no frame is composed, and the file goes on to the
+    // picture route, which decodes the first image alone.
     ScratchFolder scratch;
-    // A GIF screen of 65535 x 65535 can't be made: no frame is composed, and the file goes on to the picture
-    // route, which decodes the first image alone. A chain length that points past the end ends the walk.
-    TestBitmapUtil fresh;
+    TestBitmapUtil util;
     Bytes gif = TinyAnimation(3, 1);
     gif[6] = gif[7] = gif[8] = gif[9] = 0xFF;
-    fresh.NLoadBitmap(scratch.Write(L"huge.gif", gif).c_str(), BT_IMAGE, 0);
-    EXPECT_LE(fresh.GetNumberOfBitmaps(BT_IMAGE), 1);
-    EXPECT_EQ(fresh.GetBitmapHandle(BT_IMAGE, 1), nullptr);
-    Bytes chain = TinyAnimation(2, 1);
-    chain[chain.size() - 5] = 0xF0;
-    fresh.NLoadBitmap(scratch.Write(L"chain.gif", chain).c_str(), BT_IMAGE, 0);
+    util.NLoadBitmap(scratch.Write(L"huge.gif", gif).c_str(), BT_IMAGE, 0);
+    EXPECT_LE(util.GetNumberOfBitmaps(BT_IMAGE), 1);
+    EXPECT_EQ(util.GetBitmapHandle(BT_IMAGE, 1), nullptr);
 }
