@@ -149,21 +149,47 @@ TEST_F(EditCtrlTest, RingShowsAPlainParentOrTheWindowColour)
 
 // ---- List view -------------------------------------------------------------------------------------------
 
-// A recording owner that draws the list's rows: the skin's fill, the theme's highlight for the selection and
-// the theme's text.
-class ListViewCtrlTest : public ::testing::Test {
-protected:
-    HWND MakeList(const RECT& where, bool rtl, DWORD style)
-    {
-        m_owner = m_rec.CreateParent("owner", where);
-        if (rtl)
-            SetWindowLongPtrW(m_owner, GWL_EXSTYLE, GetWindowLongPtrW(m_owner, GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
-        m_rec.SetHandler([this](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT* result) {
+// Whatever the style it was made with (one per look), the list becomes an owner-drawn report view with a border
+// and a header. A click and the Down key select rows that its owner draws (the skin's fill, the theme's
+// highlight for the selection), while the header stays painted; the golden pins the header (gradient, line,
+// separators, clipped text in the skin's font) and the rows.
+TEST(ListViewCtrlTest, AnyStyleBecomesAReportViewSelectedByMouseAndKeyboard)
+{
+    const DWORD styles[] = {LVS_ICON | WS_VSCROLL | WS_HSCROLL, LVS_LIST | LVS_NOSCROLL, LVS_SMALLICON | LVS_SINGLESEL,
+                            LVS_REPORT};
+    const struct {
+        const wchar_t* text;
+        int width, format;
+    } columns[] = {{L"Name", 120, LVCFMT_LEFT},
+                   {L"Phone", 110, LVCFMT_RIGHT},
+                   {L"A note long enough to run past its column's edge", 90, LVCFMT_LEFT}};
+    const wchar_t* names[] = {L"Ada Lovelace", L"Alan Turing", L"Grace Hopper", L"Edsger Dijkstra", L"Barbara Liskov"};
+    for (size_t i = 0; i < 4; ++i) {
+        const Look& look = kLooks[i];
+        SCOPED_TRACE(look.Suffix());
+        ThemeScope theme(look);
+        Recorder rec;
+        HWND owner = rec.CreateParent("owner", RECT{100, 100, 460, 300});
+        if (look.rtl)
+            SetWindowLongPtrW(owner, GWL_EXSTYLE, GetWindowLongPtrW(owner, GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
+        HWND list = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | WS_VISIBLE | styles[i], 10, 10, 340, 180, owner,
+                                    nullptr, GetModuleHandleW(nullptr), nullptr);
+        CVuikListViewCtrl ctrl;
+        ASSERT_TRUE(ctrl.SubclassWindow(list));
+        const LONG_PTR style = GetWindowLongPtrW(list, GWL_STYLE);
+        EXPECT_EQ(style & (WS_VSCROLL | WS_HSCROLL | LVS_NOSCROLL | LVS_TYPEMASK | WS_BORDER | LVS_OWNERDRAWFIXED),
+                  LVS_REPORT | WS_BORDER | LVS_OWNERDRAWFIXED);
+        EXPECT_EQ(style & LVS_SINGLESEL, styles[i] & LVS_SINGLESEL);
+        ASSERT_EQ(ctrl.GetHeader(), ListView_GetHeader(list));
+
+        const CVuikListViewSkinDef listDef = *ctrl.GetSkin();
+        const COLORREF fill = RGB(listDef.m_crFill >> 16 & 0xFF, listDef.m_crFill >> 8 & 0xFF, listDef.m_crFill & 0xFF);
+        const COLORREF highlight = ThemeColour(ZGR_COLOR_HIGHLIGHT);
+        rec.SetHandler([&](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT* result) {
             if (message != WM_DRAWITEM)
                 return false;
             const DRAWITEMSTRUCT* item = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
-            const bool selected = (item->itemState & ODS_SELECTED) != 0;
-            HBRUSH brush = CreateSolidBrush(selected ? m_highlight : m_fill);
+            HBRUSH brush = CreateSolidBrush((item->itemState & ODS_SELECTED) ? highlight : fill);
             FillRect(item->hDC, &item->rcItem, brush);
             DeleteObject(brush);
             wchar_t text[64] = {};
@@ -176,78 +202,18 @@ protected:
             *result = TRUE;
             return true;
         });
-        m_list =
-            CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | WS_VISIBLE | style, 10, 10, where.right - where.left - 20,
-                            where.bottom - where.top - 20, m_owner, nullptr, GetModuleHandleW(nullptr), nullptr);
-        return m_list;
-    }
-    void AddColumns()
-    {
-        const struct {
-            const wchar_t* text;
-            int width, format;
-        } columns[] = {{L"Name", 120, LVCFMT_LEFT},
-                       {L"Phone", 110, LVCFMT_RIGHT},
-                       {L"A note long enough to run past its column's edge", 90, LVCFMT_LEFT}};
-        for (int i = 0; i < 3; ++i)
-            InsertColumn(m_list, i, columns[i].text, columns[i].width, columns[i].format);
-        const wchar_t* names[] = {L"Ada Lovelace", L"Alan Turing", L"Grace Hopper", L"Edsger Dijkstra",
-                                  L"Barbara Liskov"};
-        for (int i = 0; i < 5; ++i)
-            InsertItem(m_list, i, names[i]);
-    }
-    void TearDown() override
-    {
-        input::LeftUp();
-        if (m_owner)
-            DestroyWindow(m_owner);
-        Recorder::Pump(20);
-    }
-    // Row `row`'s middle, `x` in from the list's leading edge, on the screen.
-    POINT RowPoint(int row, int x) const
-    {
-        RECT r = {};
-        r.left = LVIR_BOUNDS;
-        SendMessageW(m_list, LVM_GETITEMRECT, row, reinterpret_cast<LPARAM>(&r));
-        POINT p = {x, (r.top + r.bottom) / 2};
-        ClientToScreen(m_list, &p);
-        return p;
-    }
-
-    Recorder m_rec;
-    HWND m_owner = nullptr;
-    HWND m_list = nullptr;
-    COLORREF m_fill = RGB(255, 255, 255);
-    COLORREF m_highlight = RGB(0, 0, 0);
-};
-
-// Whatever the style it was made with (one per look), the list becomes an owner-drawn report view with a border
-// and a header. A click and the Down key select rows that the owner draws in the highlight, while the header
-// stays painted; the golden pins the header (gradient, line, separators, clipped text in the skin's font) and
-// the rows.
-TEST_F(ListViewCtrlTest, AnyStyleBecomesAReportViewSelectedByMouseAndKeyboard)
-{
-    const DWORD styles[] = {LVS_ICON | WS_VSCROLL | WS_HSCROLL, LVS_LIST | LVS_NOSCROLL, LVS_SMALLICON | LVS_SINGLESEL,
-                            LVS_REPORT};
-    for (size_t i = 0; i < 4; ++i) {
-        const Look& look = kLooks[i];
-        SCOPED_TRACE(look.Suffix());
-        ThemeScope theme(look);
-        m_highlight = ThemeColour(ZGR_COLOR_HIGHLIGHT);
-        HWND list = MakeList(RECT{100, 100, 460, 300}, look.rtl, styles[i]);
-        CVuikListViewCtrl ctrl;
-        ASSERT_TRUE(ctrl.SubclassWindow(list));
-        const LONG_PTR style = GetWindowLongPtrW(list, GWL_STYLE);
-        EXPECT_EQ(style & (WS_VSCROLL | WS_HSCROLL | LVS_NOSCROLL | LVS_TYPEMASK | WS_BORDER | LVS_OWNERDRAWFIXED),
-                  LVS_REPORT | WS_BORDER | LVS_OWNERDRAWFIXED);
-        EXPECT_EQ(style & LVS_SINGLESEL, styles[i] & LVS_SINGLESEL);
-        ASSERT_EQ(ctrl.GetHeader(), ListView_GetHeader(list));
-        const CVuikListViewSkinDef listDef = *ctrl.GetSkin();
-        m_fill = RGB(listDef.m_crFill >> 16 & 0xFF, listDef.m_crFill >> 8 & 0xFF, listDef.m_crFill & 0xFF);
-        AddColumns();
-        SetForegroundWindow(m_owner);
+        for (int c = 0; c < 3; ++c)
+            InsertColumn(list, c, columns[c].text, columns[c].width, columns[c].format);
+        for (int row = 0; row < 5; ++row)
+            InsertItem(list, row, names[row]);
+        SetForegroundWindow(owner);
         Recorder::Pump(40);
-        input::Click(RowPoint(2, 40));
+        // A click 40 pixels in from the list's leading edge, on the third row.
+        RECT row = {LVIR_BOUNDS, 0, 0, 0};
+        SendMessageW(list, LVM_GETITEMRECT, 2, reinterpret_cast<LPARAM>(&row));
+        POINT at = {40, (row.top + row.bottom) / 2};
+        ClientToScreen(list, &at);
+        input::Click(at);
         Recorder::Pump(60);
         EXPECT_EQ(ListView_GetNextItem(list, -1, LVNI_SELECTED), 2);
         input::Key(VK_DOWN, false);
@@ -259,8 +225,8 @@ TEST_F(ListViewCtrlTest, AnyStyleBecomesAReportViewSelectedByMouseAndKeyboard)
         const Capture whole = CaptureOnScreen(list);
         EXPECT_TRUE(
             zcmod_test::MatchesGolden("listview_" + look.Suffix(), whole.width, whole.height, whole.pixels.data()));
-        DestroyWindow(m_owner);
-        m_owner = nullptr;
+        DestroyWindow(owner);
+        Recorder::Pump(20);
     }
 }
 
