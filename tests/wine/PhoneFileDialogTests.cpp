@@ -66,6 +66,7 @@ TEST_F(PhoneFileDialog, FolderKinds)
     DataFolder(L"Msgs", "<Folder Name=\"Text Messages\"/>");
     DataFolder(L"Msgs\\Inbox", "<Folder Name=\"Inbox\"/>");  // the topmost of the run decides
     DataFolder(L"Cal", "<Folder Name=\"Calendar\"/>");
+    DataFolder(L"Pics", "<Folder Name=\"My Pictures\"/>");  // any other "My " folder is a plain one
     DataFolder(L"NoName", "<Folder Forbidden=\"A\"/>");
     DataFolder(L"Broken", "<Folder Name=");
     DataFolder(L"Plain", "");
@@ -78,6 +79,7 @@ TEST_F(PhoneFileDialog, FolderKinds)
         {dataRoot + L"\\Contacts\\Family\\", CFD_FOLDER_CONTACTS},
         {dataRoot + L"\\Msgs\\Inbox", CFD_FOLDER_MESSAGES},
         {dataRoot + L"\\Cal\\day.vcs", CFD_FOLDER_CALENDAR},
+        {dataRoot + L"\\Pics", CFD_FOLDER_NONE},
         {dataRoot + L"\\NoName", CFD_FOLDER_UNKNOWN},
         {dataRoot + L"\\Broken", CFD_FOLDER_UNKNOWN},
         {dataRoot + L"\\Plain", CFD_FOLDER_NONE},
@@ -280,16 +282,23 @@ TEST_F(PhoneFileDialog, SaveRefusesForbiddenFoldersAndReadOnlyFiles)
     CFD_SetListener(nullptr);
 }
 
-// The longest title kept (the rule for longer ones is the path rules' own) fits the object's buffer whole.
 TEST_F(PhoneFileDialog, FileDialogObjectKeepsTitlesOfUpTo63Characters)
 {
-    const std::wstring name(63, L'n'), path = DataFolder(L"Titles", "") + L"\\" + name + L".txt";
-    WriteText(path, "x");
-    CNFileDialog dialog(TRUE, L".txt", nullptr, 0, L"Text|*.txt|", nullptr);
-    EXPECT_EQ(RunFileDialog([&] { return dialog.DoModal(); }, [&](HWND d) { Enter(d, path); }), 1);
-    EXPECT_EQ(std::wstring(dialog.GetFileNameTitle()), name);
-    EXPECT_EQ(std::wstring(dialog.GetFileName()), name + L".txt");
-    EXPECT_EQ(std::wstring(dialog.GetFileExt()), L"txt");
+    const std::wstring folder = DataFolder(L"Titles", "");
+    const std::wstring name63(63, L'n'), name64(64, L'n');
+    const struct {
+        std::wstring name;
+        std::wstring title;
+    } cases[] = {{name63 + L".txt", name63}, {name64 + L".txt", L""}};
+    for (const auto& c : cases) {
+        WriteText(folder + L"\\" + c.name, "x");
+        CNFileDialog dialog(TRUE, L".txt", nullptr, 0, L"Text|*.txt|", nullptr);
+        EXPECT_EQ(RunFileDialog([&] { return dialog.DoModal(); }, [&](HWND d) { Enter(d, folder + L"\\" + c.name); }),
+                  1);
+        EXPECT_EQ(std::wstring(dialog.GetFileNameTitle()), c.title);
+        EXPECT_EQ(std::wstring(dialog.GetFileName()), c.name);
+        EXPECT_EQ(std::wstring(dialog.GetFileExt()), L"txt");
+    }
 }
 
 }  // namespace
