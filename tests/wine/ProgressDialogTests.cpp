@@ -16,8 +16,6 @@
 #include <random>
 #include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 #include "DeviceTestSupport.h"
 #include "DrivenModal.h"
@@ -127,7 +125,6 @@ public:
     std::atomic<bool> initialised{false};
     HANDLE holdInit = nullptr;  // set: WM_INITDIALOG waits for it first
     bool fixFrame = false;      // stop the animation and paint frame 4 for a stable picture
-    RECT Animation() const { return m_rcAnimation; }
 
 protected:
     BOOL OnInitDialog() override
