@@ -159,7 +159,8 @@ const ImportHook kHooks[] = {
     ZCMOD_FREER(user32, ReleaseDC, GdiSpace, 1), ZCMOD_FREER(user32, SetWindowRgn, GdiSpace, 1),
     ZCMOD_FREER(user32, DestroyIcon, UserSpace, 0), ZCMOD_FREER(user32, DestroyWindow, UserSpace, 0),
     ZCMOD_FREER(user32, UnhookWindowsHookEx, UserSpace, 0),
-    ZCMOD_FREER(comctl32, ImageList_Destroy, ImageListSpace, 0), ZCMOD_OWN(LoadImageW), ZCMOD_OWN(CopyImage), ZCMOD_OWN(SetTimer), ZCMOD_OWN(KillTimer),
+    ZCMOD_FREER(comctl32, ImageList_Destroy, ImageListSpace, 0),
+    ZCMOD_OWN(LoadImageW), ZCMOD_OWN(CopyImage), ZCMOD_OWN(SetTimer), ZCMOD_OWN(KillTimer),
 };
 // clang-format on
 
