@@ -23,7 +23,7 @@ TEST(ColorString, ComponentsWrapAt65536BeforeTheCapAndMissingPartsAreZero)
     EXPECT_EQ(Color(L"300,20"), 0x000014FFu);     // capped, and no blue
     EXPECT_EQ(Color(L"70000,1,2"), 0x000201FFu);  // 70000 -> 4464 -> 255
     EXPECT_EQ(Color(L"65537,1,2"), 0x00020101u);  // 65537 -> 1
-    EXPECT_EQ(Color(L"5"), 5u);  // red alone
+    EXPECT_EQ(Color(L"5"), 5u);                   // red alone
     EXPECT_EQ(Color(L"no digits"), 0u);
     EXPECT_EQ(Color(L"7,,9"), 0x00090007u);
     EXPECT_EQ(Color(L"1,2,3,4"), 0x00030201u);

@@ -382,8 +382,7 @@ TEST(SkinPrimitives, MaskedDrawWithoutStretchBlendsEveryPixelByTheRule)
             SelectObject(dc, old);
             DeleteDC(dc);
             EXPECT_TRUE(ReadBitmap(canvas).Is([&](int x, int y) { return expected[y * tw + x]; }))
-                << pictureBits << "-bit picture on a " << t.bits << "-bit target"
-                                        << (t.clip ? ", clipped" : "");
+                << pictureBits << "-bit picture on a " << t.bits << "-bit target" << (t.clip ? ", clipped" : "");
         }
     ReleaseDC(nullptr, screen);
 }
