@@ -62,19 +62,20 @@ const wchar_t* AppClass()
 void Pump(DWORD ms = 50) { msgseq::Recorder::Pump(ms); }
 
 // A top-level window with a view child and the drawn frame over both; a dialog's frame is over the top-level
-// window itself.
+// window itself. The window's native menu, if given, becomes the frame's menu bar.
 struct Framed {
     explicit Framed(DWORD flags, const wchar_t* title = L"", RECT r = {60, 60, 460, 320},
-                    const CAPTIONAPPICONDATA* icon = nullptr, bool settle = true)
+                    const CAPTIONAPPICONDATA* icon = nullptr, bool settle = true, HMENU menu = nullptr)
     {
         top = CreateWindowExW(0, AppClass(), title, WS_OVERLAPPEDWINDOW | WS_VISIBLE, r.left, r.top, r.right - r.left,
-                              r.bottom - r.top, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr);
+                              r.bottom - r.top, nullptr, menu, GetModuleHandleW(nullptr), nullptr);
         RECT client;
         GetClientRect(top, &client);
         view = (flags & Frame::CAPTION_ISDIALOG)
                    ? top
                    : CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, client.right,
                                      client.bottom, top, nullptr, GetModuleHandleW(nullptr), nullptr);
+        skin.SetMenuBarVisible(menu ? 1 : 0);
         frame.SetSkin(&skin);
         subclassed = frame.SubclassWindow(view, top, icon, flags);
         if (settle) {
@@ -202,8 +203,9 @@ TEST_F(WindowBackground, CaptionFlagsMakeTheirButtonsInARowFromTheRight)
             EXPECT_EQ(r.top, 15 - (r.bottom - r.top) / 2);
         }
     }
-    // No frame over a view that isn't the window's child, unless it is a dialog.
+    // No frame over a view that isn't the window's child, unless it is a dialog. No menu, no bar.
     Framed plain(kAll);
+    EXPECT_EQ(plain.frame.GetMenuBar(), nullptr);
     HWND other = CreateWindowExW(0, L"Static", nullptr, WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
     CVuikWindowBackgroundSkin skin;
     Frame stranger;
@@ -332,8 +334,9 @@ TEST_F(WindowBackground, HitTestsStyleAndCloseOfAWindowAndOfADialog)
             POINT at = {100, p.y};
             ClientToScreen(w.top, &at);
             EXPECT_EQ(SendMessageW(w.top, WM_NCHITTEST, 0, MAKELPARAM(at.x, at.y)), p.topLevel) << "y " << p.y;
-            if (!dialog)
+            if (!dialog) {
                 EXPECT_EQ(SendMessageW(w.view, WM_NCHITTEST, 0, MAKELPARAM(at.x, at.y)), HTTRANSPARENT) << "y " << p.y;
+            }
         }
         RECT client, window;
         GetClientRect(w.top, &client);
@@ -426,65 +429,49 @@ TEST_F(WindowBackground, NativeMenuBecomesAMenuBarUnderTheCaption)
         HMENU file = CreatePopupMenu();
         AppendMenuW(file, MF_STRING, 42, L"&Open");
         AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(file), L"&File");
-        HWND top = CreateWindowExW(0, AppClass(), L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 60, 60, 400, 300, nullptr,
-                                   menu, GetModuleHandleW(nullptr), nullptr);
-        RECT client;
-        GetClientRect(top, &client);
-        HWND view = CreateWindowExW(0, L"Static", nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, 0, 0, client.right,
-                                    client.bottom, top, nullptr, GetModuleHandleW(nullptr), nullptr);
-        CVuikWindowBackgroundSkin skin;
-        skin.SetMenuBarVisible(1);
-        {
-            Frame frame;
-            frame.SetSkin(&skin);
-            ASSERT_TRUE(frame.SubclassWindow(view, top, nullptr, kAll));
-            EXPECT_EQ(GetMenu(top), nullptr) << "the native menu is taken off";
-            EXPECT_EQ(frame.GetMenuHandle(), menu);
-            ASSERT_TRUE(frame.GetMenuBar());
-            HWND bar = frame.GetMenuBar()->m_hWnd;
-            ASSERT_TRUE(IsWindow(bar));
-            EXPECT_EQ(GetParent(bar), view);
-            // Right to left, the bar is mirrored by the platform, as it expects; the view stays as it was.
-            EXPECT_EQ((GetWindowLongW(bar, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0, layout != 0);
-            EXPECT_EQ(GetWindowLongW(view, GWL_EXSTYLE) & WS_EX_LAYOUTRTL, 0);
-            SetWindowPos(top, nullptr, 0, 0, 480, 320, SWP_NOMOVE | SWP_NOZORDER);
-            RECT r;
-            GetWindowRect(bar, &r);
-            MapWindowPoints(nullptr, view, reinterpret_cast<POINT*>(&r), 2);
-            EXPECT_EQ(r.left, 0);
-            EXPECT_EQ(r.top, 30);
-            EXPECT_EQ(r.right, 480) << "the bar follows the view's width";
-            EXPECT_EQ(r.bottom, 60);
-            // Alt and the mnemonic go through the bar's accelerators; a plain key doesn't.
-            MSG plain = {bar, WM_KEYDOWN, 'F', 0};
-            MSG alt = {bar, WM_SYSKEYDOWN, 'F', 1 << 29};  // the context bit: Alt is held
-            EXPECT_EQ(frame.TranslateMenuAccelerator(&plain), 0);
-            EXPECT_EQ(frame.TranslateMenuAccelerator(nullptr), 0);
-            BYTE keys[256] = {}, held[256] = {};
-            GetKeyboardState(keys);
-            memcpy(held, keys, sizeof(held));
-            held[VK_MENU] = 0x80;  // Alt is down, as the accelerator asks
-            SetKeyboardState(held);
-            EXPECT_NE(frame.TranslateMenuAccelerator(&alt), 0);
-            SetKeyboardState(keys);
-            MSG open;
-            while (PeekMessageW(&open, bar, 0, 0, PM_REMOVE)) {
-            }  // the popup it asked to open stays closed
-            // The strip under the caption: its two lines, then the caption's fill.
-            UpdateWindow(top);
-            Pump(100);
-            const Capture c = CaptureWindow(view);
-            EXPECT_TRUE(Near(c.At(300, 30), 0x232323, 2)) << std::hex << c.At(300, 30);
-            EXPECT_TRUE(Near(c.At(300, 31), 0x5A5A5A, 2)) << std::hex << c.At(300, 31);
-            EXPECT_TRUE(Near(c.At(300, 59), 0x373737, 2)) << std::hex << c.At(300, 59);
-            EXPECT_TRUE(Near(c.At(300, 61), 0xFFFFFF, 0)) << std::hex << c.At(300, 61);
-            DestroyWindow(top);
-        }
+        Framed w(kAll, L"", RECT{60, 60, 460, 360}, nullptr, true, menu);
+        ASSERT_TRUE(w.subclassed);
+        EXPECT_EQ(GetMenu(w.top), nullptr) << "the native menu is taken off";
+        EXPECT_EQ(w.frame.GetMenuHandle(), menu);
+        ASSERT_TRUE(w.frame.GetMenuBar());
+        HWND bar = w.frame.GetMenuBar()->m_hWnd;
+        ASSERT_TRUE(IsWindow(bar));
+        EXPECT_EQ(GetParent(bar), w.view);
+        // Right to left, the bar is mirrored by the platform, as it expects; the view stays as it was.
+        EXPECT_EQ((GetWindowLongW(bar, GWL_EXSTYLE) & WS_EX_LAYOUTRTL) != 0, layout != 0);
+        EXPECT_EQ(GetWindowLongW(w.view, GWL_EXSTYLE) & WS_EX_LAYOUTRTL, 0);
+        SetWindowPos(w.top, nullptr, 0, 0, 480, 320, SWP_NOMOVE | SWP_NOZORDER);
+        RECT r;
+        GetWindowRect(bar, &r);
+        MapWindowPoints(nullptr, w.view, reinterpret_cast<POINT*>(&r), 2);
+        EXPECT_EQ(r.left, 0);
+        EXPECT_EQ(r.top, 30);
+        EXPECT_EQ(r.right, 480) << "the bar follows the view's width";
+        EXPECT_EQ(r.bottom, 60);
+        // Alt and the mnemonic go through the bar's accelerators; a plain key doesn't.
+        MSG plain = {bar, WM_KEYDOWN, 'F', 0, 0, {}};
+        MSG alt = {bar, WM_SYSKEYDOWN, 'F', 1 << 29, 0, {}};  // the context bit: Alt is held
+        EXPECT_EQ(w.frame.TranslateMenuAccelerator(&plain), 0);
+        EXPECT_EQ(w.frame.TranslateMenuAccelerator(nullptr), 0);
+        BYTE keys[256] = {}, held[256] = {};
+        GetKeyboardState(keys);
+        memcpy(held, keys, sizeof(held));
+        held[VK_MENU] = 0x80;  // Alt is down, as the accelerator asks
+        SetKeyboardState(held);
+        EXPECT_NE(w.frame.TranslateMenuAccelerator(&alt), 0);
+        SetKeyboardState(keys);
+        MSG open;
+        while (PeekMessageW(&open, bar, 0, 0, PM_REMOVE)) {
+        }  // the popup it asked to open stays closed
+        // The strip under the caption: its two lines, then the caption's fill.
+        UpdateWindow(w.top);
+        Pump(100);
+        const Capture c = CaptureWindow(w.view);
+        EXPECT_TRUE(Near(c.At(300, 30), 0x232323, 2)) << std::hex << c.At(300, 30);
+        EXPECT_TRUE(Near(c.At(300, 31), 0x5A5A5A, 2)) << std::hex << c.At(300, 31);
+        EXPECT_TRUE(Near(c.At(300, 59), 0x373737, 2)) << std::hex << c.At(300, 59);
+        EXPECT_TRUE(Near(c.At(300, 61), 0xFFFFFF, 0)) << std::hex << c.At(300, 61);
     }
-    // Without a native menu there is no bar.
-    Framed w(kAll);
-    EXPECT_EQ(w.frame.GetMenuHandle(), nullptr);
-    EXPECT_EQ(w.frame.GetMenuBar(), nullptr);
 }
 
 // ---- Pixels and handles --------------------------------------------------------------------------------------
