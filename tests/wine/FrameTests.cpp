@@ -16,7 +16,11 @@ TEST(VuikLib, StateBeforeInitIsNeutralAndInitIsExactAt96Dpi)
     EXPECT_EQ(CVuikLib::IsLayoutRTL(), 0);
     EXPECT_EQ(CVuikLib::GetInstance(), nullptr);
 
-    CVuikLib::Init(GetModuleHandleW(nullptr), GetModuleHandleW(L"zcmod.dll"));
+    HINSTANCE app = GetModuleHandleW(nullptr);
+    HINSTANCE res = GetModuleHandleW(L"zcmod.dll");
+    CVuikLib::Init(app, res);
+    EXPECT_EQ(CVuikLib::GetInstance(), app);
+    EXPECT_EQ(CVuikLib::GetResourceInstance(), res);
     HDC screen = GetDC(nullptr);
     ASSERT_EQ(GetDeviceCaps(screen, LOGPIXELSX), 96) << "the test prefix runs at 96 dots per inch";
     ReleaseDC(nullptr, screen);

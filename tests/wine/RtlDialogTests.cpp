@@ -88,6 +88,7 @@ TEST(RtlHelper, FlipsTemplatesOfBothLayoutsInPlaceByTheLayoutBitAlone)
         zcmod::DialogTemplateInfo info;
         ASSERT_TRUE(zcmod::ParseDialogTemplate(original.data(), original.size(), info));
         ASSERT_EQ(info.kind, c.kind);
+        EXPECT_EQ(info.typeface, u"MS Shell Dlg") << "the font's fields read in their order";
         ASSERT_EQ(info.items.size(), c.items);
         for (size_t i = 0; i < c.items; ++i)
             EXPECT_EQ(info.items[i].id, 2001u + i);

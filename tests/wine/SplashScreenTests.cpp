@@ -198,6 +198,9 @@ TEST_F(SplashFixture, SplashBlendsOverTheDesktopAndIsCutToItsShape)
     EXPECT_FALSE(IsWindowVisible(splash.m_hWndOwner));
     EXPECT_TRUE(IsWindowVisible(splash.m_hWnd));
     EXPECT_EQ(GetPropW(splash.m_hWnd, L"__DeskHubCVuikSplashScreenClassPtr"), static_cast<HANDLE>(&splash));
+    WNDCLASSW wc = {};
+    ASSERT_TRUE(GetClassInfoW(GetModuleHandleW(nullptr), L"CVuikSplashScreenWindow", &wc));
+    EXPECT_EQ(wc.style, static_cast<UINT>(CS_GLOBALCLASS | CS_CLASSDC));
 
     // The screen, after the desktop under the splash has changed: through the cut (alpha 0 to 2) the desktop
     // as it is now, everywhere else the picture blended over what the desktop showed when it appeared.
