@@ -209,27 +209,22 @@ TEST_F(SplashFixture, SplashBlendsOverTheDesktopAndIsCutToItsShape)
     RedrawWindow(m_backdrop, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
     Recorder::Pump(100);
     const Capture shown = CaptureScreen(expected);
-    int cut = 0, blended = 0, partial = 0, wrong = 0;
+    int cut = 0, partial = 0, wrong = 0;
     for (int y = 0; y < image.height; ++y)
         for (int x = 0; x < image.width; ++x) {
-            const int p = plane.At(x, y) & 0xFF;  // 255 - alpha
-            const uint32_t under = BackdropColour(expected.left + x, expected.top + y, blueAtShow);
-            uint32_t want = BackdropColour(expected.left + x, expected.top + y);
-            if (p >= 253) {
-                ++cut;
-            } else {
-                want = Blend(image.At(x, y), under, 255 - p);
-                ++blended;
-                partial += p > 0;
-            }
+            const int alpha = 255 - (plane.At(x, y) & 0xFF);  // the plane holds 255 - alpha
+            const int sx = expected.left + x, sy = expected.top + y;
+            cut += alpha <= 2;
+            partial += alpha > 2 && alpha < 255;
+            const uint32_t want =
+                alpha <= 2 ? BackdropColour(sx, sy) : Blend(image.At(x, y), BackdropColour(sx, sy, blueAtShow), alpha);
             if (!Near(shown.At(x, y), want, 3) && ++wrong <= 5)
-                ADD_FAILURE() << "pixel " << x << "," << y << " alpha " << 255 - p << ": " << std::hex
-                              << shown.At(x, y) << " not " << want;
+                ADD_FAILURE() << "pixel " << x << "," << y << " alpha " << alpha << ": " << std::hex << shown.At(x, y)
+                              << " not " << want;
         }
     EXPECT_EQ(wrong, 0);
     EXPECT_GT(cut, 1000);      // the corners and the margin around the shadow
     EXPECT_GT(partial, 1000);  // the soft shadow and the anti-aliased edges
-    EXPECT_GT(blended, partial);
 
     splash.Hide(120);
     Recorder::Pump(100);
@@ -437,7 +432,6 @@ TEST_F(FaderTest, AWindowInFrontThatOverlapsRepaintsEveryStep)
     const Case cases[] = {
         {"itself in front", {}, 1},
         {"overlapping on the right", {300, 100, 500, 200}, 6},
-        {"covering it from the left", {0, 100, 300, 200}, 6},
         {"apart", {600, 600, 700, 700}, 1},
     };
     for (const Case& c : cases) {
