@@ -135,11 +135,11 @@ std::wstring WithSeparator(std::wstring folder)
 // --- the dialog in progress ----------------------------------------------------------------------------------
 
 struct DialogState {
-    bool saveDialog = false;
-    bool overwritePrompt = false;
-    bool multiSelect = false;
-    bool fileMustExist = false;
-    bool rightToLeft = false;
+    bool m_bSaveDialog = false;
+    bool m_bOverwritePrompt = false;
+    bool m_bMultiSelect = false;
+    bool m_bFileMustExist = false;
+    bool m_bRightToLeft = false;
     bool callerTitle = false;
     LPOFNHOOKPROC callerHook = nullptr;
     HWND frame = nullptr;
@@ -154,8 +154,8 @@ DialogState g_dialog;  // one dialog at a time, on the caller's thread
 LRESULT CALLBACK FrameProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
     const WNDPROC previous = g_dialog.frameProc;
-    if (message == WM_COMMAND && g_pListener)
-        g_pListener->OnCommand(wParam, lParam);
+    if (message == WM_COMMAND && m_pListener)
+        m_pListener->OnCommand(wParam, lParam);
     return previous ? CallWindowProcW(previous, hwnd, message, wParam, lParam)
                     : DefWindowProcW(hwnd, message, wParam, lParam);
 }
@@ -172,7 +172,7 @@ void Subclass(HWND frame)
     g_dialog.frame = frame;
     g_dialog.frameProc = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrW(frame, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(FrameProc)));
-    if (g_dialog.saveDialog) {
+    if (g_dialog.m_bSaveDialog) {
         g_dialog.okButton = GetDlgItem(frame, IDOK);
         if (g_dialog.okButton) {
             GetWindowTextW(g_dialog.okButton, g_dialog.okButtonText, 256);
@@ -234,7 +234,7 @@ bool SaveChecksPass(HWND frame)
         return false;
     }
     const std::wstring file = DialogText(frame, CDM_GETFILEPATH);
-    if (g_dialog.overwritePrompt && FileExists(file) &&
+    if (g_dialog.m_bOverwritePrompt && FileExists(file) &&
         ShowMessage(frame, WithFileName(LoadText(ZLR_STR_FD_OVERWRITE), file), MB_YESNO | MB_ICONWARNING) != IDYES)
         return false;
     const DWORD attributes = GetFileAttributesW(file.c_str());
@@ -281,13 +281,13 @@ void OpenShellFolder(HWND frame)
 UINT_PTR OnNotify(HWND dialog, OFNOTIFYW* notify)
 {
     HWND frame = GetParent(dialog);
-    CFileDialogListener* listener = g_pListener;
+    CFileDialogListener* listener = m_pListener;
     switch (notify->hdr.code) {
     case CDN_INITDONE:
         if (!g_dialog.shellFolder.empty())
             OpenShellFolder(frame);
         if (!g_dialog.callerTitle)
-            SetWindowTextW(frame, LoadText(g_dialog.saveDialog ? ZLR_STR_FD_SAVE_TITLE : ZLR_STR_FD_OPEN_TITLE).c_str());
+            SetWindowTextW(frame, LoadText(g_dialog.m_bSaveDialog ? ZLR_STR_FD_SAVE_TITLE : ZLR_STR_FD_OPEN_TITLE).c_str());
         if (listener)
             listener->OnInitDone(dialog, notify);
         return 0;
@@ -300,7 +300,7 @@ UINT_PTR OnNotify(HWND dialog, OFNOTIFYW* notify)
             listener->OnFolderChange(dialog, notify);
         return 0;
     case CDN_FILEOK: {
-        bool accept = !g_dialog.saveDialog || SaveChecksPass(frame);
+        bool accept = !g_dialog.m_bSaveDialog || SaveChecksPass(frame);
         if (accept && listener)
             accept = listener->OnFileNameOK(dialog, notify) != 0;
         SetWindowLongPtrW(dialog, DWLP_MSGRESULT, accept ? 0 : 1);
@@ -393,8 +393,8 @@ BOOL RunDialog(OPENFILENAMEW* ofn, bool save)
     if (!EnsureSetup() || !ofn)
         return FALSE;
     g_dialog = DialogState();
-    g_dialog.saveDialog = save;
-    g_dialog.rightToLeft = IsRightToLeft();
+    g_dialog.m_bSaveDialog = save;
+    g_dialog.m_bRightToLeft = IsRightToLeft();
     g_dialog.callerTitle = ofn->lpstrTitle && *ofn->lpstrTitle;
     const SavedFields saved = {ofn->Flags, ofn->hInstance, ofn->lpTemplateName, ofn->lpfnHook, ofn->lpstrInitialDir,
                                ofn->lpstrDefExt};
@@ -415,11 +415,11 @@ BOOL RunDialog(OPENFILENAMEW* ofn, bool save)
     if (ofn->lpstrDefExt && ofn->lpstrDefExt[0] == L'.')
         ofn->lpstrDefExt = ofn->lpstrDefExt + 1;
     if (save) {
-        g_dialog.overwritePrompt = (ofn->Flags & OFN_OVERWRITEPROMPT) != 0;
+        g_dialog.m_bOverwritePrompt = (ofn->Flags & OFN_OVERWRITEPROMPT) != 0;
         ofn->Flags &= ~static_cast<DWORD>(OFN_OVERWRITEPROMPT);
     } else {
-        g_dialog.multiSelect = (ofn->Flags & OFN_ALLOWMULTISELECT) != 0;
-        g_dialog.fileMustExist = (ofn->Flags & OFN_FILEMUSTEXIST) != 0;
+        g_dialog.m_bMultiSelect = (ofn->Flags & OFN_ALLOWMULTISELECT) != 0;
+        g_dialog.m_bFileMustExist = (ofn->Flags & OFN_FILEMUSTEXIST) != 0;
         ofn->Flags &= ~static_cast<DWORD>(OFN_FILEMUSTEXIST);
     }
 
@@ -430,7 +430,7 @@ BOOL RunDialog(OPENFILENAMEW* ofn, bool save)
         const std::wstring given = ofn->lpstrInitialDir;
         const std::wstring phonePath = IsInMirror(given) ? phonepath::MirrorToPhonePath(given, MirrorFolder()) : L"";
         if (!phonePath.empty())
-            initialDir = (g_dwPhoneFolders & 1) ? phonePath : std::wstring(phonepath::kPhoneFoldersRoot);
+            initialDir = (m_dwPhoneFolders & 1) ? phonePath : std::wstring(phonepath::kPhoneFoldersRoot);
         else if (IsUnderDataRoot(given))
             initialDir = std::wstring(phonepath::kPhoneFoldersRoot) + given.substr(DataRoot().size());
         if (!initialDir.empty())
@@ -456,7 +456,7 @@ BOOL RunDialog(OPENFILENAMEW* ofn, bool save)
     }
     ofn->Flags |= OFN_EXPLORER | OFN_ENABLESIZING | OFN_ENABLEHOOK | OFN_ENABLETEMPLATE;
     ofn->lpfnHook = HookProc;
-    if (g_dialog.rightToLeft && !callerTemplate && (mirrored = MirroredTemplate()) != nullptr) {
+    if (g_dialog.m_bRightToLeft && !callerTemplate && (mirrored = MirroredTemplate()) != nullptr) {
         ofn->hInstance = static_cast<HINSTANCE>(mirrored);
         ofn->Flags = (ofn->Flags & ~static_cast<DWORD>(OFN_ENABLETEMPLATE)) | OFN_ENABLETEMPLATEHANDLE;
     }
@@ -499,8 +499,8 @@ void CFileDialogListener::OnCommand(WPARAM, LPARAM) {}
 BOOL CFD_GetOpenFileName(OPENFILENAMEW* ofn) { return RunDialog(ofn, false); }
 BOOL CFD_GetSaveFileName(OPENFILENAMEW* ofn) { return RunDialog(ofn, true); }
 
-void CFD_SetListener(CFileDialogListener* listener) { g_pListener = listener; }
-void CFD_EnablePhoneFolders(unsigned long flags) { g_dwPhoneFolders = flags; }
+void CFD_SetListener(CFileDialogListener* listener) { m_pListener = listener; }
+void CFD_EnablePhoneFolders(unsigned long flags) { m_dwPhoneFolders = flags; }
 BOOL CFD_SetApplicationImage(HBITMAP) { return TRUE; }
 
 int CFD_GetFolderType(const wchar_t* path)
@@ -545,7 +545,7 @@ CNFileDialog::CNFileDialog(int open, const wchar_t* defExt, const wchar_t* fileN
                            const wchar_t* filter, HWND parent)
     : m_ofn(), m_bOpen(open), m_szFileName(), m_szFileTitle(), m_pszFilter(nullptr), m_pszDefExt(nullptr)
 {
-    g_pListener = this;
+    m_pListener = this;
     if (fileName)
         lstrcpynW(m_szFileName, fileName, MAX_PATH);
     if (filter) {
@@ -570,8 +570,8 @@ CNFileDialog::CNFileDialog(int open, const wchar_t* defExt, const wchar_t* fileN
 
 CNFileDialog::~CNFileDialog()
 {
-    if (g_pListener == this)
-        g_pListener = nullptr;
+    if (m_pListener == this)
+        m_pListener = nullptr;
     delete[] m_pszFilter;
     delete[] m_pszDefExt;
 }

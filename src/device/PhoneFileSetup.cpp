@@ -13,8 +13,8 @@
 
 namespace zcmod::phonefile {
 
-CFileDialogListener* g_pListener = nullptr;
-unsigned long g_dwPhoneFolders = 0;
+CFileDialogListener* m_pListener = nullptr;
+unsigned long m_dwPhoneFolders = 0;
 
 namespace {
 

@@ -35,7 +35,7 @@ std::wstring LoadText(UINT id);
 int ShowMessage(HWND owner, const std::wstring& text, UINT flags);
 
 // The process-wide listener and phone-folder switch.
-extern CFileDialogListener* g_pListener;
-extern unsigned long g_dwPhoneFolders;
+extern CFileDialogListener* m_pListener;
+extern unsigned long m_dwPhoneFolders;
 
 }  // namespace zcmod::phonefile

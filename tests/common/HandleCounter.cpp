@@ -2,9 +2,13 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <mutex>
+#include <numeric>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include "ImportPatch.h"
@@ -20,13 +24,9 @@ enum Space { GdiSpace, UserSpace, ImageListSpace };
 
 Space SpaceOf(Kind kind)
 {
-    switch (kind) {
-        case HandleCounter::Icon:
-        case HandleCounter::Window:
-        case HandleCounter::Hook: return UserSpace;
-        case HandleCounter::ImageList: return ImageListSpace;
-        default: return GdiSpace;
-    }
+    if (kind == HandleCounter::Icon || kind == HandleCounter::Window || kind == HandleCounter::Hook)
+        return UserSpace;
+    return kind == HandleCounter::ImageList ? ImageListSpace : GdiSpace;
 }
 
 // Live objects by table and handle; timers by (window, id). One table for the process: only one counter is live.
@@ -38,10 +38,8 @@ struct Table {
 
     void Add(void* handle, Kind kind)
     {
-        if (!handle)
-            return;
         std::lock_guard<std::mutex> guard(lock);
-        if (active)
+        if (handle && active)
             objects[{SpaceOf(kind), handle}] = kind;
     }
     void Remove(void* handle, Space space)
@@ -60,193 +58,125 @@ struct ImportHook {
     void** original;
 };
 
-template <typename F>
-F Real(void* original)
+// The original address of the import replaced under `Slot` (each entry of kHooks has a slot of its own).
+template <int Slot>
+void* g_original = nullptr;
+
+// A creating function whose result is the new object.
+template <int Slot, Kind kind, typename R, typename... A>
+R WINAPI Created(A... args)
 {
-    return reinterpret_cast<F>(original);
+    const R result = reinterpret_cast<R(WINAPI*)(A...)>(g_original<Slot>)(args...);
+    g_table.Add(reinterpret_cast<void*>(result), kind);
+    return result;
+}
+template <int Slot, Kind kind, typename R, typename... A>
+ImportHook Creator(const char* dll, const char* name, R(WINAPI*)(A...))
+{
+    return {dll, name, reinterpret_cast<void*>(&Created<Slot, kind, R, A...>), &g_original<Slot>};
 }
 
-#define ZCMOD_ORIGINAL(name) void* g_##name = nullptr
-// Creating functions whose result is the new object.
-#define ZCMOD_CREATOR(name, kind, ret, params, args)                                                         \
-    ZCMOD_ORIGINAL(name);                                                                                     \
-    ret WINAPI My##name params                                                                                \
-    {                                                                                                         \
-        ret result = Real<ret(WINAPI*) params>(g_##name) args;                                               \
-        g_table.Add(reinterpret_cast<void*>(result), HandleCounter::kind);                                   \
-        return result;                                                                                        \
-    }
-// Freeing functions that take the object as their first argument.
-#define ZCMOD_FREER(name, space, ret, params, args, handle)                                                  \
-    ZCMOD_ORIGINAL(name);                                                                                     \
-    ret WINAPI My##name params                                                                                \
-    {                                                                                                         \
-        ret result = Real<ret(WINAPI*) params>(g_##name) args;                                               \
-        if (result)                                                                                           \
-            g_table.Remove(reinterpret_cast<void*>(handle), space);                                          \
-        return result;                                                                                        \
-    }
-
-ZCMOD_CREATOR(CreateCompatibleBitmap, Bitmap, HBITMAP, (HDC dc, int w, int h), (dc, w, h))
-ZCMOD_CREATOR(CreateDIBSection, Bitmap, HBITMAP,
-              (HDC dc, const BITMAPINFO* info, UINT usage, void** bits, HANDLE section, DWORD offset),
-              (dc, info, usage, bits, section, offset))
-ZCMOD_CREATOR(CreateBitmap, Bitmap, HBITMAP, (int w, int h, UINT planes, UINT bits, const void* data),
-              (w, h, planes, bits, data))
-ZCMOD_CREATOR(CreateBitmapIndirect, Bitmap, HBITMAP, (const BITMAP* bm), (bm))
-ZCMOD_CREATOR(CreateDIBitmap, Bitmap, HBITMAP,
-              (HDC dc, const BITMAPINFOHEADER* header, DWORD init, const void* bits, const BITMAPINFO* info,
-               UINT usage),
-              (dc, header, init, bits, info, usage))
-ZCMOD_CREATOR(LoadBitmapW, Bitmap, HBITMAP, (HINSTANCE module, LPCWSTR name), (module, name))
-ZCMOD_CREATOR(CreateCompatibleDC, DC, HDC, (HDC dc), (dc))
-ZCMOD_CREATOR(CreateDCW, DC, HDC, (LPCWSTR driver, LPCWSTR device, LPCWSTR port, const DEVMODEW* mode),
-              (driver, device, port, mode))
-ZCMOD_CREATOR(GetDC, DC, HDC, (HWND hwnd), (hwnd))
-ZCMOD_CREATOR(GetWindowDC, DC, HDC, (HWND hwnd), (hwnd))
-ZCMOD_CREATOR(GetDCEx, DC, HDC, (HWND hwnd, HRGN clip, DWORD flags), (hwnd, clip, flags))
-ZCMOD_CREATOR(CreateSolidBrush, Brush, HBRUSH, (COLORREF colour), (colour))
-ZCMOD_CREATOR(CreateBrushIndirect, Brush, HBRUSH, (const LOGBRUSH* brush), (brush))
-ZCMOD_CREATOR(CreatePatternBrush, Brush, HBRUSH, (HBITMAP bitmap), (bitmap))
-ZCMOD_CREATOR(CreateHatchBrush, Brush, HBRUSH, (int hatch, COLORREF colour), (hatch, colour))
-ZCMOD_CREATOR(CreatePen, Pen, HPEN, (int style, int width, COLORREF colour), (style, width, colour))
-ZCMOD_CREATOR(ExtCreatePen, Pen, HPEN,
-              (DWORD style, DWORD width, const LOGBRUSH* brush, DWORD count, const DWORD* styles),
-              (style, width, brush, count, styles))
-ZCMOD_CREATOR(CreateFontIndirectW, Font, HFONT, (const LOGFONTW* font), (font))
-ZCMOD_CREATOR(CreateFontW, Font, HFONT,
-              (int h, int w, int e, int o, int weight, DWORD i, DWORD u, DWORD s, DWORD cs, DWORD op, DWORD cp,
-               DWORD q, DWORD pf, LPCWSTR face),
-              (h, w, e, o, weight, i, u, s, cs, op, cp, q, pf, face))
-ZCMOD_CREATOR(CreateRectRgn, Region, HRGN, (int l, int t, int r, int b), (l, t, r, b))
-ZCMOD_CREATOR(CreateRectRgnIndirect, Region, HRGN, (const RECT* rect), (rect))
-ZCMOD_CREATOR(CreateRoundRectRgn, Region, HRGN, (int l, int t, int r, int b, int w, int h), (l, t, r, b, w, h))
-ZCMOD_CREATOR(CreateEllipticRgn, Region, HRGN, (int l, int t, int r, int b), (l, t, r, b))
-ZCMOD_CREATOR(CreatePolygonRgn, Region, HRGN, (const POINT* points, int count, int mode), (points, count, mode))
-ZCMOD_CREATOR(ExtCreateRegion, Region, HRGN, (const XFORM* xform, DWORD count, const RGNDATA* data),
-              (xform, count, data))
-ZCMOD_CREATOR(CopyIcon, Icon, HICON, (HICON icon), (icon))
-ZCMOD_CREATOR(CreateIconIndirect, Icon, HICON, (ICONINFO* info), (info))
-ZCMOD_CREATOR(CreateWindowExW, Window, HWND,
-              (DWORD ex, LPCWSTR cls, LPCWSTR name, DWORD style, int x, int y, int w, int h, HWND parent,
-               HMENU menu, HINSTANCE inst, LPVOID param),
-              (ex, cls, name, style, x, y, w, h, parent, menu, inst, param))
-ZCMOD_CREATOR(CreateDialogIndirectParamW, Window, HWND,
-              (HINSTANCE inst, LPCDLGTEMPLATEW tpl, HWND parent, DLGPROC proc, LPARAM param),
-              (inst, tpl, parent, proc, param))
-ZCMOD_CREATOR(CreateDialogParamW, Window, HWND,
-              (HINSTANCE inst, LPCWSTR tpl, HWND parent, DLGPROC proc, LPARAM param),
-              (inst, tpl, parent, proc, param))
-ZCMOD_CREATOR(SetWindowsHookExW, Hook, HHOOK, (int id, HOOKPROC proc, HINSTANCE module, DWORD thread),
-              (id, proc, module, thread))
-ZCMOD_CREATOR(ImageList_Create, ImageList, HIMAGELIST, (int w, int h, UINT flags, int initial, int grow),
-              (w, h, flags, initial, grow))
-ZCMOD_CREATOR(ImageList_Duplicate, ImageList, HIMAGELIST, (HIMAGELIST list), (list))
-
-ZCMOD_FREER(DeleteObject, GdiSpace, BOOL, (HGDIOBJ object), (object), object)
-ZCMOD_FREER(DeleteDC, GdiSpace, BOOL, (HDC dc), (dc), dc)
-ZCMOD_FREER(ReleaseDC, GdiSpace, int, (HWND hwnd, HDC dc), (hwnd, dc), dc)
-ZCMOD_FREER(DestroyIcon, UserSpace, BOOL, (HICON icon), (icon), icon)
-ZCMOD_FREER(DestroyWindow, UserSpace, BOOL, (HWND hwnd), (hwnd), hwnd)
-ZCMOD_FREER(UnhookWindowsHookEx, UserSpace, BOOL, (HHOOK hook), (hook), hook)
-ZCMOD_FREER(ImageList_Destroy, ImageListSpace, BOOL, (HIMAGELIST list), (list), list)
+// A freeing function that takes the object as its argument number `Arg`. A region handed to SetWindowRgn is
+// the window's from then on, so that call frees it too.
+template <int Slot, Space space, size_t Arg, typename R, typename... A>
+R WINAPI Freed(A... args)
+{
+    const R result = reinterpret_cast<R(WINAPI*)(A...)>(g_original<Slot>)(args...);
+    if (result)
+        g_table.Remove(reinterpret_cast<void*>(std::get<Arg>(std::make_tuple(args...))), space);
+    return result;
+}
+template <int Slot, Space space, size_t Arg, typename R, typename... A>
+ImportHook Freer(const char* dll, const char* name, R(WINAPI*)(A...))
+{
+    return {dll, name, reinterpret_cast<void*>(&Freed<Slot, space, Arg, R, A...>), &g_original<Slot>};
+}
 
 // LoadImageW and CopyImage make bitmaps or icons, as their type says.
-ZCMOD_ORIGINAL(LoadImageW);
+void* g_LoadImageW = nullptr;
 HANDLE WINAPI MyLoadImageW(HINSTANCE module, LPCWSTR name, UINT type, int w, int h, UINT flags)
 {
-    HANDLE result = Real<decltype(&MyLoadImageW)>(g_LoadImageW)(module, name, type, w, h, flags);
+    HANDLE result = reinterpret_cast<decltype(&MyLoadImageW)>(g_LoadImageW)(module, name, type, w, h, flags);
     // Shared icons and cursors are the system's to free.
     if (type == IMAGE_BITMAP || !(flags & LR_SHARED))
         g_table.Add(result, type == IMAGE_BITMAP ? HandleCounter::Bitmap : HandleCounter::Icon);
     return result;
 }
-ZCMOD_ORIGINAL(CopyImage);
+void* g_CopyImage = nullptr;
 HANDLE WINAPI MyCopyImage(HANDLE image, UINT type, int w, int h, UINT flags)
 {
-    HANDLE result = Real<decltype(&MyCopyImage)>(g_CopyImage)(image, type, w, h, flags);
-    if (result && result != image)
-        g_table.Add(result, type == IMAGE_BITMAP ? HandleCounter::Bitmap : HandleCounter::Icon);
-    if (result && result != image && (flags & LR_COPYDELETEORG))
+    HANDLE result = reinterpret_cast<decltype(&MyCopyImage)>(g_CopyImage)(image, type, w, h, flags);
+    if (!result || result == image)
+        return result;
+    g_table.Add(result, type == IMAGE_BITMAP ? HandleCounter::Bitmap : HandleCounter::Icon);
+    if (flags & LR_COPYDELETEORG)
         g_table.Remove(image, type == IMAGE_BITMAP ? GdiSpace : UserSpace);
     return result;
 }
 
-// A region given to a window is the window's from then on.
-ZCMOD_ORIGINAL(SetWindowRgn);
-int WINAPI MySetWindowRgn(HWND hwnd, HRGN region, BOOL redraw)
-{
-    const int result = Real<decltype(&MySetWindowRgn)>(g_SetWindowRgn)(hwnd, region, redraw);
-    if (result && region)
-        g_table.Remove(region, GdiSpace);
-    return result;
-}
-
-ZCMOD_ORIGINAL(SetTimer);
+// Timers are kept by window and id; one without a window by the id the system gave it.
+void* g_SetTimer = nullptr;
 UINT_PTR WINAPI MySetTimer(HWND hwnd, UINT_PTR id, UINT elapse, TIMERPROC proc)
 {
-    const UINT_PTR result = Real<decltype(&MySetTimer)>(g_SetTimer)(hwnd, id, elapse, proc);
-    if (result) {
-        std::lock_guard<std::mutex> guard(g_table.lock);
-        if (g_table.active)
-            g_table.timers.insert({hwnd, hwnd ? id : result});
-    }
+    const UINT_PTR result = reinterpret_cast<decltype(&MySetTimer)>(g_SetTimer)(hwnd, id, elapse, proc);
+    std::lock_guard<std::mutex> guard(g_table.lock);
+    if (result && g_table.active)
+        g_table.timers.insert({hwnd, hwnd ? id : result});
     return result;
 }
-ZCMOD_ORIGINAL(KillTimer);
+void* g_KillTimer = nullptr;
 BOOL WINAPI MyKillTimer(HWND hwnd, UINT_PTR id)
 {
-    const BOOL result = Real<decltype(&MyKillTimer)>(g_KillTimer)(hwnd, id);
+    const BOOL result = reinterpret_cast<decltype(&MyKillTimer)>(g_KillTimer)(hwnd, id);
     std::lock_guard<std::mutex> guard(g_table.lock);
     g_table.timers.erase({hwnd, id});
     return result;
 }
 
-#define ZCMOD_HOOK(dll, name) {dll, #name, reinterpret_cast<void*>(My##name), &g_##name}
+// Each use takes a slot of its own. The table is packed by hand: the formatter would give each entry a line.
+// clang-format off
+#define ZCMOD_CREATOR(dll, name, kind) Creator<__COUNTER__, HandleCounter::kind>(#dll ".dll", #name, &::name)
+#define ZCMOD_FREER(dll, name, space, arg) Freer<__COUNTER__, space, arg>(#dll ".dll", #name, &::name)
+#define ZCMOD_OWN(name) (ImportHook{"user32.dll", #name, reinterpret_cast<void*>(My##name), &g_##name})
 const ImportHook kHooks[] = {
-    ZCMOD_HOOK("gdi32.dll", CreateCompatibleBitmap), ZCMOD_HOOK("gdi32.dll", CreateDIBSection),
-    ZCMOD_HOOK("gdi32.dll", CreateBitmap), ZCMOD_HOOK("gdi32.dll", CreateBitmapIndirect),
-    ZCMOD_HOOK("gdi32.dll", CreateDIBitmap), ZCMOD_HOOK("user32.dll", LoadBitmapW),
-    ZCMOD_HOOK("gdi32.dll", CreateCompatibleDC), ZCMOD_HOOK("gdi32.dll", CreateDCW),
-    ZCMOD_HOOK("user32.dll", GetDC), ZCMOD_HOOK("user32.dll", GetWindowDC), ZCMOD_HOOK("user32.dll", GetDCEx),
-    ZCMOD_HOOK("gdi32.dll", CreateSolidBrush), ZCMOD_HOOK("gdi32.dll", CreateBrushIndirect),
-    ZCMOD_HOOK("gdi32.dll", CreatePatternBrush), ZCMOD_HOOK("gdi32.dll", CreateHatchBrush),
-    ZCMOD_HOOK("gdi32.dll", CreatePen), ZCMOD_HOOK("gdi32.dll", ExtCreatePen),
-    ZCMOD_HOOK("gdi32.dll", CreateFontIndirectW), ZCMOD_HOOK("gdi32.dll", CreateFontW),
-    ZCMOD_HOOK("gdi32.dll", CreateRectRgn), ZCMOD_HOOK("gdi32.dll", CreateRectRgnIndirect),
-    ZCMOD_HOOK("gdi32.dll", CreateRoundRectRgn), ZCMOD_HOOK("gdi32.dll", CreateEllipticRgn),
-    ZCMOD_HOOK("gdi32.dll", CreatePolygonRgn), ZCMOD_HOOK("gdi32.dll", ExtCreateRegion),
-    ZCMOD_HOOK("user32.dll", CopyIcon), ZCMOD_HOOK("user32.dll", CreateIconIndirect),
-    ZCMOD_HOOK("user32.dll", CreateWindowExW), ZCMOD_HOOK("user32.dll", CreateDialogIndirectParamW),
-    ZCMOD_HOOK("user32.dll", CreateDialogParamW), ZCMOD_HOOK("user32.dll", SetWindowsHookExW),
-    ZCMOD_HOOK("comctl32.dll", ImageList_Create), ZCMOD_HOOK("comctl32.dll", ImageList_Duplicate),
-    ZCMOD_HOOK("gdi32.dll", DeleteObject), ZCMOD_HOOK("gdi32.dll", DeleteDC), ZCMOD_HOOK("user32.dll", ReleaseDC),
-    ZCMOD_HOOK("user32.dll", DestroyIcon), ZCMOD_HOOK("user32.dll", DestroyWindow),
-    ZCMOD_HOOK("user32.dll", UnhookWindowsHookEx), ZCMOD_HOOK("comctl32.dll", ImageList_Destroy),
-    ZCMOD_HOOK("user32.dll", LoadImageW), ZCMOD_HOOK("user32.dll", CopyImage),
-    ZCMOD_HOOK("user32.dll", SetWindowRgn), ZCMOD_HOOK("user32.dll", SetTimer),
-    ZCMOD_HOOK("user32.dll", KillTimer),
+    ZCMOD_CREATOR(gdi32, CreateCompatibleBitmap, Bitmap), ZCMOD_CREATOR(gdi32, CreateDIBSection, Bitmap),
+    ZCMOD_CREATOR(gdi32, CreateBitmap, Bitmap), ZCMOD_CREATOR(gdi32, CreateBitmapIndirect, Bitmap),
+    ZCMOD_CREATOR(gdi32, CreateDIBitmap, Bitmap), ZCMOD_CREATOR(user32, LoadBitmapW, Bitmap),
+    ZCMOD_CREATOR(gdi32, CreateCompatibleDC, DC), ZCMOD_CREATOR(gdi32, CreateDCW, DC), ZCMOD_CREATOR(user32, GetDC, DC),
+    ZCMOD_CREATOR(user32, GetWindowDC, DC), ZCMOD_CREATOR(user32, GetDCEx, DC),
+    ZCMOD_CREATOR(gdi32, CreateSolidBrush, Brush), ZCMOD_CREATOR(gdi32, CreateBrushIndirect, Brush),
+    ZCMOD_CREATOR(gdi32, CreatePatternBrush, Brush), ZCMOD_CREATOR(gdi32, CreateHatchBrush, Brush),
+    ZCMOD_CREATOR(gdi32, CreatePen, Pen), ZCMOD_CREATOR(gdi32, ExtCreatePen, Pen),
+    ZCMOD_CREATOR(gdi32, CreateFontIndirectW, Font), ZCMOD_CREATOR(gdi32, CreateFontW, Font),
+    ZCMOD_CREATOR(gdi32, CreateRectRgn, Region), ZCMOD_CREATOR(gdi32, CreateRectRgnIndirect, Region),
+    ZCMOD_CREATOR(gdi32, CreateRoundRectRgn, Region), ZCMOD_CREATOR(gdi32, CreateEllipticRgn, Region),
+    ZCMOD_CREATOR(gdi32, CreatePolygonRgn, Region), ZCMOD_CREATOR(gdi32, ExtCreateRegion, Region),
+    ZCMOD_CREATOR(user32, CopyIcon, Icon), ZCMOD_CREATOR(user32, CreateIconIndirect, Icon),
+    ZCMOD_CREATOR(user32, CreateWindowExW, Window), ZCMOD_CREATOR(user32, CreateDialogIndirectParamW, Window),
+    ZCMOD_CREATOR(user32, CreateDialogParamW, Window), ZCMOD_CREATOR(user32, SetWindowsHookExW, Hook),
+    ZCMOD_CREATOR(comctl32, ImageList_Create, ImageList), ZCMOD_CREATOR(comctl32, ImageList_Duplicate, ImageList),
+    ZCMOD_FREER(gdi32, DeleteObject, GdiSpace, 0), ZCMOD_FREER(gdi32, DeleteDC, GdiSpace, 0),
+    ZCMOD_FREER(user32, ReleaseDC, GdiSpace, 1), ZCMOD_FREER(user32, SetWindowRgn, GdiSpace, 1),
+    ZCMOD_FREER(user32, DestroyIcon, UserSpace, 0), ZCMOD_FREER(user32, DestroyWindow, UserSpace, 0),
+    ZCMOD_FREER(user32, UnhookWindowsHookEx, UserSpace, 0),
+    ZCMOD_FREER(comctl32, ImageList_Destroy, ImageListSpace, 0),
+    ZCMOD_OWN(LoadImageW), ZCMOD_OWN(CopyImage), ZCMOD_OWN(SetTimer), ZCMOD_OWN(KillTimer),
 };
+// clang-format on
 
-const char* const kNames[HandleCounter::KindCount] = {"bitmaps", "DCs",     "brushes", "pens",  "fonts",     "regions",
+const char* const kNames[HandleCounter::KindCount] = {"bitmaps", "DCs",     "brushes", "pens",  "fonts",      "regions",
                                                       "icons",   "windows", "timers",  "hooks", "image lists"};
 
 }  // namespace
 
 long HandleCounter::Counts::Total() const
 {
-    long total = 0;
-    for (long value : n)
-        total += value;
-    return total;
+    return std::accumulate(std::begin(n), std::end(n), 0L);
 }
 
 bool HandleCounter::Counts::operator==(const Counts& other) const
 {
-    for (int i = 0; i < KindCount; ++i)
-        if (n[i] != other.n[i])
-            return false;
-    return true;
+    return std::equal(std::begin(n), std::end(n), std::begin(other.n));
 }
 
 std::string HandleCounter::Counts::ToString() const

@@ -45,6 +45,7 @@ TEST(StepBarLayout, FillsSeparatesAndCloses)
         {"all the steps there are", INT_MAX, INT_MAX, 400, -1, true, 1},
         {"negative count", -3, 0, 400, -1, true, 0},
         {"narrow window", 4, 3, 250, 244, false, 2},
+        {"wide window: steps of the empty bar", 4, 1, 800, 100, false, 3},
         {"no window", 4, 4, 0, -1, true, 0},
     };
     for (const auto& c : cases) {
@@ -58,15 +59,6 @@ TEST(StepBarLayout, FillsSeparatesAndCloses)
             ASSERT_LE(tile.x + tile.width, layout.endX) << "a tile under the end piece";
         }
     }
-}
-
-TEST(StepBarLayout, StepsFollowTheEmptyBarNotTheWindow)
-{
-    const StepBarLayout wide = LayoutStepBar(4, 1, 800, 400, 6, 1, 6, true);
-    EXPECT_EQ(wide.segment, 100);
-    EXPECT_EQ(FilledTo(wide), 100);
-    EXPECT_EQ(wide.separators, (std::vector<int>{100, 200, 300}));
-    EXPECT_EQ(wide.endX, 794);
 }
 
 TEST(StepBarLayout, WideTilesAreCutAtTheEndPiece)

@@ -2,7 +2,6 @@
 // search patterns of the content access interface, the contact generator.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -56,9 +55,7 @@ TEST(StandInVCard, FilesAsRealProgramsWriteThem)
         {"phone_export_21.vcf", 0, personal, {"2=Jürgen", "4=Müller",
             "1024=Erster Kontakt auf der Messe in Köln, bitte wegen des Angebots zurückrufen."}, 3},
         {"phone_export_21.vcf", 0, number, {"4=+49 170 1234567", "2=+49 30 123456", "5=+49 30 654321"}},
-        {"phone_export_21.vcf", 0, address, {"260=juergen.mueller@example.de"}},
         {"phone_export_21.vcf", 1, personal, {"2=Иван", "4=Иванов"}},
-        {"phone_export_21.vcf", 2, number, {"4=07700 900123", "1=01632 960001"}},
         {"desktop_mail_21_cp1252.vcf", 0, personal,
             {"2=François", "4=Dubois", "128=Northwind, Ventes", "256=Responsable de compte"}, 1},
         {"desktop_mail_21_cp1252.vcf", 0, address,
@@ -66,7 +63,6 @@ TEST(StandInVCard, FilesAsRealProgramsWriteThem)
         {"unicode_export_21_utf16.vcf", 0, personal, {"2=Hiroshi", "4=Tanaka"}, 1},
         {"address_book_30.vcf", 0, personal, {"2=Søren", "4=Sørensen", "64=Søs", "128=Kestrel & Sons",
             "1024=Met at the conference, call about the contract\nSecond line"}, 1},
-        {"address_book_30.vcf", 0, number, {"4=+45 20 12 34 56", "2=+45 33 12 34 56"}},
         {"address_book_30.vcf", 0, address,
             {"259=soren@kestrel.example", "261=s.sorensen@work.example", "514=Nørregade 10, København, 1165, Denmark"}},
         {"web_mail_30.vcf", 0, address, {"260=ann.lee@example.com", "261=alee@work.example"}, 4},
@@ -75,7 +71,6 @@ TEST(StandInVCard, FilesAsRealProgramsWriteThem)
         {"web_mail_30.vcf", 2, personal, {"1=Pizza Place"}},
         {"web_mail_30.vcf", 3, number, {"1=+1 555 0199"}},
         {"agent_21.vcf", 0, number, {"3=+44 20 7946 0000"}, 1},
-        {"agent_21.vcf", 0, address, {"259=ann@example.com"}},
         // clang-format on
     };
     for (const auto& c : cases) {
@@ -87,43 +82,24 @@ TEST(StandInVCard, FilesAsRealProgramsWriteThem)
     }
 }
 
-TEST(StandInVCard, HostileInputEndsCleanly)
+// A file cut inside a quoted-printable escape keeps what came before it; bytes that are not UTF-8, with no
+// charset named, are read as Windows-1252. (Input of any shape is the fuzzer's.)
+TEST(StandInVCard, CutAndUnlabelledInputIsReadAsFarAsItGoes)
 {
-    for (const char* input :
-         {"", "BEGIN:VCARD", "BEGIN:VCARD\r\nN;ENCODING=QUOTED-PRINTABLE:=", "END:VCARD\r\nEND:VCARD",
-          "BEGIN:VCARD\nN:;\nTEL;ENCODING=QUOTED-PRINTABLE:=4\nEMAIL;CHARSET=\"x:y\":a\n", "\xFF\xFE", "\xFE\xFF\x00",
-          "\xEF\xBB\xBF BEGIN:VCARD\n \n\t", "BEGIN:VCARD\nFN:\xC3"})
-        ParseVCards(input);
     const std::vector<Contact> cut = ParseVCards("BEGIN:VCARD\nN;ENCODING=QUOTED-PRINTABLE:Lee;=C3=A9=\n");
     ASSERT_EQ(cut.size(), 1u);
     EXPECT_EQ(Fields(cut[0], CA_FIELD_CLASS_PERSONAL), (Lines{"2=é", "4=Lee"}));
-    // Bytes that are not UTF-8 and no charset: read as Windows-1252.
     EXPECT_EQ(Fields(ParseVCards("BEGIN:VCARD\nN:M\xFCller;J\x80\nEND:VCARD")[0], CA_FIELD_CLASS_PERSONAL),
               (Lines{"2=J€", "4=Müller"}));
 }
 
-// The generator that fills virtual phones: the same for a seed, and varied as real address books are. What the
-// stand-in writes (the vCards of CAReadItem) of generated, sample and awkward contacts reads back the same in
-// both versions.
+// The generator that fills virtual phones gives the same for a seed. What the stand-in writes (the vCards of
+// CAReadItem) of generated, sample and awkward contacts reads back the same in both versions.
 TEST(StandInVCard, GeneratedAndWrittenCardsReadBackInBothVersions)
 {
-    std::vector<Contact> contacts = GenerateContacts(10000, 42);
-    EXPECT_EQ(contacts, GenerateContacts(10000, 42));
-    EXPECT_NE(contacts, GenerateContacts(10000, 43));
-    size_t single = 0, nonAscii = 0, noMail = 0;
-    for (const Contact& c : contacts) {
-        ASSERT_FALSE(Fields(c, CA_FIELD_CLASS_NUMBER).empty());
-        single += !c.Get(CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_NAME).empty();
-        noMail += Fields(c, CA_FIELD_CLASS_ADDRESS).empty();
-        const std::u16string name = c.Get(CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME) + u" " +
-                                    c.Get(CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME);
-        nonAscii += std::any_of(name.begin(), name.end(), [](char16_t ch) { return ch > 0x7F; });
-    }
-    EXPECT_GT(single, 200u);
-    EXPECT_GT(noMail, 1000u);
-    EXPECT_GT(nonAscii, 1000u);
-
-    contacts.resize(400);
+    std::vector<Contact> contacts = GenerateContacts(400, 42);
+    EXPECT_EQ(contacts, GenerateContacts(400, 42));
+    EXPECT_NE(contacts, GenerateContacts(400, 43));
     for (const char* name : {"phone_export_21.vcf", "address_book_30.vcf", "desktop_mail_21_cp1252.vcf"})
         for (const Contact& c : ParseVCards(ReadCorpus(name)))
             contacts.push_back(c);
@@ -153,14 +129,10 @@ TEST(StandInSearch, PatternsAsTheContactSearchSendsThem)
         bool match;
     } cases[] = {
         // clang-format off
-        {"Anna", "ann%", true}, {"ANNABEL", "ann%", true}, {"Joanna", "ann%", false},
-        {"Ann Lee", "% lee%", true}, {"Ann Leeds", "% lee%", true}, {"Annalee", "% lee%", false},
-        {"Mary Ann Lee", "% ann%", true}, {"Ann", "ann", true}, {"Anna", "ann", false},
-        {"", "%", true}, {"", "a%", false}, {"abc", "%%c", true},
-        {"Müller", "MÜL%", true}, {"Øster", "ø%", true}, {"Łukasz", "ł%", true}, {"Иван", "ив%", true},
-        {"+44 7700", "+44%", true}, {"a%b", "a%b", true},
-        {"ann.lee@example.com", "ann.lee@example.com", true}, {"ann.lee@example.com", "ann.lee", false},
-        {"aaaaaaaaaaaaaaaaaaaaaaaaaaaaab", "%a%a%a%a%a%a%c", false},
+        {"ANNABEL", "ann%", true}, {"Joanna", "ann%", false}, {"Ann Leeds", "% lee%", true},
+        {"Annalee", "% lee%", false}, {"Ann", "ann", true}, {"Anna", "ann", false}, {"", "%", true},
+        {"", "a%", false}, {"abc", "%%c", true}, {"Müller", "MÜL%", true}, {"Łukasz", "ł%", true},
+        {"Иван", "ив%", true}, {"a%b", "a%b", true}, {"aaaaaaaaaaaaaaaaaaaaaaaaaaaaab", "%a%a%a%a%a%a%c", false},
         // clang-format on
     };
     for (const auto& c : cases)

@@ -103,19 +103,15 @@ protected:
 
 }  // namespace
 
-// The suite's texts (the maker, the version word of string 95 without its three leading characters, the build
-// number, the legal lines) are pinned by the goldens in both languages.
-TEST_F(AboutDialog, ReadsTheApplicationsTexts)
+// Params given again replace the earlier ones, a missing string read as empty. (The texts shown are the
+// goldens'.)
+TEST_F(AboutDialog, ParamsGivenAgainReplaceTheEarlierOnes)
 {
     CCommonAboutDlg about;
-    EXPECT_STREQ(about.GetTitleText(), L"");
     tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_LONG);
     params.m_nFooterId = IDS_ABOUT_TEST_NO_BLOCK;
     about.SetAboutBoxParams(&params);
-    EXPECT_STREQ(about.GetTitleText(), L"About Test Application");
-    EXPECT_EQ(std::wstring(about.GetProductText()).size(), 103u);
-    EXPECT_STREQ(about.GetFooterText(), L"") << "a missing string is empty";
-    // Params given again replace the earlier ones.
+    EXPECT_STREQ(about.GetFooterText(), L"");
     params = Params(m_app.Get());
     about.SetAboutBoxParams(&params);
     EXPECT_STREQ(about.GetProductText(), L"Test Application");
@@ -177,10 +173,7 @@ TEST_F(AboutDialog, ClosesByEveryPathWithItsId)
                 return;
             seen = box;
             EXPECT_EQ(GetPropW(box, L"__DeskHubCCommonAboutDlgInstance"), static_cast<HANDLE>(&about));
-            wchar_t title[64] = {};
-            GetWindowTextW(box, title, 64);
-            EXPECT_STREQ(title, L"About Test Application");
-            EXPECT_TRUE(GetClassLongPtrW(box, GCL_STYLE) & CS_DROPSHADOW);
+            EXPECT_TRUE(GetClassLongPtrW(box, GCL_STYLE) & CS_DROPSHADOW) << "a shadow, which no capture shows";
             EXPECT_EQ(GetDlgItem(box, kCaptionIcon) != nullptr, c.icon != 0) << "the caption icon";
             HWND ok = GetDlgItem(box, IDOK);
             ASSERT_NE(ok, nullptr);

@@ -117,24 +117,18 @@ TEST_F(CommonCheckButtons, CommonButtonStatesFollowInput)
     }
 }
 
-// Three sizes from the theme; a larger window shows its parent in the rest. A disabled icon of its own; right
-// to left an icon turns unless told not to (the left piece's white corner shows which way it faces).
+// A larger window than the theme's size shows its parent in the rest (the golden pins the three sizes). A
+// disabled icon of its own; right to left an icon turns unless told not to (the left piece's white corner shows
+// which way it faces).
 TEST_F(CommonCheckButtons, CommonButtonSizesAndIcons)
 {
-    for (auto [size, pixels] : {std::make_pair(CommonButtonSmall, 24), std::make_pair(CommonButtonMedium, 32),
-                                std::make_pair(CommonButtonLarge, 40)}) {
-        SCOPED_TRACE(pixels);
+    {  // gone before the layout changes: the pictures it holds were loaded left to right
         CVuikCommonButtonCtrl button;
-        HWND hwnd = button.Create(m_parent, RECT{10, 10, 100, 100}, 1, WS_CHILD | WS_VISIBLE, 0, size);
-        RECT r;
-        GetClientRect(hwnd, &r);
-        EXPECT_EQ(r.right, pixels);
-        EXPECT_EQ(r.bottom, pixels);
-        EXPECT_TRUE(button.SkinIsValid());
+        HWND hwnd = button.Create(m_parent, RECT{10, 10, 100, 100}, 1, WS_CHILD | WS_VISIBLE, 0, CommonButtonSmall);
         EXPECT_EQ(CVuikLib::GetResourceInstance(), GetModuleHandleW(nullptr)) << "the resource instance is put back";
-        MoveWindow(hwnd, 10, 10, pixels + 10, pixels, TRUE);
+        MoveWindow(hwnd, 10, 10, 34, 24, TRUE);
         const Capture shown = Shown(hwnd);
-        EXPECT_EQ(shown.At(pixels + 5, pixels / 2), shown.At(pixels + 8, 2)) << "the parent's, not the skin's";
+        EXPECT_EQ(shown.At(29, 12), shown.At(32, 2)) << "the parent's, not the skin's";
         button.SetButtonIcon(IDB_BUTTON_GLYPH, IDB_BUTTON_LEFT, 0);
         const CVuikCommonButtonSkinDef def = *button.GetSkin();
         EXPECT_EQ(def.m_States[CommonDisabled].m_nIconId, static_cast<UINT>(IDB_BUTTON_LEFT));
@@ -233,50 +227,47 @@ TEST_F(CommonCheckButtons, CheckButtonStylesFocusAndSizing)
 TEST_F(CommonCheckButtons, Golden)
 {
     DestroyWindow(m_parent);
-    for (const wchar_t* theme : {L"Default", L"Graphite"})
-        for (DWORD layout : {0u, 1u}) {
-            UseTheme(theme);
-            CVuikLib::SetLayout(layout);
-            // The controls stand on a panel of the theme's window colour, whose buffer lies behind them.
-            CTestSkin panelSkin(SkinDef{DkhLoadColor(nullptr, ZGR_COLOR_WINDOW), DkhLoadColor(nullptr, ZGR_COLOR_WINDOW)});
-            CTestPanel panel;
-            panel.CreatePanel(nullptr, RECT{100, 100, 460, 340}, &panelSkin);
-            m_parent = panel.m_hWnd;
-            UpdateWindow(m_parent);
-            const int width = 7 * 44 + 4, height = 3 * 44 + 2 * 22 + 4;
-            Sheet sheet(width, height, 0x808080);
-            const auto paste = [&](HWND hwnd, int x0, int y0) { sheet.Paste(Shown(hwnd), x0, y0); };
-            const ECommonButtonSize sizes[] = {CommonButtonSmall, CommonButtonMedium, CommonButtonLarge};
-            for (int row = 0; row < 3; ++row)
-                for (int state = 0; state < CommonStateCount; ++state) {
-                    ForcedCommonButton button;
-                    button.forced = state;
-                    HWND hwnd = button.Create(m_parent, RECT{4, 4, 44, 44}, 1, WS_CHILD | WS_VISIBLE, 0, sizes[row]);
-                    button.SetButtonIcon(IDB_BUTTON_GLYPH, static_cast<UINT>(-1), 0);
-                    paste(hwnd, 4 + state * 44, 4 + row * 44);
-                }
-            for (int kind = 0; kind < 2; ++kind)
-                for (int state = 0; state < CheckStateCount; ++state) {
-                    HoverCheckButton check;
-                    HWND hwnd = Native(L"Tick", kind ? BS_AUTORADIOBUTTON : BS_AUTOCHECKBOX, RECT{4, 140, 60, 160});
-                    check.SubclassWindow(hwnd);
-                    check.SetCheck(state >= CheckCheckedDisabled ? 1 : 0);
-                    check.SetHover(state % 3 == 2);
-                    EnableWindow(hwnd, state % 3 != 0);
-                    MoveWindow(hwnd, 4, 140, 48, 20, FALSE);
-                    paste(hwnd, 4 + state * 50, 4 + 3 * 44 + kind * 22);
-                }
-            const std::string name = std::string("common_check_") + (theme[0] == L'D' ? "Default" : "Graphite") +
-                                     (layout ? "_rtl" : "_ltr");
-            EXPECT_TRUE(zcmod_test::MatchesGolden(name, width, height, sheet.pixels.data(), 8));
-            CVuikLib::SetLayout(0);
-            DestroyWindow(m_parent);
-            m_parent = nullptr;
-        }
+    for (const Look& look : kLooks) {
+        UseTheme(look.theme);
+        CVuikLib::SetLayout(look.rtl);
+        // The controls stand on a panel of the theme's window colour, whose buffer lies behind them.
+        CTestSkin panelSkin(SkinDef{DkhLoadColor(nullptr, ZGR_COLOR_WINDOW), DkhLoadColor(nullptr, ZGR_COLOR_WINDOW)});
+        CTestPanel panel;
+        panel.CreatePanel(nullptr, RECT{100, 100, 460, 340}, &panelSkin);
+        m_parent = panel.m_hWnd;
+        UpdateWindow(m_parent);
+        const int width = 7 * 44 + 4, height = 3 * 44 + 2 * 22 + 4;
+        Sheet sheet(width, height, 0x808080);
+        const auto paste = [&](HWND hwnd, int x0, int y0) { sheet.Paste(Shown(hwnd), x0, y0); };
+        const ECommonButtonSize sizes[] = {CommonButtonSmall, CommonButtonMedium, CommonButtonLarge};
+        for (int row = 0; row < 3; ++row)
+            for (int state = 0; state < CommonStateCount; ++state) {
+                ForcedCommonButton button;
+                button.forced = state;
+                HWND hwnd = button.Create(m_parent, RECT{4, 4, 44, 44}, 1, WS_CHILD | WS_VISIBLE, 0, sizes[row]);
+                button.SetButtonIcon(IDB_BUTTON_GLYPH, static_cast<UINT>(-1), 0);
+                paste(hwnd, 4 + state * 44, 4 + row * 44);
+            }
+        for (int kind = 0; kind < 2; ++kind)
+            for (int state = 0; state < CheckStateCount; ++state) {
+                HoverCheckButton check;
+                HWND hwnd = Native(L"Tick", kind ? BS_AUTORADIOBUTTON : BS_AUTOCHECKBOX, RECT{4, 140, 60, 160});
+                check.SubclassWindow(hwnd);
+                check.SetCheck(state >= CheckCheckedDisabled ? 1 : 0);
+                check.SetHover(state % 3 == 2);
+                EnableWindow(hwnd, state % 3 != 0);
+                MoveWindow(hwnd, 4, 140, 48, 20, FALSE);
+                paste(hwnd, 4 + state * 50, 4 + 3 * 44 + kind * 22);
+            }
+        EXPECT_TRUE(zcmod_test::MatchesGolden("common_check_" + look.Suffix(), width, height, sheet.pixels.data(), 8));
+        CVuikLib::SetLayout(0);
+        DestroyWindow(m_parent);
+        m_parent = nullptr;
+    }
 }
 
-// 10,000 changes of state and 1,000 lives leave nothing behind. Hidden windows: a paint builds the buffer
-// without the display. A kept control of each kind holds the theme's shared pictures.
+// 3,000 changes of state and 300 lives leave nothing behind (a leak shows hundreds of times). Hidden windows: a
+// paint builds the buffer without the display. A kept control of each kind holds the theme's shared pictures.
 TEST_F(CommonCheckButtons, HandleHygiene)
 {
     zcmod_test::HandleCounter counter;
@@ -304,7 +295,7 @@ TEST_F(CommonCheckButtons, HandleHygiene)
     changeStates(60);
     ASSERT_TRUE(common.SkinIsValid() && check.SkinIsValid() && radio.SkinIsValid());
     auto before = counter.Live();
-    changeStates(10000);
+    changeStates(3000);
     EXPECT_EQ(counter.Live(), before) << counter.Live().ToString() << " / " << before.ToString();
 
     const auto lives = [&](int rounds) {
@@ -323,7 +314,7 @@ TEST_F(CommonCheckButtons, HandleHygiene)
     lives(1);
     changeStates(0);  // the kept controls' buffers built again before each count
     before = counter.Live();
-    lives(1000);
+    lives(300);
     changeStates(0);
     // At most as many of each kind: a shared working bitmap of the drawing code may have gone in between.
     const auto after = counter.Live();

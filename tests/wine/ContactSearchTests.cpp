@@ -67,10 +67,10 @@ TEST_F(ContactSearch, FindsNamesAtAnyWordAndNumbersByPrefix)
     CSearchEngineControl::SetAddressFilter(1);  // e-mail only: the given names and the numbers are left out
     EXPECT_EQ(Find(L"john"), std::vector<std::wstring>());
     CSearchEngineControl::SetAddressFilter(3);
+    // A later word matches too; the recipient box's typing test shows the first two of these and the count.
     const std::vector<std::wstring> expected = {L"Ann Lee <040123>", L"Ann Lee <ann@lee.org>", L"Mary Ann Jones <777>"};
     EXPECT_EQ(Find(L"ann"), expected);
     EXPECT_EQ(Find(L"ann l"), (std::vector<std::wstring>{L"Ann Lee <040123>", L"Ann Lee <ann@lee.org>"}));
-    EXPECT_EQ(Find(L"smi"), (std::vector<std::wstring>{L"Smith John <555>"}));  // the part searched comes first
     // A whole number; the cache holds the contact in both name orders, and an address is answered by both.
     EXPECT_EQ(Find(L"040123", false), (std::vector<std::wstring>{L"Ann Lee <040123>", L"Lee Ann <040123>"}));
     EXPECT_EQ(Find(L"040", false), std::vector<std::wstring>());

@@ -2,8 +2,6 @@
 // controller in another process; the selection window driven by posted keys; the title bar helper.
 #include <gtest/gtest.h>
 
-#include <ostream>
-
 #include "DeviceTestSupport.h"
 #include "HandleCounter.h"
 #include "zcmod/ResourceIds.h"
@@ -45,6 +43,7 @@ protected:
     Phones phones;
     AppWindow app;
     CallRecorder recorder;
+    CTitleBarHelper title;  // a second listener where a test adds it
     CCSDWrapper wrapper;
 };
 
@@ -75,11 +74,8 @@ TEST_F(DeviceSelection, RefusesWhatItCannotWatch)
     EXPECT_EQ(wrapper.SelectDevice(1), static_cast<long>(0x80004003L));
 }
 
-TEST(DeviceSelectionResources, MissingModulesFailTheStart)
+TEST_F(DeviceSelection, MissingModulesFailTheStart)
 {
-    SuiteRegistry suite;
-    AppWindow app;
-    CCSDWrapper wrapper;
     {
         FreshResources resources(suite, L"xyz");
         EXPECT_EQ(wrapper.Initialize(app.Get()), -11);
@@ -158,17 +154,23 @@ TEST_F(DeviceSelection, SelectionByIdFollowsTheCapabilityText)
     EXPECT_EQ(recorder.calls.size(), 2u);
 }
 
-// Two phones: no silent choice, the window decides. The phone chosen last time is preselected; the arrow keys
-// move, Enter takes, Escape leaves the current device as it was; unsupported rows can't be taken.
+// Two phones: no silent choice, the window decides (the title bar asks for one). The phone chosen last time is
+// preselected; the arrow keys move, Enter takes, Escape leaves the current device as it was; unsupported rows
+// can't be taken.
 TEST_F(DeviceSelection, TheWindowDecidesBetweenTwoPhones)
 {
     const std::wstring a = phones.New(L"A", L"--name Alpha");
     const std::wstring b = phones.New(L"B", L"--name Beta");
     phones.New(L"U", L"--name Unknown --unsupported");
     SetString(HKEY_CURRENT_USER, kRememberedKey, L"selectedPhone", b);
+    title.SetWindow(app.Get());
+    title.SetApplicationName(L"Editor", 0);
+    wrapper.AddListener(&title);
     Start();
     EXPECT_EQ(wrapper.SelectDevice(1), -5);
     EXPECT_FALSE(IsWindowVisible(SelectionWindow()));
+    title.Update();
+    EXPECT_EQ(app.Title(), L"Editor - Several phones connected - choose one");
 
     bool appDisabled = false;
     ModalRun run = RunSelectionWindow(wrapper, [&](HWND, HWND list) {
@@ -180,6 +182,7 @@ TEST_F(DeviceSelection, TheWindowDecidesBetweenTwoPhones)
     EXPECT_TRUE(IsWindowEnabled(app.Get()));
     EXPECT_EQ(run.result, 0);
     EXPECT_EQ(recorder.calls, Calls({Attached(L"Beta", b)})) << "preselected from selectedPhone";
+    EXPECT_EQ(app.Title(), L"Editor - Connected to Beta") << "the title bar helper listens too";
 
     // Up to Alpha; the choice is remembered.
     run = RunSelectionWindow(wrapper, [&](HWND, HWND list) {
@@ -207,38 +210,23 @@ TEST_F(DeviceSelection, TheWindowDecidesBetweenTwoPhones)
     EXPECT_EQ(run.result, -5);
     EXPECT_EQ(recorder.calls.size(), 2u);
 
-    // Hidden, the unsupported phone is not in the list.
+    // Hidden, the unsupported phone is not in the list. A phone plugged in while the window is up appears in it
+    // and can be chosen at once.
     wrapper.SetHideUnsupported(1);
-    int rows = 0;
-    run = RunSelectionWindow(wrapper, [&](HWND, HWND list) {
-        rows = ListRows(list);
-        PostKey(list, VK_ESCAPE);
-    });
-    EXPECT_EQ(rows, 2);
-    DeleteTree(HKEY_CURRENT_USER, kRememberedKey);
-}
-
-// A phone plugged in while the window is up appears in it and can be chosen at once.
-TEST_F(DeviceSelection, PlugDuringTheModalLoop)
-{
-    const std::wstring a = phones.New(L"A", L"--name Alpha");
-    Start();
-    ASSERT_EQ(wrapper.SelectDevice(1), 0);
-    std::wstring b;
+    std::wstring c;
     int rowsBefore = 0, rowsAfter = 0;
-    const ModalRun run = RunSelectionWindow(wrapper, [&](HWND, HWND list) {
+    run = RunSelectionWindow(wrapper, [&](HWND, HWND list) {
         rowsBefore = ListRows(list);
-        b = phones.New(L"B", L"--name Beta");
-        WaitUntil([&] { return ListRows(list) == 2; });
+        c = phones.New(L"C", L"--name Gamma");
+        WaitUntil([&] { return ListRows(list) == 3; });
         rowsAfter = ListRows(list);
-        PostKey(list, VK_DOWN);
+        PostKey(list, VK_END);
         PostKey(list, VK_RETURN);
     });
     ASSERT_FALSE(run.timedOut);
-    EXPECT_EQ(rowsBefore, 1);
-    EXPECT_EQ(rowsAfter, 2);
-    EXPECT_EQ(recorder.calls, Calls({Attached(L"Alpha", a), Attached(L"Beta", b)}));
-    EXPECT_EQ(wrapper.GetDeviceCount(), 2);
+    EXPECT_EQ(rowsBefore, 2);
+    EXPECT_EQ(rowsAfter, 3);
+    EXPECT_EQ(recorder.calls.back(), Attached(L"Gamma", c));
 }
 
 // The service stops and starts again: its notifications no longer come, and opening the window reads the list
@@ -289,102 +277,54 @@ TEST_F(DeviceSelection, NoHandleLeftOverOpeningAndClosingTheWindow)
     EXPECT_EQ(SelectionWindow(), nullptr) << "the window goes with the last wrapper";
 }
 
-// --- Title bar -----------------------------------------------------------------------------------------------
-
-namespace {
-
-struct TitleCase {
-    const wchar_t* language;
-    const wchar_t* noDevice;
-    const wchar_t* attached;  // with "Alpha"
-    const wchar_t* unsupported;
-    const wchar_t* choose;
-};
-
-void PrintTo(const TitleCase& c, std::ostream* out)
+// The title bar helper in both languages: file, application and phone state, the separator only between parts.
+TEST(TitleBar, ShowsFileApplicationAndPhoneState)
 {
-    *out << std::string(c.language, c.language + 3);
-}
-
-class TitleBar : public ::testing::TestWithParam<TitleCase> {
-protected:
+    const struct {
+        const wchar_t* language;
+        const wchar_t* noDevice;
+        const wchar_t* attached;  // with "Alpha"
+        const wchar_t* unsupported;
+    } cases[] = {
+        {L"eng", L"No phone connected", L"Connected to Alpha", L"Unsupported phone connected"},
+        {L"heb", L"אין טלפון מחובר", L"מחובר אל Alpha", L"מחובר טלפון שאינו נתמך"},
+    };
     SuiteRegistry suite;
-};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::string(c.language, c.language + 3));
+        FreshResources resources(suite, c.language);
+        AppWindow app;
+        CTitleBarHelper helper;
+        EXPECT_EQ(helper.SetWindow(nullptr), 0);
+        ASSERT_EQ(helper.SetWindow(app.Get()), 1);
+        helper.SetApplicationName(L"Editor", 1);
+        EXPECT_EQ(app.Title(), std::wstring(L"Editor - ") + c.noDevice);
 
-}  // namespace
+        helper.OnDeviceAttached(L"Zelvo", L"Z100", L"Alpha", L"USB", L"1");
+        helper.ShowFilename(1);
+        helper.SetFilename(L"Report.txt", 0);
+        helper.SetSeparator(L" | ", 1);
+        EXPECT_EQ(app.Title(), std::wstring(L"Report.txt | Editor | ") + c.attached);
+        helper.OnUnsupportedDeviceAttached();
+        EXPECT_EQ(app.Title(), std::wstring(L"Report.txt | Editor | ") + c.unsupported);
+        helper.OnDeviceDetached(L"Zelvo");
+        EXPECT_EQ(app.Title(), std::wstring(L"Report.txt | Editor | ") + c.noDevice);
+        EXPECT_STREQ(helper.m_szDeviceManufacturer, L"Zelvo") << "the manufacturer stays";
 
-TEST_P(TitleBar, ShowsFileApplicationAndPhoneState)
-{
-    const TitleCase& c = GetParam();
-    FreshResources resources(suite, c.language);
-    AppWindow app;
-    CTitleBarHelper helper;
-    EXPECT_EQ(helper.SetWindow(nullptr), 0);
-    ASSERT_EQ(helper.SetWindow(app.Get()), 1);
-    helper.SetApplicationName(L"Editor", 1);
-    EXPECT_EQ(app.Title(), std::wstring(L"Editor - ") + c.noDevice);
-
-    helper.OnDeviceAttached(L"Zelvo", L"Z100", L"Alpha", L"USB", L"1");
-    EXPECT_EQ(app.Title(), std::wstring(L"Editor - ") + c.attached);
-    helper.ShowFilename(1);
-    helper.SetFilename(L"Report.txt", 0);
-    helper.SetSeparator(L" | ", 1);
-    EXPECT_EQ(app.Title(), std::wstring(L"Report.txt | Editor | ") + c.attached);
-    helper.OnUnsupportedDeviceAttached();
-    EXPECT_EQ(app.Title(), std::wstring(L"Report.txt | Editor | ") + c.unsupported);
-    helper.OnDeviceDetached(L"Zelvo");
-    EXPECT_EQ(app.Title(), std::wstring(L"Report.txt | Editor | ") + c.noDevice);
-    EXPECT_STREQ(helper.m_szDeviceManufacturer, L"Zelvo") << "the manufacturer stays";
-
-    // The separator only between parts; all parts off gives an empty title.
-    helper.SetFilename(L"", 0);
-    helper.ShowDeviceStatus(0);
-    helper.ShowApplicationName(0);
-    helper.Update();
-    EXPECT_EQ(app.Title(), L"");
-    helper.ShowDeviceStatus(1);
-    helper.Update();
-    EXPECT_EQ(app.Title(), c.noDevice);
-    // An overlong text is refused; the old one stays.
-    helper.SetApplicationName(std::wstring(260, L'x').c_str(), 1);
-    EXPECT_STREQ(helper.m_szApplicationName, L"Editor");
-    // A destroyed window is left alone.
-    DestroyWindow(app.Get());
-    helper.Update();
+        // All parts off gives an empty title, the phone state alone no separator.
+        helper.SetFilename(L"", 0);
+        helper.ShowDeviceStatus(0);
+        helper.ShowApplicationName(0);
+        helper.Update();
+        EXPECT_EQ(app.Title(), L"");
+        helper.ShowDeviceStatus(1);
+        helper.Update();
+        EXPECT_EQ(app.Title(), c.noDevice);
+        // An overlong text is refused; the old one stays.
+        helper.SetApplicationName(std::wstring(260, L'x').c_str(), 1);
+        EXPECT_STREQ(helper.m_szApplicationName, L"Editor");
+        // A destroyed window is left alone.
+        DestroyWindow(app.Get());
+        helper.Update();
+    }
 }
-
-TEST_P(TitleBar, FollowsPlugAndUnplugAsAListener)
-{
-    const TitleCase& c = GetParam();
-    FreshResources resources(suite, c.language);
-    ServiceRegistry service;
-    service.UseStandIns();
-    Phones phones;
-    phones.New(L"A", L"--name Alpha");
-    phones.New(L"B", L"--name Beta");
-    AppWindow app;
-    CTitleBarHelper helper;
-    helper.SetWindow(app.Get());
-    helper.SetApplicationName(L"Editor", 0);
-    CCSDWrapper wrapper;
-    wrapper.AddListener(&helper);
-    ASSERT_EQ(wrapper.Initialize(app.Get()), 0);
-    // Two phones and none chosen.
-    EXPECT_EQ(wrapper.SelectDevice(1), -5);
-    helper.Update();
-    EXPECT_EQ(app.Title(), std::wstring(L"Editor - ") + c.choose);
-    ASSERT_EQ(phones.Ctl(L"unplug B").exitCode, 0u);
-    ASSERT_TRUE(PumpUntil([&] { return app.Title() == std::wstring(L"Editor - ") + c.attached; })) << "now "
-        << app.Title().size() << " characters";
-    ASSERT_EQ(phones.Ctl(L"unplug A").exitCode, 0u);
-    EXPECT_TRUE(PumpUntil([&] { return app.Title() == std::wstring(L"Editor - ") + c.noDevice; }));
-    wrapper.Terminate();
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Languages, TitleBar,
-    ::testing::Values(TitleCase{L"eng", L"No phone connected", L"Connected to Alpha", L"Unsupported phone connected",
-                                L"Several phones connected - choose one"},
-                      TitleCase{L"heb", L"אין טלפון מחובר", L"מחובר אל Alpha", L"מחובר טלפון שאינו נתמך",
-                                L"מחוברים כמה טלפונים - בחרו אחד"}),
-    ::testing::PrintToStringParamName());

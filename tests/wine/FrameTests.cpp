@@ -26,9 +26,6 @@ TEST(VuikLib, StateBeforeInitIsNeutralAndInitIsExactAt96Dpi)
     ReleaseDC(nullptr, screen);
     EXPECT_EQ(CVuikLib::GetScaleX(), 1.0);
     EXPECT_EQ(CVuikLib::GetScaleY(), 1.0);
-    // Init may be called again; it repeats everything.
-    CVuikLib::Init(nullptr, nullptr);
-    EXPECT_EQ(CVuikLib::GetInstance(), nullptr);
 
     // Only the layout 1 is right-to-left; SetLayout answers the former value.
     EXPECT_EQ(CVuikLib::SetLayout(1), 0u);

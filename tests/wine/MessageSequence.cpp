@@ -185,33 +185,29 @@ std::string Recorder::Describe(const Expected& e, bool recorded) const
         text << " w=" << static_cast<unsigned long long>(e.wParam);
     if (recorded || (e.flags & lparam))
         text << " l=" << static_cast<unsigned long long>(e.lParam);
-    return text.str() + ((e.flags & optional) ? " (optional)" : "");
+    return text.str();
 }
 
 ::testing::AssertionResult Recorder::Matches(const std::vector<Expected>& expected) const
 {
     auto same = [](const Expected& e, const Expected& a) {
         return (e.window < 0 || e.window == a.window) && e.message == a.message &&
-               (e.flags & a.flags & 3) == (e.flags & 3) && (!(e.flags & wparam) || e.wParam == a.wParam) &&
-               (!(e.flags & lparam) || e.lParam == a.lParam);
+               (e.flags & a.flags & (sent | posted)) == (e.flags & (sent | posted)) &&
+               (!(e.flags & wparam) || e.wParam == a.wParam) && (!(e.flags & lparam) || e.lParam == a.lParam);
     };
-    size_t i = 0, j = 0;
-    for (; i < expected.size(); ++i) {
-        if (j < m_entries.size() && same(expected[i], m_entries[j]))
-            ++j;
-        else if (!(expected[i].flags & optional))
-            break;
-    }
-    if (i == expected.size() && j == m_entries.size())
+    size_t i = 0;
+    while (i < expected.size() && i < m_entries.size() && same(expected[i], m_entries[i]))
+        ++i;
+    if (i == expected.size() && i == m_entries.size())
         return ::testing::AssertionSuccess();
-    // Both sequences, the first entries that differ marked.
+    // Both sequences, the first entry that differs marked.
     std::ostringstream out;
-    out << "message sequence differs at expected #" << i << ", recorded #" << j << "\nexpected:\n";
+    out << "message sequence differs at #" << i << "\nexpected:\n";
     for (size_t r = 0; r < expected.size(); ++r)
         out << (r == i ? " > " : "   ") << Describe(expected[r], false) << "\n";
     out << "recorded:\n";
     for (size_t r = 0; r < m_entries.size(); ++r)
-        out << (r == j ? " > " : "   ") << Describe(m_entries[r], true) << "\n";
+        out << (r == i ? " > " : "   ") << Describe(m_entries[r], true) << "\n";
     return ::testing::AssertionFailure() << out.str();
 }
 

@@ -1,8 +1,8 @@
 // Message-sequence checks in the manner of Wine's conformance tests. A Recorder logs the messages of the
 // windows it watches (a recording subclass in front of a window under test, or a window of its recording
 // parent class), each entry with its window, message, sent or posted, and parameters. A test then compares
-// the log with a table of expected entries, in which entries may be optional and parameters are compared only
-// where they matter; on a mismatch both sequences are printed with the first difference marked.
+// the log with a table of expected entries, whose parameters are compared only where they matter; on a
+// mismatch both sequences are printed with the first difference marked.
 //
 //   msgseq::Recorder rec;
 //   HWND parent = rec.CreateParent("parent", {0, 0, 200, 100});
@@ -28,11 +28,10 @@
 namespace msgseq {
 
 enum Flags : unsigned {
-    sent = 0x01,      // delivered by a send (expected: must have been sent)
-    posted = 0x02,    // taken from the queue (expected: must have been posted or be a queue message)
-    wparam = 0x04,    // expected: compare wParam
-    lparam = 0x08,    // expected: compare lParam
-    optional = 0x10,  // expected: may be missing
+    sent = 0x01,    // delivered by a send (expected: must have been sent)
+    posted = 0x02,  // taken from the queue (expected: must have been posted or be a queue message)
+    wparam = 0x04,  // expected: compare wParam
+    lparam = 0x08,  // expected: compare lParam
 };
 
 struct Expected {

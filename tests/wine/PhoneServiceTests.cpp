@@ -1,11 +1,9 @@
 // The stand-in connectivity service through the loaders, serving the calls the library makes: the device list
-// and its notifications from the controller in another process, copies with progress and cancel, the contacts
-// with the searches that the contact search sends. (The recipient picker's reads are its own tests'.)
+// and its notifications from the controller in another process, a refused copy, the contacts with the searches
+// that the contact search sends. (The recipient picker's reads are its own tests'.)
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <functional>
 #include <mutex>
 #include <set>
 #include <string>
@@ -92,22 +90,18 @@ TEST(ServiceSecondApplication, DISABLED_PrintsWhatItHears)
 
 TEST_F(Service, DeviceListAndItsNotificationsReachTwoApplications)
 {
-    const std::wstring anna = phones.New(L"anna", L"--name \"Anna's phone\" --model Z200 --media bluetooth");
-    const std::wstring ben = phones.New(L"ben", L"--detached --manufacturer Orbix");
+    const std::wstring anna = phones.New(L"anna");
+    const std::wstring ben = phones.New(L"ben", L"--detached");
     ASSERT_FALSE(anna.empty() || ben.empty());
     HLNKADM dm = OpenDm();
     ASSERT_TRUE(dm);
 
-    // The record as the device selection and the contact search read it; a detached phone isn't listed.
+    // A detached phone isn't listed.
     LNKA_DEVICE devices[2] = {};
     DWORD count = 2;
     ASSERT_EQ(LNKAGetDevices(dm, &count, devices), S_OK);
     ASSERT_EQ(count, 1u);
     EXPECT_STREQ(devices[0].pstrSerialNumber, anna.c_str());
-    EXPECT_STREQ(devices[0].pstrFriendlyName, L"Anna's phone");
-    EXPECT_STREQ(devices[0].pstrModel, L"Z200");
-    ASSERT_EQ(devices[0].dwNumberOfItems, 1u);
-    EXPECT_EQ(devices[0].pItems[0].dwMedia, static_cast<DWORD>(LNKA_MEDIA_BLUETOOTH));
     EXPECT_EQ(LNKAFreeDeviceStructure(count, devices), S_OK);
 
     // A second application in a process of its own, listening with the library's loaders and the service.
@@ -158,83 +152,32 @@ TEST_F(Service, DeviceListAndItsNotificationsReachTwoApplications)
 
 namespace {
 
-// Records the progress of a transfer; its first report is answered by `atFirst`.
-class ProgressRecorder : public IFSAPINotify {
-public:
-    std::function<HRESULT()> atFirst = [] { return S_OK; };
-    std::vector<std::pair<DWORD, DWORD>> reports;  // state, percent
-    DWORD64 lastBytes = 0;
-    std::atomic<int> removed{0};
-
-    HRESULT STDMETHODCALLTYPE FileProgress(DWORD state, DWORD percent, DWORD64 bytes) override
-    {
-        reports.emplace_back(state, percent);
-        lastBytes = bytes;
-        return reports.size() == 1 && state == LNKA_PROGRESS_RUNNING ? atFirst() : S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE DeviceNotify(DWORD status, const wchar_t*) override
-    {
-        removed += status == DEVICE_REMOVED;
-        return S_OK;
-    }
-};
+HRESULT CALLBACK RefuseTheTransfer(DWORD, DWORD, DWORD64)
+{
+    return LNKA_E_CANCELLED;
+}
 
 }  // namespace
 
-TEST_F(Service, CopiesWithProgressAndCancel)
+// A listener that refuses a transfer stops it: the target is left as it was, with no partial file beside it.
+// (Copies that go through, and an unplug during one, are the phone file dialog's tests.)
+TEST_F(Service, ARefusedCopyLeavesTheTargetAsItWas)
 {
     const std::wstring serial = phones.New(L"files", L"--files 8");
     ASSERT_EQ(FSAPI_Initialize(kFsapiVersion, 0), S_OK);
     HLNKAFS fs = nullptr;
     DWORD media = LNKA_MEDIA_USB, id = 0;
     ASSERT_EQ(LNKAOpenFS(serial.c_str(), &media, &fs, &id), S_OK);
-    const std::wstring drive = phones.Folder(L"files") + L"\\files\\";
-    const std::vector<uint8_t> picture = ReadBytes(drive + L"C\\Pictures\\IMG_0001.jpg");
-    ASSERT_FALSE(picture.empty());
     ScratchFolder scratch;
+    const std::vector<uint8_t> old = {'o', 'l', 'd'};
+    scratch.Write(L"IMG_0001.jpg", old);
     std::wstring pc = scratch.File(L"");
     pc.pop_back();
-
-    // Down and up, with progress.
-    ProgressRecorder progress;
-    ASSERT_EQ(LNKARegisterFSNotifyIF(fs, API_REGISTER, &progress), S_OK);
-    ASSERT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"IMG_0001.jpg", L"\\C:\\Pictures", pc.c_str()), S_OK);
-    EXPECT_EQ(ReadBytes(scratch.File(L"IMG_0001.jpg")), picture);
-    ASSERT_GE(progress.reports.size(), 2u);
-    EXPECT_TRUE(std::is_sorted(progress.reports.begin(), progress.reports.end()));
-    EXPECT_EQ(progress.reports.back(), std::make_pair(static_cast<DWORD>(LNKA_PROGRESS_RUNNING), 100ul));
-    EXPECT_EQ(progress.lastBytes, picture.size());
-    ASSERT_EQ(LNKACopyFile(fs, LNKA_COPY_TO_DEVICE, L"IMG_0001.jpg", pc.c_str(), L"\\E:"), S_OK);
-    EXPECT_EQ(ReadBytes(drive + L"E\\IMG_0001.jpg"), picture);
-    EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"none.jpg", L"\\C:", pc.c_str()), LNKA_E_FILE_NOT_FOUND);
-
-    // Stopped transfers leave the target as it was. A file of 50 blocks, so that a stop has blocks to stop.
-    // The phone going away last: the transfer's listener hears that it was aborted, and that the phone went.
-    WriteBytes(drive + L"C\\Pictures\\big.bin", std::vector<uint8_t>(200000, 'b'));
-    const std::vector<uint8_t> old = {'o', 'l', 'd'};
-    const struct {
-        const char* name;
-        std::function<HRESULT()> atFirst;
-        HRESULT result;
-    } stops[] = {
-        {"cancelled", [&] { return LNKACancel(fs); }, LNKA_E_CANCELLED},
-        {"refused", [] { return LNKA_E_CANCELLED; }, LNKA_E_CANCELLED},
-        {"unplugged", [&] { return phones.Ctl(L"detach files").exitCode ? E_FAIL : S_OK; },
-         LNKA_E_DEVICE_NOT_CONNECTED},
-    };
-    for (const auto& stop : stops) {
-        SCOPED_TRACE(stop.name);
-        scratch.Write(L"big.bin", old);
-        progress.reports.clear();
-        progress.atFirst = stop.atFirst;
-        EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"big.bin", L"\\C:\\Pictures", pc.c_str()), stop.result);
-        EXPECT_TRUE(ReadBytes(scratch.File(L"big.bin")) == old) << "the target is left as it was";
-        EXPECT_EQ(GetFileAttributesW(scratch.File(L"big.bin.partial").c_str()), INVALID_FILE_ATTRIBUTES);
-        EXPECT_LT(progress.reports.size(), 3u);
-    }
-    EXPECT_EQ(progress.reports.back().first, static_cast<DWORD>(LNKA_PROGRESS_ABORTED));
-    EXPECT_TRUE(WaitUntil([&] { return progress.removed == 1; }));
-    EXPECT_EQ(LNKARegisterFSNotifyIF(fs, API_UNREGISTER, &progress), S_OK);
+    ASSERT_EQ(LNKARegisterFSNotifyCallback(fs, API_REGISTER, RefuseTheTransfer), S_OK);
+    EXPECT_EQ(LNKACopyFile(fs, LNKA_COPY_FROM_DEVICE, L"IMG_0001.jpg", L"\\C:\\Pictures", pc.c_str()),
+              LNKA_E_CANCELLED);
+    EXPECT_TRUE(ReadBytes(scratch.File(L"IMG_0001.jpg")) == old) << "the target is left as it was";
+    EXPECT_EQ(GetFileAttributesW(scratch.File(L"IMG_0001.jpg.partial").c_str()), INVALID_FILE_ATTRIBUTES);
     EXPECT_EQ(LNKACloseFS(fs), S_OK);
 }
 
@@ -285,75 +228,55 @@ Names Search(HCA ca, int slot, DWORD fieldClass, DWORD subType, const wchar_t* p
     return names;
 }
 
-HCA OpenContacts(const std::wstring& serial)
-{
-    HCA ca = nullptr;
-    DWORD target = CA_TARGET_CONTACTS;
-    EXPECT_EQ(DAOpenCA(serial.c_str(), &target, 1, &ca), S_OK);
-    return ca;
-}
-
 }  // namespace
 
-// Searches as the contact search sends them, on a phone given cards of both versions and on a slow phone
-// whose contact file of non-Latin and right-to-left names the controller loaded card by card through the
-// converter (an empty card is refused). The pattern rules are the native search test's; here each slot,
-// class and subtype reaches them.
+// Searches as the contact search sends them, on a phone whose contact file of non-Latin, right-to-left and
+// version 2.1 cards the controller loaded card by card through the converter (an empty card is refused). The
+// pattern rules are the native search test's; here each slot, class and subtype reaches them, a slow phone
+// takes its time, and a phone that goes away ends a running search with an error.
 TEST_F(Service, ContactsSearchedAsTheLibraryAsks)
 {
-    const char cards[] =
-        "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Lee;Ann;;;\r\nFN:Ann Lee\r\nTEL;TYPE=CELL:+44 7700 900001\r\n"
-        "EMAIL;TYPE=INTERNET,HOME:ann.lee@example.com\r\nEND:VCARD\r\n"
-        "BEGIN:VCARD\r\nVERSION:2.1\r\nN:Annabel;Lee\r\nTEL;HOME:+44 20 7946 0002\r\nEND:VCARD\r\n"
-        "BEGIN:VCARD\r\nVERSION:3.0\r\nN:Smith;Mary Ann;;;\r\nEMAIL;TYPE=INTERNET,WORK:mary@work.example\r\nEND:VCARD\r\n"
-        "BEGIN:VCARD\r\nVERSION:3.0\r\nN:;;;;\r\nFN:Annex Office\r\nTEL;TYPE=WORK:+1 555 0100\r\nEND:VCARD\r\n"
-        "BEGIN:VCARD\r\nVERSION:2.1\r\nN;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:=C3=93 Briain;Dara\r\n"
-        "EMAIL;INTERNET:dara@example.ie\r\nEND:VCARD\r\n";
-    const std::wstring typed = phones.New(L"typed"), loaded = phones.New(L"loaded");
-    WriteBytes(phones.Folder(L"typed") + L"\\contacts.vcf", std::vector<uint8_t>(std::begin(cards), std::end(cards) - 1));
+    const std::wstring serial = phones.New(L"loaded");
     const ProcessResult load =
         phones.Ctl(L"contacts loaded \"" + DataFile("../../standins/samples/contacts.vcf") + L"\"");
     EXPECT_NE(load.output.find("9 contacts loaded, 1 refused, 9 on the phone"), std::string::npos) << load.output;
     ASSERT_EQ(phones.Ctl(L"slow loaded 150").exitCode, 0u);
     ASSERT_EQ(CAAPI_Initialize(kCaapiVersion, 0), S_OK);
-    const HCA ca = OpenContacts(typed), slow = OpenContacts(loaded);
-    ASSERT_TRUE(ca && slow);
+    HCA ca = nullptr;
+    DWORD target = CA_TARGET_CONTACTS;
+    ASSERT_EQ(DAOpenCA(serial.c_str(), &target, 1, &ca), S_OK);
 
     const struct {
-        HCA ca;
         int slot;
         DWORD fieldClass, subType;
         const wchar_t* pattern;
         Names names;
     } searches[] = {
-        {ca, 0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, L"ann%", {L"Lee Annabel"}},
-        {ca, 0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, L"ann%", {L"Ann Lee"}},
-        {ca, 0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_NAME, L"ann%", {L"Annex Office"}},
-        {ca, 0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, L"ó%", {L"Dara Ó Briain"}},
-        {ca, 1, CA_FIELD_CLASS_NUMBER, CA_FIELD_SUBTYPE_ANY, L"+44 7700 900001", {L"Ann Lee"}},
-        {ca, 2, CA_FIELD_CLASS_ADDRESS, CA_FIELD_SUBTYPE_ANY, L"ANN.LEE@example.com", {L"Ann Lee"}},
-        {ca, 2, CA_FIELD_CLASS_ADDRESS, CA_ADDRESS_EMAIL_WORK, L"mary@work.example", {L"Mary Ann Smith"}},
-        {ca, 2, CA_FIELD_CLASS_ADDRESS, CA_ADDRESS_EMAIL_HOME, L"mary@work.example", {}},
-        {ca, 2, CA_FIELD_CLASS_ANY, CA_FIELD_SUBTYPE_ANY, L"+1 555 0100", {L"Annex Office"}},
-        {slow, 0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, L"דנ%", {L"דנה לוי"}},
-        {slow, 0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, L"حد%", {L"ليلى حداد"}},
-        {slow, 0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, L"аНН%", {L"Анна Иванова"}},  // case in Cyrillic
-        {slow, 0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, L"王", {L"芳 王"}},
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, L"דנ%", {L"דנה לוי"}},
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, L"حد%", {L"ليلى حداد"}},
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_FIRST_NAME, L"аНН%", {L"Анна Иванова"}},  // case in Cyrillic
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, L"王", {L"芳 王"}},
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_NAME, L"pizza%", {L"Pizza Place"}},
+        {0, CA_FIELD_CLASS_PERSONAL, CA_PERSONAL_LAST_NAME, L"pizza%", {}},
+        {1, CA_FIELD_CLASS_NUMBER, CA_FIELD_SUBTYPE_ANY, L"+353 1 555 0112", {L"Siobhán Brennan"}},
+        {2, CA_FIELD_CLASS_ADDRESS, CA_FIELD_SUBTYPE_ANY, L"SIOBHAN@example.ie", {L"Siobhán Brennan"}},
+        {2, CA_FIELD_CLASS_ADDRESS, CA_ADDRESS_EMAIL_WORK, L"dana@work.example", {L"דנה לוי"}},
+        {2, CA_FIELD_CLASS_ADDRESS, CA_ADDRESS_EMAIL_HOME, L"dana@work.example", {}},
+        {2, CA_FIELD_CLASS_ANY, CA_FIELD_SUBTYPE_ANY, L"+44 20 7946 0113", {L"Pizza Place"}},
     };
-    for (const auto& s : searches) {
+    for (const auto& c : searches) {
         const DWORD start = GetTickCount();
-        EXPECT_EQ(Search(s.ca, s.slot, s.fieldClass, s.subType, s.pattern), s.names) << s.pattern << " " << s.subType;
-        EXPECT_GE(GetTickCount() - start, s.ca == slow ? 140u : 0u) << "the slow phone answered at once";
+        EXPECT_EQ(Search(ca, c.slot, c.fieldClass, c.subType, c.pattern), c.names) << c.pattern << " " << c.subType;
+        EXPECT_GE(GetTickCount() - start, 140u) << "the slow phone answered at once";
     }
 
     // The phone goes away during a search: the search ends with an error.
     HCAFIND find = Begin(ca, 2, CA_FIELD_CLASS_ANY, CA_FIELD_SUBTYPE_ANY, L"%");
-    ASSERT_EQ(phones.Ctl(L"detach typed").exitCode, 0u);
+    ASSERT_EQ(phones.Ctl(L"detach loaded").exitCode, 0u);
     Sleep(60);
     ContactItem item = {};
     item.dwSize = sizeof(item);
     EXPECT_EQ(CAFindNext(find, CA_DATA_FORMAT_STRUCT, &item), LNKA_E_DEVICE_NOT_CONNECTED);
     EXPECT_EQ(CAFindEnd(find), S_OK);
     EXPECT_EQ(DACloseCA(ca), S_OK);
-    EXPECT_EQ(DACloseCA(slow), S_OK);
 }

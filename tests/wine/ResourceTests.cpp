@@ -21,47 +21,6 @@ std::wstring ThemeName(HMODULE module)
     return text;
 }
 
-// Message boxes that the thread shows, recorded and closed at once by a hook: caption, text, and whether they
-// show an icon.
-struct Box {
-    std::wstring caption;
-    std::wstring text;
-    bool icon = false;
-};
-std::vector<Box> g_boxes;
-HHOOK g_hook = nullptr;
-
-LRESULT CALLBACK RecordBox(int code, WPARAM wParam, LPARAM lParam)
-{
-    HWND box = reinterpret_cast<HWND>(wParam);
-    wchar_t text[512] = {};
-    if (code == HCBT_ACTIVATE && GetClassNameW(box, text, 512) && !wcscmp(text, L"#32770")) {
-        Box record;
-        GetWindowTextW(box, text, 512);
-        record.caption = text;
-        GetDlgItemTextW(box, 0xFFFF, text, 512);
-        record.text = text;
-        auto findIcon = [](HWND child, LPARAM found) -> BOOL {
-            wchar_t cls[16] = {};
-            if (GetClassNameW(child, cls, 16) && !_wcsicmp(cls, L"Static") && SendMessageW(child, STM_GETICON, 0, 0))
-                *reinterpret_cast<bool*>(found) = true;
-            return TRUE;
-        };
-        EnumChildWindows(box, findIcon, reinterpret_cast<LPARAM>(&record.icon));
-        g_boxes.push_back(record);
-        PostMessageW(box, WM_COMMAND, IDOK, 0);
-    }
-    return CallNextHookEx(g_hook, code, wParam, lParam);
-}
-
-// The watchdog of a test that shows message boxes: should the hook ever miss one, the box's own modal loop
-// runs this thread timer, which closes it, so the test fails instead of hanging.
-void CALLBACK CloseStrayBox(HWND, UINT, UINT_PTR, DWORD)
-{
-    if (HWND box = FindWindowW(L"#32770", nullptr))
-        PostMessageW(box, WM_COMMAND, IDCANCEL, 0);
-}
-
 class Resources : public ::testing::Test {
 protected:
     SuiteRegistry registry;
@@ -176,13 +135,24 @@ TEST_F(Resources, SuiteKeysFollowTheSettingsLibrarysManufacturer)
     EXPECT_EQ(handler.ReadSuiteValue(HKEY_CURRENT_USER, L"Theme", buffer, 260), 0);
 }
 
-TEST_F(Resources, ColoursComeFromTheThemeAndOnlyFoundStringsAreCached)
+// Strings come from the language module, the version and the colours from the theme's; only colour strings that
+// are found are cached.
+TEST_F(Resources, StringsVersionAndColoursComeFromTheModules)
 {
+    registry.SetLanguage(L"tst");
+    wchar_t text[64] = {};
+    EXPECT_EQ(ZCMOD_LoadString(ZLR_STR_SUITE_NAME, text, 64), 8);
+    EXPECT_STREQ(text, L"Test Hub");
+    EXPECT_EQ(ZCMOD_LoadString(ZLR_STR_SUITE_NAME, nullptr, 5), 0);
+    EXPECT_EQ(ZCMOD_LoadString(12345, text, 64), 0);
+
     registry.SetUserTheme(L"Test");
     HMODULE module = ZCMOD_GetCommonZGR();
-    ASSERT_NE(module, nullptr);
+    DWORD version[4] = {};
+    ASSERT_TRUE(CUtils::GetModuleVersion(module, version));
+    EXPECT_EQ(std::vector<DWORD>(version, version + 4), (std::vector<DWORD>{7, 6, 5, 4}));
+    EXPECT_FALSE(CUtils::GetModuleVersion(nullptr, version));
     // The parse rules are the native colour string test's; the string is read through 20 characters.
-    EXPECT_EQ(DkhLoadColor(nullptr, 700), 0x0038220Cu);         // 12,34,56
     EXPECT_EQ(DkhLoadColor(nullptr, 709), RGB(100, 100, 100));
     EXPECT_EQ(DkhLoadColor(module, ZGR_COLOR_TEXT), RGB(10, 20, 30));
 
@@ -206,24 +176,6 @@ TEST_F(Resources, ColoursComeFromTheThemeAndOnlyFoundStringsAreCached)
     EXPECT_EQ(ThemeName(ZCMOD_GetCommonZGR()), L"Other");
     EXPECT_EQ(CCommonModuleState::Get().m_pColorLoader->GetCachedCount(), 0u);
     EXPECT_EQ(DkhLoadColor(nullptr, 700), RGB(4, 5, 6));
-}
-
-TEST_F(Resources, StringsAndTheModuleVersion)
-{
-    registry.SetLanguage(L"tst");
-    wchar_t text[64] = {};
-    EXPECT_EQ(ZCMOD_LoadString(ZLR_STR_SUITE_NAME, text, 64), 8);
-    EXPECT_STREQ(text, L"Test Hub");
-    EXPECT_EQ(ZCMOD_LoadString(ZLR_STR_SUITE_NAME, nullptr, 5), 0);
-    EXPECT_EQ(ZCMOD_LoadString(12345, text, 64), 0);
-
-    registry.SetUserTheme(L"Test");
-    DWORD version[4] = {};
-    ASSERT_TRUE(CUtils::GetModuleVersion(ZCMOD_GetCommonZGR(), version));
-    EXPECT_EQ(std::vector<DWORD>(version, version + 4), (std::vector<DWORD>{7, 6, 5, 4}));
-    EXPECT_TRUE(CUtils::GetModuleVersion(GetModuleHandleW(L"zcmod.dll"), version));
-    EXPECT_EQ(version[0], 1u);
-    EXPECT_FALSE(CUtils::GetModuleVersion(nullptr, version));
 }
 
 TEST_F(Resources, FontsRegisterOnFirstUseEvenForAnEmptyPointer)
@@ -251,9 +203,8 @@ TEST_F(Resources, FontsRegisterOnFirstUseEvenForAnEmptyPointer)
     // The description: the face, DEFAULT_CHARSET and CLEARTYPE_QUALITY, all else cleared (height and weight too).
     memset(&font, 0x5A, sizeof(font));
     DkhLoadFont(&font);
-    EXPECT_STREQ(font.lfFaceName, L"Zelvo Sans Wide");
     LOGFONTW expected = {};
-    memcpy(expected.lfFaceName, font.lfFaceName, sizeof(font.lfFaceName));
+    wcscpy(expected.lfFaceName, L"Zelvo Sans Wide");
     expected.lfCharSet = DEFAULT_CHARSET;
     expected.lfQuality = CLEARTYPE_QUALITY;
     EXPECT_EQ(memcmp(&font, &expected, sizeof(font)), 0);
@@ -263,8 +214,7 @@ TEST_F(Resources, FontsRegisterOnFirstUseEvenForAnEmptyPointer)
 
 TEST_F(Resources, MissingModulesShowOneMessageOnlyFromEnsureCommonResources)
 {
-    g_hook = SetWindowsHookExW(WH_CBT, RecordBox, nullptr, GetCurrentThreadId());
-    const UINT_PTR watchdog = SetTimer(nullptr, 0, 5000, CloseStrayBox);
+    MessageBoxCloser closer;
     registry.SetUserTheme(L"Test");
     wchar_t text[16] = L"unchanged";
     EXPECT_EQ(ZCMOD_LoadString(ZLR_STR_SUITE_NAME, text, 16), 0) << "no language: the test program's strings";
@@ -276,14 +226,12 @@ TEST_F(Resources, MissingModulesShowOneMessageOnlyFromEnsureCommonResources)
     EXPECT_EQ(DkhLoadColor(nullptr, ZGR_COLOR_TEXT), 0u);
     LOGFONTW font;
     DkhLoadFont(&font);
-    EXPECT_EQ(g_boxes.size(), 1u);
+    EXPECT_EQ(closer.closed, 1);
     EXPECT_EQ(EnsureCommonResources(), 0);
     registry.SetUserTheme(L"Test");
     EXPECT_EQ(EnsureCommonResources(), 1);
-    UnhookWindowsHookEx(g_hook);
-    KillTimer(nullptr, watchdog);
-    ASSERT_EQ(g_boxes.size(), 2u);
-    for (const Box& box : g_boxes) {
+    ASSERT_EQ(closer.boxes.size(), 2u);
+    for (const MessageBoxCloser::Box& box : closer.boxes) {
         EXPECT_EQ(box.caption, L"ZCMOD");
         EXPECT_EQ(box.text, L"ZCMOD is unable to load the resources.\nPlease reinstall Desk Hub.");
         EXPECT_TRUE(box.icon) << "MB_ICONERROR";

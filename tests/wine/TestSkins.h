@@ -369,11 +369,9 @@ public:
     ThemedPanel& operator=(const ThemedPanel&) = delete;
     void UseTheme(const Theme& theme)
     {
-        m_theme = theme;
         m_registry.SetMachineTheme(theme.name);
         m_skin.SetSkinDef({theme.window, theme.window});
     }
-    const Theme& CurrentTheme() const { return m_theme; }
     HWND Open(const RECT& rect, bool rtl)
     {
         Close();
@@ -400,7 +398,6 @@ public:
 
 private:
     zcmod_test::SuiteRegistry m_registry;
-    Theme m_theme = kThemes[0];
     CTestSkin m_skin;
     CTestPanel m_panel;
 };

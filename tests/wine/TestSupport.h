@@ -1,10 +1,13 @@
-// Helpers of the Wine tests: registry values that a test sets up and removes, the runtime folder, and child
-// processes.
+// Helpers of the Wine tests: registry values that a test sets up and removes, the runtime folder, child
+// processes, and message boxes answered from a second thread.
 #pragma once
 
 #include <windows.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace zcmod_test {
 
@@ -20,7 +23,6 @@ inline std::wstring BinDir()
 // Registry keys the suite reads for the manufacturer "Zelvo" (the stand-in settings library's default).
 constexpr wchar_t kMachineSuiteKey[] = L"Software\\Wow6432Node\\Zelvo\\DeskHub";
 constexpr wchar_t kUserSuiteKey[] = L"Software\\Zelvo\\DeskHub";
-constexpr wchar_t kBuildNumberKey[] = L"SOFTWARE\\Wow6432node\\Zelvo";
 constexpr wchar_t kStandInKey[] = L"Software\\ZCMOD Stand-ins\\DKHL64";  // HKCU: what the stand-in answers
 
 // Writes `bytes` bytes of `data` as a value of `type`, creating the key.
@@ -69,7 +71,7 @@ public:
     }
     void SetBuildNumber(const std::wstring& text)
     {
-        SetString(HKEY_LOCAL_MACHINE, kBuildNumberKey, L"DeskHubBuildNumber", text);
+        SetString(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Wow6432node\\Zelvo", L"DeskHubBuildNumber", text);
     }
     // What the stand-in settings library answers to one of its questions.
     void SetStandIn(const wchar_t* name, const std::wstring& value)
@@ -128,5 +130,49 @@ inline ProcessResult RunProcess(const std::wstring& exe, const std::wstring& arg
     CloseHandle(readEnd);
     return result;
 }
+
+// Answers every message box (a visible window of the dialog class) of the thread that made it with OK, from a
+// second thread, and records what each said; it is also the watchdog of a modal loop that nobody ends.
+struct MessageBoxCloser {
+    struct Box {
+        std::wstring caption, text;
+        bool icon = false;
+    };
+    std::vector<Box> boxes;      // read them once `closed` counts them
+    std::atomic<int> closed{0};  // counted after the box is recorded
+    std::atomic<bool> stop{false};
+    std::thread worker{[this, thread = GetCurrentThreadId()] {
+        for (; !stop; Sleep(20))
+            EnumThreadWindows(
+                thread, [](HWND hwnd, LPARAM self) { return reinterpret_cast<MessageBoxCloser*>(self)->Close(hwnd); },
+                reinterpret_cast<LPARAM>(this));
+    }};
+    ~MessageBoxCloser()
+    {
+        stop = true;
+        worker.join();
+    }
+    BOOL Close(HWND hwnd)
+    {
+        wchar_t text[512] = {};
+        if (!IsWindowVisible(hwnd) || !GetClassNameW(hwnd, text, 512) || wcscmp(text, L"#32770") != 0)
+            return TRUE;
+        Box box;
+        GetWindowTextW(hwnd, text, 512);
+        box.caption = text;
+        GetDlgItemTextW(hwnd, 0xFFFF, text, 512);  // the text of a box the platform makes
+        box.text = text;
+        auto findIcon = [](HWND child, LPARAM found) {
+            *reinterpret_cast<bool*>(found) |= SendMessageW(child, STM_GETICON, 0, 0) != 0;
+            return TRUE;
+        };
+        EnumChildWindows(hwnd, findIcon, reinterpret_cast<LPARAM>(&box.icon));
+        boxes.push_back(box);
+        ++closed;
+        PostMessageW(hwnd, WM_COMMAND, IDOK, 0);
+        Sleep(100);  // until the box is gone, so that it counts once
+        return TRUE;
+    }
+};
 
 }  // namespace zcmod_test

@@ -203,11 +203,6 @@ std::wstring FileTitle(const std::wstring& path)
     return length >= 1 && length <= 63 ? path.substr(start, length) : std::wstring();
 }
 
-std::wstring DefaultExtension(const std::wstring& extension)
-{
-    return !extension.empty() && extension[0] == L'.' ? extension.substr(1) : extension;
-}
-
 std::wstring FilterForDialog(const std::wstring& filter)
 {
     std::wstring result = filter;

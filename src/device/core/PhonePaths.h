@@ -65,9 +65,6 @@ bool ForbidsAdding(const std::wstring& forbidden);
 // is no extension); kept only with 1 to 63 characters, else empty.
 std::wstring FileTitle(const std::wstring& path);
 
-// A default extension without its leading ".".
-std::wstring DefaultExtension(const std::wstring& extension);
-
 // A filter of the form "Text|*.txt|All|*.*|" with each "|" made a NUL, as the platform's dialog takes it; the
 // result always ends in two NULs.
 std::wstring FilterForDialog(const std::wstring& filter);
