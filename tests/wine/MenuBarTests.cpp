@@ -561,6 +561,7 @@ TEST_F(MenuBar, Goldens)
 TEST_F(MenuBar, HandlesFlatOverManyPopups)
 {
     Build();
+    input::MoveTo(kAway);  // a pointer resting on the bar would open the buttons it hovers as well
     HandleCounter counter;
     const auto cycle = [&](int i) {
         const int index = i % 4;
