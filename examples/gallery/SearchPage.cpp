@@ -3,6 +3,8 @@
 // the contacts found and how long the lookup took, so that a second search of the same text shows the cache.
 #include <windows.h>
 
+#include <commctrl.h>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,6 +25,12 @@ public:
     void Enter(HWND host) override
     {
         m_font = SuiteFont(15);
+        // The field takes the theme's window and text colours; the host asks the page for them while it is shown.
+        m_host = host;
+        m_fieldText = DkhLoadColor(nullptr, ZGR_COLOR_TEXT);
+        m_fieldColour = DkhLoadColor(nullptr, ZGR_COLOR_WINDOW);
+        m_fieldBrush = CreateSolidBrush(m_fieldColour);
+        SetWindowSubclass(host, HostProc, 1, reinterpret_cast<DWORD_PTR>(this));
         m_control = std::make_unique<CSearchEngineControl>();
         m_edit = CreateWindowExW(WS_EX_CLIENTEDGE, L"EDIT", L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL,
                                  24, 96, 360, 26, host, nullptr, GetModuleHandleW(nullptr), nullptr);
@@ -37,6 +45,12 @@ public:
         if (m_edit)
             DestroyWindow(m_edit);
         m_edit = nullptr;
+        if (m_host)
+            RemoveWindowSubclass(m_host, HostProc, 1);
+        m_host = nullptr;
+        if (m_fieldBrush)
+            DeleteObject(m_fieldBrush);
+        m_fieldBrush = nullptr;
         m_control.reset();
         if (m_font)
             DeleteObject(m_font);
@@ -100,8 +114,24 @@ public:
     }
 
 private:
+    static LRESULT CALLBACK HostProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR data)
+    {
+        const SearchPage* page = reinterpret_cast<SearchPage*>(data);
+        if (message == WM_CTLCOLOREDIT && reinterpret_cast<HWND>(lParam) == page->m_edit) {
+            HDC dc = reinterpret_cast<HDC>(wParam);
+            SetTextColor(dc, page->m_fieldText);
+            SetBkColor(dc, page->m_fieldColour);
+            return reinterpret_cast<LRESULT>(page->m_fieldBrush);
+        }
+        return DefSubclassProc(hwnd, message, wParam, lParam);
+    }
+
     std::unique_ptr<CSearchEngineControl> m_control;
+    HWND m_host = nullptr;
     HWND m_edit = nullptr;
+    HBRUSH m_fieldBrush = nullptr;
+    COLORREF m_fieldColour = 0;
+    COLORREF m_fieldText = 0;
     HFONT m_font = nullptr;
     std::wstring m_searched;
     bool m_looked = false;
