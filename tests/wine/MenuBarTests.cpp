@@ -481,12 +481,13 @@ TEST_F(MenuBar, FontsFollowTheLanguage)
         CVuikMenuBarButtonSkin buttons;
         items.Load();
         buttons.Load();
-        // The face (a fallback under Wine) shows in no golden; the rest of the description is the suite's font
-        // description, which the resource tests hold.
+        // Neither the face (a fallback under Wine) nor the character set (any set, for Chinese and Thai) shows in
+        // the goldens. Items and buttons make their fonts alike.
         LOGFONTW a = {}, b = {};
         ASSERT_TRUE(GetObjectW(items.m_hFont, sizeof(a), &a));
         ASSERT_TRUE(GetObjectW(buttons.GetFont(), sizeof(b), &b));
         EXPECT_STREQ(b.lfFaceName, L"Zelvo Sans Wide");
+        EXPECT_EQ(b.lfCharSet, DEFAULT_CHARSET);
         EXPECT_EQ(a.lfHeight, c.itemHeight);
         EXPECT_EQ(a.lfWeight, FW_NORMAL);
         EXPECT_EQ(b.lfHeight, c.buttonHeight);
