@@ -241,55 +241,20 @@ TEST_F(ProgressDialog, RunsOfRandomLengthLeaveNoThreadOrHandleBehind)
     EXPECT_LE(HandleCount(), handles + 2);
 }
 
-// ---- The window while the work runs --------------------------------------------------------------------------
-
-TEST_F(ProgressDialog, CloseButtonEscapeAndCloseDoNothingWhileWorkRuns)
-{
-    enum Action { ClickClose, Escape, Close };
-    struct Case {
-        const char* name;
-        Action action;
-    } cases[] = {{"close button", ClickClose}, {"Escape", Escape}, {"WM_CLOSE", Close}};
-    Watchdog watchdog(5000);
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        ProbeDlg dialog(L"Working", L"Please wait...");
-        bool aliveAfter = false, foundButton = false;
-        watchdog.Kick();
-        EXPECT_EQ(RunWithWindow(dialog,
-                                [&](HWND hwnd) -> LONGLONG {
-                                    Sleep(100);
-                                    if (c.action == ClickClose) {
-                                        HWND button = GetDlgItem(hwnd, CVuikWindowBackgroundCtrl::CommandClose);
-                                        foundButton = button != nullptr;
-                                        if (button)
-                                            msgseq::input::Click(msgseq::input::Centre(button));
-                                    } else if (c.action == Escape) {
-                                        PostMessageW(hwnd, WM_KEYDOWN, VK_ESCAPE, 0);
-                                        PostMessageW(hwnd, WM_KEYUP, VK_ESCAPE, 0);
-                                    } else {
-                                        PostMessageW(hwnd, WM_CLOSE, 0, 0);
-                                    }
-                                    Sleep(300);
-                                    aliveAfter = IsWindow(hwnd) && IsWindowVisible(hwnd);
-                                    return 42;
-                                }),
-                  42);
-        EXPECT_TRUE(aliveAfter);
-        EXPECT_EQ(foundButton, c.action == ClickClose);
-    }
-}
-
-// ---- Pixels ------------------------------------------------------------------------------------------------------
+// ---- The window while the work runs ------------------------------------------------------------------------
 
 // The English dialogs show the text they were made with; the Hebrew ones get theirs from the work thread while
 // they are shown. Either text runs on past the animation's edge, unclipped. A caption set later reaches the
-// window too.
-TEST_F(ProgressDialog, GoldenDialogInBothThemesAndLayouts)
+// window too. Then the close button (a real click), Escape or WM_CLOSE, one per look, does nothing while the
+// work runs.
+TEST_F(ProgressDialog, GoldenDialogInBothThemesAndLayoutsThatOnlyTheWorkEnds)
 {
+    enum Action { ClickClose, Escape, Close };
+    const Action actions[] = {ClickClose, Escape, Close, ClickClose};
     const wchar_t* const hebrewText =
         L"\x05DE\x05E2\x05EA\x05D9\x05E7 \x05EA\x05DE\x05D5\x05E0\x05D5\x05EA: 3 \x05DE\x05EA\x05D5\x05DA 12";
-    for (const Look& look : kLooks) {
+    for (size_t i = 0; i < 4; ++i) {
+        const Look& look = kLooks[i];
         SetUpResources(look.Language(), look.theme);
         CVuikLib::SetLayout(look.rtl ? LAYOUT_RTL : 0);
         SCOPED_TRACE(look.Suffix());
@@ -300,6 +265,7 @@ TEST_F(ProgressDialog, GoldenDialogInBothThemesAndLayouts)
         Watchdog watchdog(5000);
         Capture shot;
         wchar_t textRead[80] = {}, captionRead[40] = {};
+        bool foundButton = false, aliveAfter = false;
         ASSERT_EQ(RunWithWindow(dialog,
                                 [&](HWND hwnd) -> LONGLONG {
                                     if (look.rtl) {
@@ -311,12 +277,27 @@ TEST_F(ProgressDialog, GoldenDialogInBothThemesAndLayouts)
                                     dialog.GetProgressText(textRead, 80);
                                     dialog.SetWindowCaption(L"Desk Hub");
                                     GetWindowTextW(hwnd, captionRead, 40);
+                                    if (actions[i] == ClickClose) {
+                                        HWND button = GetDlgItem(hwnd, CVuikWindowBackgroundCtrl::CommandClose);
+                                        foundButton = button != nullptr;
+                                        if (button)
+                                            msgseq::input::Click(msgseq::input::Centre(button));
+                                    } else if (actions[i] == Escape) {
+                                        PostMessageW(hwnd, WM_KEYDOWN, VK_ESCAPE, 0);
+                                        PostMessageW(hwnd, WM_KEYUP, VK_ESCAPE, 0);
+                                    } else {
+                                        PostMessageW(hwnd, WM_CLOSE, 0, 0);
+                                    }
+                                    Sleep(300);
+                                    aliveAfter = IsWindow(hwnd) && IsWindowVisible(hwnd);
                                     return 1;
                                 }),
                   1);
         EXPECT_STREQ(textRead, look.rtl ? hebrewText : L"Copying pictures: 3 of 12");
         EXPECT_STREQ(captionRead, L"Desk Hub");
         EXPECT_TRUE(MatchesGolden("progress_" + look.Suffix(), shot.width, shot.height, shot.pixels.data()));
+        EXPECT_EQ(foundButton, actions[i] == ClickClose);
+        EXPECT_TRUE(aliveAfter) << "the dialog ended before its work";
     }
 }
 
