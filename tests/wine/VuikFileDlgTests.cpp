@@ -81,7 +81,6 @@ TEST_F(VuikFileDlg, RunsSkinnedAndGivesTheCallersStructureBack)
         DWORD size;
         bool choose, callersTemplate;
     } cases[] = {
-        {"open, full size", CVuikFileDlg::GetOpenFileNameW, sizeof(OPENFILENAMEW), false, false},
         {"save, full size", CVuikFileDlg::GetSaveFileNameW, sizeof(OPENFILENAMEW), false, false},
         {"open, older size", CVuikFileDlg::GetOpenFileNameW, OPENFILENAME_SIZE_VERSION_400W, false, false},
         {"open, a file chosen", CVuikFileDlg::GetOpenFileNameW, sizeof(OPENFILENAMEW), true, false},
