@@ -207,6 +207,9 @@ TEST_F(AboutDialog, RightToLeftLanguageFlipsTheTemplate)
         GetWindowRect(GetDlgItem(box, kCaptionClose), &close);
         EXPECT_EQ(ok.left - frame.left, 33) << "the OK button 33 pixels in from the left";
         EXPECT_LT(close.left - frame.left, (frame.right - frame.left) / 2);
+        wchar_t text[16] = {};
+        GetWindowTextW(GetDlgItem(box, IDOK), text, 16);
+        EXPECT_STREQ(text, L"\x05D0\x05D9\x05E9\x05D5\x05E8") << "the OK button's name (its tip; drawn as a mark)";
         PostMessageW(box, WM_COMMAND, IDOK, 0);
     });
 }

@@ -104,14 +104,17 @@ TEST_F(CommonCheckButtons, CommonButtonStatesFollowInput)
     }
 }
 
-// A disabled icon of its own; right to left an icon turns unless told not to (the left piece's white corner shows
+// A larger window than the theme's size shows its parent in the rest. A disabled icon of its own; right to left an icon turns unless told not to (the left piece's white corner shows
 // which way it faces).
 TEST_F(CommonCheckButtons, CommonButtonSizesAndIcons)
 {
     {  // gone before the layout changes: the pictures it holds were loaded left to right
         CVuikCommonButtonCtrl button;
-        ASSERT_TRUE(button.Create(m_parent, RECT{10, 10, 34, 24}, 1, WS_CHILD | WS_VISIBLE, 0, CommonButtonSmall));
+        HWND hwnd = button.Create(m_parent, RECT{10, 10, 100, 100}, 1, WS_CHILD | WS_VISIBLE, 0, CommonButtonSmall);
         EXPECT_EQ(CVuikLib::GetResourceInstance(), GetModuleHandleW(nullptr)) << "the resource instance is put back";
+        MoveWindow(hwnd, 10, 10, 34, 24, TRUE);
+        const Capture shown = Shown(hwnd);
+        EXPECT_EQ(shown.At(29, 12), shown.At(32, 2)) << "the parent's, not the skin's";
         button.SetButtonIcon(IDB_BUTTON_GLYPH, IDB_BUTTON_LEFT, 0);
         const CVuikCommonButtonSkinDef def = *button.GetSkin();
         EXPECT_EQ(def.m_States[CommonDisabled].m_nIconId, static_cast<UINT>(IDB_BUTTON_LEFT));
