@@ -79,13 +79,15 @@ TEST_F(DeviceSelection, RefusesWhatItCannotWatch)
         FreshResources resources(suite, L"xyz");
         EXPECT_EQ(wrapper.Initialize(app.Get()), -11) << "no language module";
     }
+    ASSERT_EQ(wrapper.Initialize(app.Get()), 0);
+    wrapper.Terminate();
+    EXPECT_EQ(SelectionWindow(), nullptr) << "the failed start holds on to the window";
     {
         FreshResources resources(suite, L"eng", L"NoSuchTheme");
         suite.SetMachineTheme(L"NoSuchTheme");
         EXPECT_EQ(wrapper.Initialize(app.Get()), -13) << "no theme module";
     }
     EXPECT_EQ(GetPropW(app.Get(), L"__DeskHubCCSDWrapperImplInstancePtr"), nullptr);
-    EXPECT_EQ(SelectionWindow(), nullptr);
 }
 
 // One phone plugged in with none current is taken silently; an unsupported one only reports itself; pulling
