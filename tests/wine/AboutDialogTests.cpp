@@ -223,10 +223,12 @@ TEST_F(AboutDialog, Golden)
             const std::string name = std::string("about_") + (theme[0] == L'D' ? "Default" : "Graphite") +
                                      (language[0] == L'h' ? "_rtl" : "_ltr");
             SCOPED_TRACE(name);
-            // Params given again replace the earlier ones.
+            // Params given again replace the earlier ones; a missing string reads as empty.
             CCommonAboutDlg about;
             tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_LONG);
+            params.m_nFooterId = IDS_ABOUT_TEST_NO_BLOCK;
             about.SetAboutBoxParams(&params);
+            EXPECT_STREQ(about.GetFooterText(), L"") << "a missing string reads as empty";
             params = Params(nullptr, IDS_ABOUT_TEST_PRODUCT, IDS_ABOUT_TEST_PRODUCT);
             about.SetAboutBoxParams(&params);
             RunModal(about, [&](HWND box) {
