@@ -10,6 +10,7 @@
 
 #include "AboutTestIds.h"
 #include "DeviceTestSupport.h"
+#include "DrivenModal.h"
 #include "Golden.h"
 #include "HandleCounter.h"
 #include "MessageSequence.h"
@@ -30,7 +31,6 @@ struct TestAboutDlg : CCommonAboutDlg {
     using CCommonAboutDlg::LoadStringEx;
 };
 
-constexpr INT_PTR kStuck = 0x5757;  // what the watchdog ends a box with
 constexpr UINT kCaptionClose = 0x8001, kCaptionIcon = 0x8004;
 
 tagABOUTBOXPARAMS Params(HWND parent, UINT product = IDS_ABOUT_TEST_PRODUCT, UINT icon = 0)
@@ -45,37 +45,12 @@ tagABOUTBOXPARAMS Params(HWND parent, UINT product = IDS_ABOUT_TEST_PRODUCT, UIN
     return params;
 }
 
-// Runs the box modally. `drive` is called from a timer of its modal loop, every 50 ms once the box is shown, with
-// the box and the tick's number; it must close the box. A watchdog ends it with kStuck after ten seconds.
-std::function<void(HWND, int)> g_drive;
-CCommonAboutDlg* g_running = nullptr;
-int g_ticks = 0;
-
-void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD)
+// Runs the box modally while `drive`, on a second thread, gets it once shown; it must close the box. A
+// watchdog fails the test and ends the box rather than hang.
+INT_PTR RunModal(CCommonAboutDlg& about, const std::function<void(HWND)>& drive)
 {
-    HWND box = g_running ? g_running->GetSafeHwnd() : nullptr;
-    if (!box || !IsWindowVisible(box))
-        return;
-    const int tick = g_ticks++;
-    if (tick * 50 > 10000) {
-        ADD_FAILURE() << "the about box did not close";
-        EndDialog(box, kStuck);
-        return;
-    }
-    UpdateWindow(box);
-    g_drive(box, tick);
-}
-
-INT_PTR RunModal(CCommonAboutDlg& about, std::function<void(HWND, int)> drive)
-{
-    g_drive = std::move(drive);
-    g_running = &about;
-    g_ticks = 0;
-    const UINT_PTR timer = SetTimer(nullptr, 0, 50, Tick);
-    const INT_PTR result = about.DoModal();
-    KillTimer(nullptr, timer);
-    g_running = nullptr;
-    return result;
+    const auto isAbout = [](HWND hwnd) { return GetPropW(hwnd, L"__DeskHubCCommonAboutDlgInstance") != nullptr; };
+    return zcmod_test::RunModal([&] { return about.DoModal(); }, isAbout, drive, 10);
 }
 
 class AboutDialog : public testing::Test {
@@ -102,21 +77,6 @@ protected:
 };
 
 }  // namespace
-
-// Params given again replace the earlier ones, a missing string read as empty. (The texts shown are the
-// goldens'.)
-TEST_F(AboutDialog, ParamsGivenAgainReplaceTheEarlierOnes)
-{
-    CCommonAboutDlg about;
-    tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_LONG);
-    params.m_nFooterId = IDS_ABOUT_TEST_NO_BLOCK;
-    about.SetAboutBoxParams(&params);
-    EXPECT_STREQ(about.GetFooterText(), L"");
-    params = Params(m_app.Get());
-    about.SetAboutBoxParams(&params);
-    EXPECT_STREQ(about.GetProductText(), L"Test Application");
-    EXPECT_STREQ(about.GetFooterText(), L"Test Application 4.5 (build 678)");
-}
 
 TEST_F(AboutDialog, LoadStringExWalksTheTableWhateverTheLength)
 {
@@ -168,9 +128,7 @@ TEST_F(AboutDialog, ClosesByEveryPathWithItsId)
         tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_PRODUCT, c.icon);
         about.SetAboutBoxParams(&params);
         HWND seen = nullptr;
-        const INT_PTR result = RunModal(about, [&](HWND box, int tick) {
-            if (tick > 0)
-                return;
+        const INT_PTR result = RunModal(about, [&](HWND box) {
             seen = box;
             EXPECT_EQ(GetPropW(box, L"__DeskHubCCommonAboutDlgInstance"), static_cast<HANDLE>(&about));
             EXPECT_TRUE(GetClassLongPtrW(box, GCL_STYLE) & CS_DROPSHADOW) << "a shadow, which no capture shows";
@@ -180,8 +138,8 @@ TEST_F(AboutDialog, ClosesByEveryPathWithItsId)
             switch (c.how) {
                 case OkButton: msgseq::input::Click(msgseq::input::Centre(ok)); break;
                 case CaptionClose: msgseq::input::Click(msgseq::input::Centre(GetDlgItem(box, kCaptionClose))); break;
-                case Escape: PostMessageW(GetFocus(), WM_KEYDOWN, VK_ESCAPE, 0); break;
-                case Enter: PostMessageW(GetFocus(), WM_KEYDOWN, VK_RETURN, 0); break;
+                case Escape: msgseq::input::Press(VK_ESCAPE); break;
+                case Enter: msgseq::input::Press(VK_RETURN); break;
             }
         });
         EXPECT_EQ(result, c.result);
@@ -215,9 +173,9 @@ TEST_F(AboutDialog, CentresOverItsParentOrTheDesktopAndStaysOnTheMonitor)
         tagABOUTBOXPARAMS params = Params(m_app.Get());
         about.SetAboutBoxParams(&params);
         RECT placed = {};
-        RunModal(about, [&](HWND box, int) {
+        RunModal(about, [&](HWND box) {
             GetWindowRect(box, &placed);
-            EndDialog(box, IDOK);
+            PostMessageW(box, WM_COMMAND, IDOK, 0);
         });
         EXPECT_EQ(placed.left, c.topLeft.x);
         EXPECT_EQ(placed.top, c.topLeft.y);
@@ -241,7 +199,7 @@ TEST_F(AboutDialog, RightToLeftLanguageFlipsTheTemplate)
     CCommonAboutDlg about;
     tagABOUTBOXPARAMS params = Params(m_app.Get());
     about.SetAboutBoxParams(&params);
-    RunModal(about, [&](HWND box, int) {
+    RunModal(about, [&](HWND box) {
         EXPECT_TRUE(GetWindowLongW(box, GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
         RECT frame, ok, close;
         GetWindowRect(box, &frame);
@@ -251,12 +209,12 @@ TEST_F(AboutDialog, RightToLeftLanguageFlipsTheTemplate)
         EXPECT_LT(close.left - frame.left, (frame.right - frame.left) / 2);
         wchar_t text[16] = {};
         GetWindowTextW(GetDlgItem(box, IDOK), text, 16);
-        EXPECT_STREQ(text, L"\x05D0\x05D9\x05E9\x05D5\x05E8") << "the OK button's name, drawn as a mark";
-        EndDialog(box, IDOK);
+        EXPECT_STREQ(text, L"\x05D0\x05D9\x05E9\x05D5\x05E8") << "the OK button's name (its tip; drawn as a mark)";
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
     });
 }
 
-// The whole box in both themes and layouts, against reviewed pictures.
+// The whole box in both themes and layouts, against reviewed pictures (the texts shown among them).
 TEST_F(AboutDialog, Golden)
 {
     for (const wchar_t* theme : {L"Default", L"Graphite"})
@@ -265,16 +223,19 @@ TEST_F(AboutDialog, Golden)
             const std::string name = std::string("about_") + (theme[0] == L'D' ? "Default" : "Graphite") +
                                      (language[0] == L'h' ? "_rtl" : "_ltr");
             SCOPED_TRACE(name);
+            // Params given again replace the earlier ones; a missing string reads as empty.
             CCommonAboutDlg about;
-            tagABOUTBOXPARAMS params = Params(nullptr, IDS_ABOUT_TEST_PRODUCT, IDS_ABOUT_TEST_PRODUCT);
+            tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_LONG);
+            params.m_nFooterId = IDS_ABOUT_TEST_NO_BLOCK;
             about.SetAboutBoxParams(&params);
-            RunModal(about, [&](HWND box, int tick) {
-                if (tick < 2)
-                    return;  // the caption's buttons and the OK button have painted
+            EXPECT_STREQ(about.GetFooterText(), L"") << "a missing string reads as empty";
+            params = Params(nullptr, IDS_ABOUT_TEST_PRODUCT, IDS_ABOUT_TEST_PRODUCT);
+            about.SetAboutBoxParams(&params);
+            RunModal(about, [&](HWND box) {
                 Capture shown = testskin::CaptureOnScreen(box);
                 testskin::CutToRegion(shown, box);
                 EXPECT_TRUE(MatchesGolden(name, shown.width, shown.height, shown.pixels.data(), 8));
-                EndDialog(box, IDOK);
+                PostMessageW(box, WM_COMMAND, IDOK, 0);
             });
         }
 }
@@ -288,12 +249,9 @@ TEST_F(AboutDialog, FreesEverythingOverRepeatedUse)
         tagABOUTBOXPARAMS params = Params(m_app.Get(), IDS_ABOUT_TEST_PRODUCT, IDS_ABOUT_TEST_PRODUCT);
         about.SetAboutBoxParams(&params);
         about.SetAboutBoxParams(&params);
-        RunModal(about, [](HWND box, int tick) {
-            if (tick == 0)
-                PostMessageW(box, WM_COMMAND, IDCANCEL, 0);
-        });
+        RunModal(about, [](HWND box) { PostMessageW(box, WM_COMMAND, IDCANCEL, 0); });
         // The same object again, its box ended from outside.
-        RunModal(about, [](HWND box, int) { EndDialog(box, IDOK); });
+        RunModal(about, [](HWND box) { EndDialog(box, IDOK); });
     };
     cycle();
     const auto before = counter.Live();

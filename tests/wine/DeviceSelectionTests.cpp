@@ -51,6 +51,7 @@ using Calls = std::vector<std::wstring>;
 
 }  // namespace
 
+// Null or child windows, a window watched already and missing modules are refused.
 TEST_F(DeviceSelection, RefusesWhatItCannotWatch)
 {
     EXPECT_EQ(wrapper.SelectDevice(1), static_cast<long>(0x80004003L));
@@ -72,21 +73,21 @@ TEST_F(DeviceSelection, RefusesWhatItCannotWatch)
     EXPECT_EQ(GetPropW(app.Get(), L"__DeskHubCCSDWrapperImplInstancePtr"), nullptr);
     EXPECT_EQ(GetPropW(app.Get(), L"__DeskHubCCSDWrapperImplOrgWinproc"), nullptr);
     EXPECT_EQ(wrapper.SelectDevice(1), static_cast<long>(0x80004003L));
-}
 
-TEST_F(DeviceSelection, MissingModulesFailTheStart)
-{
+    // Without its modules the start fails, leaving nothing on the window.
     {
         FreshResources resources(suite, L"xyz");
-        EXPECT_EQ(wrapper.Initialize(app.Get()), -11);
+        EXPECT_EQ(wrapper.Initialize(app.Get()), -11) << "no language module";
     }
+    ASSERT_EQ(wrapper.Initialize(app.Get()), 0);
+    wrapper.Terminate();
+    EXPECT_EQ(SelectionWindow(), nullptr) << "the failed start holds on to the window";
     {
         FreshResources resources(suite, L"eng", L"NoSuchTheme");
         suite.SetMachineTheme(L"NoSuchTheme");
-        EXPECT_EQ(wrapper.Initialize(app.Get()), -13);
+        EXPECT_EQ(wrapper.Initialize(app.Get()), -13) << "no theme module";
     }
     EXPECT_EQ(GetPropW(app.Get(), L"__DeskHubCCSDWrapperImplInstancePtr"), nullptr);
-    EXPECT_EQ(SelectionWindow(), nullptr);
 }
 
 // One phone plugged in with none current is taken silently; an unsupported one only reports itself; pulling
