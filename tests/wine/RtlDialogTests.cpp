@@ -335,6 +335,10 @@ TEST(RecipientRules, OnARichEditBox)
     EXPECT_EQ(name, L"b\U0001F600b");
     EXPECT_EQ(start, 9);
     EXPECT_EQ(end, 13);
+    std::vector<RecipientLocation> contacts;
+    CSearchEngineControl::GetContacts(edit, contacts);
+    ASSERT_EQ(contacts.size(), 3u);
+    EXPECT_EQ(contacts[1].m_nEnd, 13) << "the contact list's offsets count the pair as two as well";
 
     // A malformed recipient goes into italics, a good one back upright; the selection stays where it was.
     SendMessageW(edit, EM_SETSEL, 1, 2);
