@@ -73,8 +73,7 @@ Bytes FrameFile(const Bytes& file, const ZBUGIFFileStruct& info, unsigned index)
 
 TEST(GifWalk, LoopCountIsTheFileValuePlusOne)
 {
-    EXPECT_EQ(Walk(GifBuilder().Image(0, 0, 1, 1).Trailer().b).loop, 1);
-    EXPECT_EQ(Walk(GifBuilder().Loop(0).Image(0, 0, 1, 1).Trailer().b).loop, 1);
+    // (No block and a block of 0 giving 1 are the image store's, on ImageMagick's files.)
     EXPECT_EQ(Walk(GifBuilder().Loop(65535).Image(0, 0, 1, 1).Trailer().b).loop, 65536);
     // The identifier is not compared: any application block of that shape counts; one whose first sub-block
     // is not 3 bytes starting with 1 is no loop count.

@@ -113,14 +113,11 @@ TEST(Wbmp, MultiByteIntegersAndHeaderLimits)
 
 TEST(Wbmp, RowsMustAllBeThereAndTheEncoderAlignsThem)
 {
-    // 8 x 2 needs 2 data bytes; each row starts on a byte and a set bit is white. More is ignored.
+    // 8 x 2 needs 2 data bytes, and more is ignored. (Bit order, polarity and row alignment are pinned by the
+    // files of Netpbm and ImageMagick below.)
     Bytes file = {0, 0, 8, 2, 0xA5, 0x0F, 0x77};
     Decoded d = ReadWbmp(file);
     ASSERT_TRUE(d.ok);
-    ASSERT_EQ(d.pixels.size(), 8u * 2 * 3);
-    const int white[16] = {1, 0, 1, 0, 0, 1, 0, 1, 0, 0, 0, 0, 1, 1, 1, 1};
-    for (int i = 0; i < 16; ++i)
-        EXPECT_EQ(d.pixels[3 * i], white[i] ? 255 : 0) << i;
     file.resize(5);
     EXPECT_FALSE(ReadWbmp(file).ok);
     file.resize(4);  // both data bytes missing: the header alone is too short, and so are the rows
@@ -128,11 +125,6 @@ TEST(Wbmp, RowsMustAllBeThereAndTheEncoderAlignsThem)
     EXPECT_FALSE(DecodeWbmpRows(file.data(), file.size(), 8, 2, 4, d.pixels));
     EXPECT_FALSE(DecodeWbmpRows(file.data(), file.size(), 8, 2, 99, d.pixels));  // offset past the end
 
-    // 10 x 2: each row takes two bytes, the second filled with zeros at the low end.
-    Frame frame(10, 2, 255);
-    frame.Set(0, 0, 0);
-    frame.Set(9, 1, 0);
-    EXPECT_EQ(frame.Wbmp(), (Bytes{0, 0, 10, 2, 0x7F, 0xC0, 0xFF, 0x80}));
     // A grey of 100: the threshold is random() / 255, white only if it is under every channel. A channel of 129
     // or more never fails a draw. Two saves of a grey picture differ.
     EXPECT_EQ(Frame(8, 1, 100).Wbmp(kZero).back(), 0xFF);
@@ -176,12 +168,8 @@ TEST(Wbmp, FilesWrittenByNetpbmAndImageMagick)
 
 TEST(Ota, SizesThresholdsThePartialLastByteAndRefusals)
 {
-    // 72 x 14 takes 126 data bytes; a set bit is black. Whole round trips are the fuzzer's.
-    Frame logo(72, 14, 255);
-    logo.Set(0, 0, 0);
-    const Bytes file = logo.Ota();
-    ASSERT_EQ(file.size(), 130u);
-    EXPECT_EQ(Bytes(file.begin(), file.begin() + 6), (Bytes{0, 72, 14, 1, 0x80, 0}));
+    // Whole round trips and the file sizes are the fuzzer's; the header and the polarity of a set bit (black) are
+    // the image store's writer test's. The largest side is 255.
     EXPECT_TRUE(Frame(256, 1, 0).Ota().empty());
     EXPECT_TRUE(Frame(1, 256, 0).Ota().empty());
     EXPECT_EQ(Frame(255, 1, 0).Ota().size(), 4u + 32);

@@ -97,14 +97,9 @@ TEST(ImageGif, TransparencyOverAKeptFrameTheFilesOwnBackgroundAndAFullStore)
     Bytes gif = TinyAnimation(2, 1);
     gif[6] = 2;
     gif[11] = 1;
-    const std::wstring path = scratch.Write(L"bg.gif", gif);
     TestBitmapUtil own;
-    ASSERT_NE(own.NLoadBitmap(path.c_str(), BT_IMAGE, 0), nullptr);
+    ASSERT_NE(own.NLoadBitmap(scratch.Write(L"bg.gif", gif).c_str(), BT_IMAGE, 0), nullptr);
     ExpectPixels(ReadFrame(own, BT_IMAGE, 0), {{0, 0, 0xFF0000}, {1, 0, 0x0000FF}});
-    // A colour of the caller's wins over the file's.
-    own.SetGIFBkColor(RGB(0, 255, 0));
-    ASSERT_NE(own.NLoadBitmap(path.c_str(), BT_IMAGE, 0), nullptr);
-    EXPECT_EQ(ReadFrame(own, BT_IMAGE, 1).At(1, 0), 0x00FF00u);
 
     // 600 images give 511 frames: the 512th is parsed and not counted.
     ASSERT_NE(util.NLoadBitmap(scratch.Write(L"many.gif", TinyAnimation(600, 1)).c_str(), BT_ALPHA, 0), nullptr);
@@ -116,18 +111,16 @@ TEST(ImageGif, TransparencyOverAKeptFrameTheFilesOwnBackgroundAndAFullStore)
 
 // ---- WBMP and OTA -------------------------------------------------------------------------------------------------
 
-TEST(ImagePhoneFormats, AnyExtensionLoadsWbmpTheStoreIsReplacedBeforeTheChecksAndBothWritersWork)
+TEST(ImagePhoneFormats, TheStoreIsReplacedBeforeTheWbmpChecksAndBothWritersWork)
 {
     ScratchFolder scratch;
     TestBitmapUtil util;
     auto load = [&](const Bytes& bytes) {
         return util.NLoadBitmap(scratch.Write(L"x.dat", bytes).c_str(), BT_IMAGE, 0);
     };
-    // 8 x 2 with its two rows loads through a made-up extension.
-    ASSERT_NE(load({0, 0, 8, 2, 0xF0, 0x0F}), nullptr);
-    // A store of another geometry is emptied before the rows are found missing (by the WBMP decoder itself: the
-    // OTA decoder that a failed load falls through to replaces the store on its own).
-    util.DeleteBitmap(BT_IMAGE, 0);
+    // (A made-up extension reaching the WBMP decoder is the resource test's, through its temporary file.) A store
+    // of another geometry is emptied before the rows are found missing (by the WBMP decoder itself: the OTA
+    // decoder that a failed load falls through to replaces the store on its own).
     ASSERT_TRUE(MakeSolid(util, BT_IMAGE, 5, 3, 3, 0x777777));
     EXPECT_RESULT_ERROR(util,
                         util.LoadWBMPFile(scratch.Write(L"x.dat", {0, 0, 16, 2, 0xFF, 0xFF}).c_str(), BT_IMAGE, 0),

@@ -160,8 +160,7 @@ TEST_F(PNGAnimationTest, ResultCodesOfEachOperation)
         Step after = nullptr;  // what else must hold afterwards, if anything
     };
     const Case cases[] = {
-        {"members: false even on success", false, [](Animation& a) { return a.SetAnimationMembers(4, 9, 0); }, false, 0,
-         [](Animation& a) { return a.m_nFrames == 4 && a.m_phBitmaps != nullptr; }},
+        {"members: false even on success", false, [](Animation& a) { return a.SetAnimationMembers(4, 9, 0); }, false, 0},
         {"members: no frames, delay and direction kept", false,
          [](Animation& a) { return a.SetAnimationMembers(0, 70, 1); }, false, 6,
          [](Animation& a) { return a.m_nDelay == 70 && a.m_nDirection == 1 && !a.GetLastBitmapHandle(); }},
