@@ -104,8 +104,8 @@ TEST_F(CommonCheckButtons, CommonButtonStatesFollowInput)
     }
 }
 
-// A larger window than the theme's size shows its parent in the rest. A disabled icon of its own; right to left an icon turns unless told not to (the left piece's white corner shows
-// which way it faces).
+// A larger window than the theme's size shows its parent in the rest. A disabled icon of its own; right to left
+// an icon turns unless told not to (the left piece's white corner shows which way it faces).
 TEST_F(CommonCheckButtons, CommonButtonSizesAndIcons)
 {
     {  // gone before the layout changes: the pictures it holds were loaded left to right
