@@ -197,9 +197,8 @@ private:
         const CVuikListViewSkinDef def = *m_listCtrl->GetSkin();
         const bool selected = (item->itemState & ODS_SELECTED) != 0;
         // A dark theme's rows lie on its window colour, a light theme's on the list skin's fill.
-        const COLORREF fill = selected      ? m_highlight
-                              : DarkTheme() ? m_window
-                                            : RGB(def.m_crFill >> 16 & 0xFF, def.m_crFill >> 8 & 0xFF, def.m_crFill & 0xFF);
+        const COLORREF listFill = RGB(def.m_crFill >> 16 & 0xFF, def.m_crFill >> 8 & 0xFF, def.m_crFill & 0xFF);
+        const COLORREF fill = selected ? m_highlight : DarkTheme() ? m_window : listFill;
         HBRUSH brush = CreateSolidBrush(fill);
         FillRect(item->hDC, &item->rcItem, brush);
         DeleteObject(brush);

@@ -73,8 +73,8 @@ public:
                                   GetModuleHandleW(nullptr), this);
         for (size_t i = 0; i < sizeof(kKinds) / sizeof(kKinds[0]); ++i) {
             const int column = static_cast<int>(i % 4), row = static_cast<int>(i / 4);
-            m_pushButtons.Add(m_panel, kKinds[i].label, kMargin + column * (kButtonWidth + 10),
-                              kMargin + row * (kButtonHeight + 8), kButtonWidth, kButtonHeight, static_cast<int>(100 + i));
+            const int x = kMargin + column * (kButtonWidth + 10), y = kMargin + row * (kButtonHeight + 8);
+            m_pushButtons.Add(m_panel, kKinds[i].label, x, y, kButtonWidth, kButtonHeight, static_cast<int>(100 + i));
         }
         SetUpOlderBox();
         TakePicture();

@@ -249,7 +249,8 @@ public:
         for (int i = 0; i < kStates; ++i)
             Text(dc, kLeftColumn + kButtonWidth + 30, kTop + i * kRowStep + 8, kStateNames[i], m_SkinDef.m_crText);
         Text(dc, kLeftColumn, kTop + kStates * kRowStep + 10,
-             L"Right to left, each buffer is mirrored whole: the glyph moves to the trailing edge.", m_SkinDef.m_crNote);
+             L"Right to left, each buffer is mirrored whole: the glyph moves to the trailing edge.",
+             m_SkinDef.m_crNote);
         Text(dc, kLeftColumn, kTop + kStates * kRowStep + 30, L"Hover a button for its tooltip.", m_SkinDef.m_crNote);
         SelectObject(dc, old);
         DeleteObject(font);

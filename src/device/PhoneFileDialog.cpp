@@ -287,7 +287,8 @@ UINT_PTR OnNotify(HWND dialog, OFNOTIFYW* notify)
         if (!g_dialog.shellFolder.empty())
             OpenShellFolder(frame);
         if (!g_dialog.callerTitle)
-            SetWindowTextW(frame, LoadText(g_dialog.m_bSaveDialog ? ZLR_STR_FD_SAVE_TITLE : ZLR_STR_FD_OPEN_TITLE).c_str());
+            SetWindowTextW(frame,
+                           LoadText(g_dialog.m_bSaveDialog ? ZLR_STR_FD_SAVE_TITLE : ZLR_STR_FD_OPEN_TITLE).c_str());
         if (listener)
             listener->OnInitDone(dialog, notify);
         return 0;
